@@ -1,0 +1,30 @@
+# Settings that every target of the project shares.
+set(CMAKE_CXX_STANDARD 20)
+set(CMAKE_CXX_STANDARD_REQUIRED ON)
+set(CMAKE_CXX_EXTENSIONS OFF)
+set(CMAKE_C_STANDARD 11)
+set(CMAKE_C_STANDARD_REQUIRED ON)
+set(CMAKE_C_EXTENSIONS OFF)
+
+# One place for programs and the DLL, so that a program finds it beside itself.
+set(CMAKE_RUNTIME_OUTPUT_DIRECTORY "${CMAKE_BINARY_DIR}/bin")
+
+# Linked into each of the project's own targets; third-party code does not get it.
+add_library(project_options INTERFACE)
+if(MSVC)
+  # C4251, C4275: exported classes hold standard library members and derive from std::exception;
+  # a client must use the same compiler and runtime anyway.
+  target_compile_options(project_options INTERFACE /W4 /WX /permissive- /utf-8 /wd4251 /wd4275)
+else()
+  target_compile_options(project_options INTERFACE -Wall -Wextra -Wpedantic -Wconversion -Wshadow -Werror)
+endif()
+
+if(MINGW)
+  # The compiler's runtime goes into each module, which then needs only libraries of the system.
+  add_link_options(-static)
+endif()
+
+# Windows 10 is the oldest system supported.
+if(WIN32)
+  add_compile_definitions(_WIN32_WINNT=0x0A00 UNICODE _UNICODE WIN32_LEAN_AND_MEAN NOMINMAX)
+endif()

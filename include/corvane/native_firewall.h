@@ -1,0 +1,107 @@
+/**
+ * @file
+ * The C interface of Corvane.Native.Firewall.dll, for hosts. Compiles as C and as C++, by itself.
+ *
+ * Call Initialize once, then the commands. All calls run on the caller's thread and finish before they
+ * return; nothing is locked, so the host serialises them. The caller keeps ownership of everything that
+ * it passes and may free it when the call returns. Strings are zero-terminated; wide ones are UTF-16.
+ *
+ * Commands return 0 for success and when there was nothing to do. Otherwise they return the code of the
+ * failure, a Windows or FWP_E_ code or one of the CORVANE_ codes below, zero-extended to 64 bits; the
+ * text is then to be had from GetErrorText.
+ *
+ * Everything that the commands install lives in one dynamic session of the filtering engine and is gone
+ * when the DLL is unloaded, the process ends, or Initialize is called again.
+ */
+#ifndef CORVANE_NATIVE_FIREWALL_H
+#define CORVANE_NATIVE_FIREWALL_H
+
+#include <guiddef.h>
+#include <stdint.h>  // NOLINT(modernize-deprecated-headers): C needs it so.
+#ifndef __cplusplus
+#include <wchar.h>
+#endif
+
+#if defined(CORVANE_NATIVE_FIREWALL_BUILDING)
+#define CORVANE_API __declspec(dllexport)
+#else
+#define CORVANE_API
+#endif
+#define CORVANE_CALL __stdcall
+
+/** A failure that no engine call reported. */
+#define CORVANE_ERROR_WITHOUT_CODE 1
+/** DisableInternet failed outside the filtering engine. */
+#define CORVANE_ERROR_GETTING_INTERFACES 904
+
+#ifdef __cplusplus
+extern "C" {
+#endif
+
+/**
+ * Receives one line of progress, without a line end: ASCII, except for names of adapters and
+ * applications, which are UTF-8. Called on the caller's thread; the pointer is valid during the call. The
+ * result is ignored. Commands that take a callback do not accept null.
+ */
+typedef uint64_t(CORVANE_CALL* LogCallback)(const char* line);  // NOLINT(modernize-use-using): C.
+
+/**
+ * Hands over the identities of everything that the library puts into the filtering engine: the key of an
+ * object, its name and its description. Makes no engine call. A second call starts afresh: the earlier
+ * session closes, and whatever was installed through it is gone.
+ *
+ * @param dnsPermittedAppPath full path of the one executable whose name look-ups may bypass the tunnel.
+ *
+ * The local-network rule set carries its description as its name and an empty description.
+ */
+// clang-format off: one identity a line.
+CORVANE_API void CORVANE_CALL Initialize(
+    const GUID* providerKey, const wchar_t* providerName, const wchar_t* providerDescription,
+    const GUID* killSwitchKey, const wchar_t* killSwitchName, const wchar_t* killSwitchDescription,
+    const GUID* localNetworkKey, const wchar_t* localNetworkName, const wchar_t* localNetworkDescription,
+    const GUID* dhcpKey, const wchar_t* dhcpName, const wchar_t* dhcpDescription, const GUID* dnsLeakKey,
+    const wchar_t* dnsLeakName, const wchar_t* dnsLeakDescription, const GUID* interfaceLeakKey,
+    const wchar_t* interfaceLeakName, const wchar_t* interfaceLeakDescription, const GUID* firewallCopyKey,
+    const wchar_t* firewallCopyName, const wchar_t* firewallCopyDescription, const GUID* skeinKey,
+    const wchar_t* skeinName, const wchar_t* skeinDescription, const wchar_t* dnsPermittedAppPath);
+// clang-format on
+
+/**
+ * The text of the latest failure, never null; empty before any. Success does not clear it. The pointer is
+ * valid until the next command that fails.
+ */
+CORVANE_API const char* CORVANE_CALL GetErrorText(void);
+
+/** 1 while no kill switch is installed, else 0. */
+CORVANE_API uint64_t CORVANE_CALL IsInternetEnabled(void);
+
+/** Removes the kill switch. */
+CORVANE_API uint64_t CORVANE_CALL EnableInternet(void);
+
+/**
+ * Installs the kill switch, replacing an installed one in a single engine transaction.
+ *
+ * @param apps full paths of executables that stay connected; may be null when appCount is 0.
+ * @param interfaceNames texts to look for, in their letter case, in the descriptions of the network
+ *        adapters; traffic over the adapters found stays free. Null for none. Not used when there are apps.
+ */
+CORVANE_API uint64_t CORVANE_CALL DisableInternet(const wchar_t* const* apps, uint32_t appCount,
+                                                  const wchar_t* const* interfaceNames,
+                                                  uint32_t interfaceCount, LogCallback log);
+
+/** 1 while the DHCP rules are installed, else 0. */
+CORVANE_API uint64_t CORVANE_CALL IsDhcpEnabled(void);
+
+/**
+ * Installs rules that let DHCP through. After a failure the rules count as installed until DisableDhcp.
+ */
+CORVANE_API uint64_t CORVANE_CALL EnableDhcp(LogCallback log);
+
+/** Removes the DHCP rules. */
+CORVANE_API uint64_t CORVANE_CALL DisableDhcp(LogCallback log);
+
+#ifdef __cplusplus
+}
+#endif
+
+#endif

@@ -1,0 +1,41 @@
+#pragma once
+
+#include <memory>
+#include <utility>
+
+#include "Export.h"
+
+namespace WfpFirewall::Filtering::Values {
+
+/// What a condition compares a field with. The most derived class names the field; see NativeField.h.
+class WFPFIREWALL_API BaseValue {
+ public:
+  virtual ~BaseValue() = default;
+
+ protected:
+  BaseValue() = default;
+  BaseValue(const BaseValue&) = default;
+  BaseValue(BaseValue&&) = default;
+  BaseValue& operator=(const BaseValue&) = default;
+  BaseValue& operator=(BaseValue&&) = default;
+};
+
+/// A value held as the engine's native type T. Copies share the one T, whose address stays fixed: a
+/// native filter record points straight at it.
+template <typename T>
+class Value : public BaseValue {
+ public:
+  /// The held T, owned by the value and its copies; null when the value holds nothing.
+  [[nodiscard]] T* GetValue() const { return value_.get(); }
+
+ protected:
+  Value() = default;
+  explicit Value(T value) : value_(std::make_shared<T>(std::move(value))) {}
+  /// Takes over an object that is given back in its own way.
+  explicit Value(std::shared_ptr<T> value) : value_(std::move(value)) {}
+
+ private:
+  std::shared_ptr<T> value_;
+};
+
+}  // namespace WfpFirewall::Filtering::Values

@@ -1,0 +1,159 @@
+#include "filtering/Filter.h"
+
+#include <cstring>
+#include <utility>
+
+#include "engine/FirewallException.h"
+#include "filtering/NativeField.h"
+
+namespace WfpFirewall {
+namespace {
+
+using Filtering::Condition;
+using Filtering::ConditionType;
+using Filtering::LayerType;
+using Filtering::MapToNativeField;
+using Filtering::NativeField;
+
+FWP_VALUE0 ToNativeWeight(std::int16_t weight) {
+  auto native = FWP_VALUE0();
+  if (weight != 0) {
+    native.type = FWP_UINT8;
+    native.uint8 = static_cast<UINT8>(weight);
+  }
+  return native;
+}
+
+FWP_CONDITION_VALUE0 ToNativeValue(const NativeField& field) {
+  auto native = FWP_CONDITION_VALUE0();
+  native.type = field.type;
+  switch (field.type) {
+    case FWP_UINT8:
+      std::memcpy(&native.uint8, field.data, sizeof(native.uint8));
+      break;
+    case FWP_UINT16:
+      std::memcpy(&native.uint16, field.data, sizeof(native.uint16));
+      break;
+    case FWP_UINT32:
+      std::memcpy(&native.uint32, field.data, sizeof(native.uint32));
+      break;
+    case FWP_UINT64:
+      native.uint64 = static_cast<UINT64*>(field.data);
+      break;
+    case FWP_BYTE_BLOB_TYPE:
+      native.byteBlob = static_cast<FWP_BYTE_BLOB*>(field.data);
+      break;
+    case FWP_V4_ADDR_MASK:
+      native.v4AddrMask = static_cast<FWP_V4_ADDR_AND_MASK*>(field.data);
+      break;
+    case FWP_V6_ADDR_MASK:
+      native.v6AddrMask = static_cast<FWP_V6_ADDR_AND_MASK*>(field.data);
+      break;
+    default:
+      throw FirewallException("Not supported value type.");
+  }
+  return native;
+}
+
+FWP_VALUE0 ToNativeRangeEnd(const NativeField& field) {
+  auto native = FWP_VALUE0();
+  native.type = field.type;
+  switch (field.type) {
+    case FWP_UINT8:
+      std::memcpy(&native.uint8, field.data, sizeof(native.uint8));
+      break;
+    case FWP_UINT32:
+      std::memcpy(&native.uint32, field.data, sizeof(native.uint32));
+      break;
+    case FWP_UINT64:
+      native.uint64 = static_cast<UINT64*>(field.data);
+      break;
+    case FWP_BYTE_BLOB_TYPE:
+      native.byteBlob = static_cast<FWP_BYTE_BLOB*>(field.data);
+      break;
+    default:
+      // Deliberate: 16-bit ends are refused, so a range of ports cannot be expressed.
+      throw FirewallException("Not supported value type in range.");
+  }
+  return native;
+}
+
+}  // namespace
+
+Filter::Filter(Action action) : action_(action) {}
+
+Action Filter::GetAction() const { return action_; }
+
+Filtering::Layer Filter::GetLayer() const { return layer_; }
+
+std::vector<Condition> Filter::GetConditions() const { return conditions_; }
+
+void Filter::SetLayer(Filtering::Layer layer) {
+  if (layer.GetLayerType() == LayerType::None) {
+    throw FirewallException("Layer type must be set befo assigning it to filter!");
+  }
+  layer_ = layer.GetLayerType();
+}
+
+void Filter::SetWeight(std::int16_t weight) { weight_ = weight; }
+
+void Filter::OverrideOtherSublayers() { overrideOtherSublayers_ = true; }
+
+void Filter::AddCondition(Condition condition) { conditions_.push_back(std::move(condition)); }
+
+FWPM_FILTER0 Filter::ToNativeFilter() {
+  nativeRanges_.clear();
+
+  auto native = FWPM_FILTER0();  // every byte zero
+  native.layerKey = MapLayerType(layer_);
+  native.weight = ToNativeWeight(weight_);
+  native.action.type = action_ == Action::Block ? FWP_ACTION_BLOCK : FWP_ACTION_PERMIT;
+  native.flags = overrideOtherSublayers_ ? FWPM_FILTER_FLAG_CLEAR_ACTION_RIGHT : 0;
+
+  std::shared_ptr<FWPM_FILTER_CONDITION0[]> nativeConditions;
+  std::vector<std::shared_ptr<FWP_RANGE0>> nativeRanges;
+  if (!conditions_.empty()) {
+    nativeConditions = std::make_shared<FWPM_FILTER_CONDITION0[]>(conditions_.size());
+  }
+  for (std::size_t i = 0; i < conditions_.size(); ++i) {
+    const Condition& condition = conditions_[i];
+    FWPM_FILTER_CONDITION0& target = nativeConditions[static_cast<std::ptrdiff_t>(i)];
+    target.matchType = condition.GetNativeConditionType();
+    const NativeField field = MapToNativeField(condition.GetConditionValue().get());
+    target.fieldKey = field.key;
+    if (condition.GetConditionType() != ConditionType::Range) {
+      target.conditionValue = ToNativeValue(field);
+      continue;
+    }
+    const NativeField high = MapToNativeField(condition.GetConditionValue2().get());
+    nativeRanges.push_back(
+        std::make_shared<FWP_RANGE0>(FWP_RANGE0{ToNativeRangeEnd(field), ToNativeRangeEnd(high)}));
+    target.conditionValue.type = FWP_RANGE_TYPE;
+    target.conditionValue.rangeValue = nativeRanges.back().get();
+  }
+
+  nativeConditions_ = std::move(nativeConditions);
+  nativeRanges_ = std::move(nativeRanges);
+  native.numFilterConditions = static_cast<UINT32>(conditions_.size());
+  native.filterCondition = nativeConditions_.get();
+  return native;
+}
+
+Filter Filter::BuildFromNative(FWPM_FILTER0* native) {
+  Filter filter(native->action.type == FWP_ACTION_BLOCK ? Action::Block : Action::Permit);
+  filter.SetLayer(Filtering::Layer::FromNative(native->layerKey));
+  // Deliberate: the first byte of the union whatever its type, which is what an 8-bit weight keeps there.
+  std::uint8_t weight = 0;
+  std::memcpy(&weight, &native->weight.uint8, sizeof(weight));
+  filter.SetWeight(weight);
+  // Deliberate: any other flag beside it means no override.
+  if (native->flags == FWPM_FILTER_FLAG_CLEAR_ACTION_RIGHT) {
+    filter.OverrideOtherSublayers();
+  }
+  for (UINT32 i = 0; i < native->numFilterConditions; ++i) {
+    filter.AddCondition(Condition::FromNative(native->filterCondition[i]));
+  }
+  return filter;
+}
+
+}  // namespace WfpFirewall

