@@ -1,0 +1,80 @@
+#include "emulator/Control.h"
+
+#include "emulator/ApplicationId.h"
+#include "emulator/EntryPoint.h"
+
+namespace EngineEmulator {
+namespace {
+
+std::wstring TextOf(const wchar_t* text) { return text == nullptr ? std::wstring() : text; }
+
+std::optional<GUID> KeyOf(const GUID* key) { return key == nullptr ? std::nullopt : std::optional(*key); }
+
+ProviderObject Show(const FWPM_PROVIDER0& provider) {
+  return {provider.providerKey, TextOf(provider.displayData.name), TextOf(provider.displayData.description),
+          TextOf(provider.serviceName), provider.flags};
+}
+
+SublayerObject Show(const FWPM_SUBLAYER0& sublayer) {
+  return {sublayer.subLayerKey, TextOf(sublayer.displayData.name), TextOf(sublayer.displayData.description),
+          sublayer.flags,       KeyOf(sublayer.providerKey),       sublayer.weight};
+}
+
+FilterObject Show(const FWPM_FILTER0& filter) {
+  return {filter.filterId,
+          filter.filterKey,
+          TextOf(filter.displayData.name),
+          TextOf(filter.displayData.description),
+          filter.flags,
+          KeyOf(filter.providerKey),
+          filter.layerKey,
+          filter.subLayerKey,
+          Describe(&filter)};
+}
+
+template <class Native, class Shown>
+void ShowAll(const Policy& policy, std::vector<Shown>& shown) {
+  for (const ObjectPtr<Native>& object : policy.Objects<Native>().All()) {
+    if (object->origin.lifetime != Lifetime::BuiltIn) {
+      shown.push_back(Show(object->Record()));
+    }
+  }
+}
+
+}  // namespace
+
+void Reset() { ResetEngine(); }
+
+void FailCall(const std::string& function, std::size_t nth, DWORD code) {
+  LockEngine().engine.faults.Add(function, nth, code);
+}
+
+std::vector<Call> Journal() { return LockEngine().engine.journal; }
+
+void ClearJournal() { LockEngine().engine.journal.clear(); }
+
+Snapshot TakeSnapshot() {
+  const LockedEngine locked = LockEngine();
+  const Policy& policy = locked.engine.NewestPolicy();
+  Snapshot snapshot;
+  ShowAll<FWPM_PROVIDER0>(policy, snapshot.providers);
+  ShowAll<FWPM_SUBLAYER0>(policy, snapshot.sublayers);
+  ShowAll<FWPM_FILTER0>(policy, snapshot.filters);
+  return snapshot;
+}
+
+Outstanding CountOutstanding() {
+  const LockedEngine locked = LockEngine();
+  Outstanding outstanding{locked.engine.Sessions().size(), 0, 0, locked.engine.memory.Count()};
+  for (const auto& [handle, session] : locked.engine.Sessions()) {
+    outstanding.openTransactions += session.transaction.has_value() ? 1 : 0;
+    outstanding.enumHandles += session.CountEnumerations();
+  }
+  return outstanding;
+}
+
+void PretendFileExists(const std::wstring& path) {
+  LockEngine().engine.pretendedFiles.insert(LowerCase(path));
+}
+
+}  // namespace EngineEmulator

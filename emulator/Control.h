@@ -1,0 +1,87 @@
+/**
+ * @file
+ * Looks into the emulated filtering engine and steers it: for tests and tools that hold the emulator as
+ * a static library. ControlExports.h has the same for the DLL.
+ */
+#pragma once
+
+#include <WfpPlatform.h>
+
+#include <cstddef>
+#include <optional>
+#include <string>
+#include <vector>
+
+namespace EngineEmulator {
+
+/// A fresh engine: no sessions, no objects but the built-in ones, no faults planned, an empty journal.
+/// Handles and memory handed out before become invalid.
+void Reset();
+
+/// Lets the nth call of a function from now on (1 = the next) fail with a code, without any effect.
+/// Several plans for one function may be waiting.
+/// @param function such as "FwpmFilterAdd0"; empty for calls of any function but FwpmFreeMemory0.
+void FailCall(const std::string& function, std::size_t nth, DWORD code);
+
+/// One call that a client made.
+struct Call {
+  std::string function;   ///< "FwpmFilterAdd0"
+  std::string arguments;  ///< in words, without handles
+  DWORD result;
+};
+
+/// The calls since the last Reset or ClearJournal, oldest first.
+std::vector<Call> Journal();
+void ClearJournal();
+
+struct ProviderObject {
+  GUID key;
+  std::wstring name;
+  std::wstring description;
+  std::wstring serviceName;
+  UINT32 flags;
+};
+
+struct SublayerObject {
+  GUID key;
+  std::wstring name;
+  std::wstring description;
+  UINT32 flags;
+  std::optional<GUID> providerKey;
+  UINT16 weight;
+};
+
+struct FilterObject {
+  UINT64 id;
+  GUID key;
+  std::wstring name;
+  std::wstring description;
+  UINT32 flags;
+  std::optional<GUID> providerKey;
+  GUID layerKey;
+  GUID subLayerKey;
+  std::string text;  ///< Catalog::DescribeFilter of the record
+};
+
+/// What the engine holds, in the order of adding, less what is built in. Changes of a transaction that
+/// is still open are included.
+struct Snapshot {
+  std::vector<ProviderObject> providers;
+  std::vector<SublayerObject> sublayers;
+  std::vector<FilterObject> filters;
+};
+Snapshot TakeSnapshot();
+
+/// What clients have not given back.
+struct Outstanding {
+  std::size_t sessions;
+  std::size_t openTransactions;
+  std::size_t enumHandles;
+  std::size_t memoryBlocks;
+};
+Outstanding CountOutstanding();
+
+/// Makes a path count as an existing file for application ids, whatever the file system says.
+void PretendFileExists(const std::wstring& path);
+
+}  // namespace EngineEmulator

@@ -1,0 +1,62 @@
+/**
+ * @file
+ * The emulator's control interface as the DLL exports it, for C and C++; find the functions with
+ * GetProcAddress. Texts are UTF-8.
+ */
+#pragma once
+
+/* winsock2.h must come before windows.h. */
+#include <windows.h>
+#include <winsock2.h>
+
+#include <stddef.h>
+
+#ifdef __cplusplus
+extern "C" {
+#endif
+
+/** What clients have not given back. */
+typedef struct EngineEmulatorOutstanding {
+  size_t sessions;
+  size_t openTransactions;
+  size_t enumHandles;
+  size_t memoryBlocks;
+} EngineEmulatorOutstanding;
+
+/** A fresh engine. Handles and memory handed out before become invalid. */
+void EngineEmulatorReset(void);
+
+/**
+ * Lets the nth call of a function from now on (1 = the next) fail with a code, without any effect.
+ * @param function such as "FwpmFilterAdd0"; empty for calls of any function but FwpmFreeMemory0.
+ */
+void EngineEmulatorFailCall(const char* function, size_t nth, DWORD code);
+
+void EngineEmulatorClearJournal(void);
+
+/**
+ * The calls since the last reset or clearing, oldest first, one line each:
+ *   FwpmProviderGetByKey0(c0c00001-...) -> FWP_E_PROVIDER_NOT_FOUND (0x80320005)
+ * @param buffer receives as much as fits, always terminated; may be null if size is 0.
+ * @return the size of the whole text with its terminating zero.
+ */
+size_t EngineEmulatorJournalText(char* buffer, size_t size);
+
+/**
+ * The objects that clients added, providers first, then sublayers, then filters, in the order of adding.
+ * One line each, "-" for an absent key:
+ *   provider <key> flags <n> "<name>" "<description>" service "<name>"
+ *   sublayer <key> flags <n> weight <n> provider <key> "<name>" "<description>"
+ *   filter <id> <key> sublayer <key> provider <key> "<name>" "<description>" <layer, action, conditions>
+ * Buffer, size and result are those of EngineEmulatorJournalText.
+ */
+size_t EngineEmulatorSnapshotText(char* buffer, size_t size);
+
+void EngineEmulatorCountOutstanding(EngineEmulatorOutstanding* outstanding);
+
+/** Makes a path count as an existing file for application ids, whatever the file system says. */
+void EngineEmulatorPretendFileExists(const wchar_t* path);
+
+#ifdef __cplusplus
+}
+#endif

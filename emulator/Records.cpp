@@ -1,0 +1,166 @@
+#include "emulator/Records.h"
+
+#include <cwchar>
+#include <vector>
+
+namespace EngineEmulator {
+namespace {
+
+template <class Char>
+Char* PackString(Packer& packer, const Char* text) {
+  return text == nullptr ? nullptr : packer.Copy(text, std::wcslen(text) + 1);
+}
+
+FWPM_DISPLAY_DATA0 PackDisplayData(Packer& packer, FWPM_DISPLAY_DATA0 data) {
+  return {PackString(packer, data.name), PackString(packer, data.description)};
+}
+
+FWP_BYTE_BLOB* PackBlob(Packer& packer, const FWP_BYTE_BLOB* blob) {
+  return blob == nullptr ? nullptr : PackRecord(packer, *blob);
+}
+
+/// A SID is longer than its declaration: the sub-authorities follow each other.
+SID* PackSid(Packer& packer, const void* sid) {
+  if (sid == nullptr) {
+    return nullptr;
+  }
+  const auto* bytes = static_cast<const UINT8*>(sid);
+  const std::size_t count = static_cast<const SID*>(sid)->SubAuthorityCount;
+  return reinterpret_cast<SID*>(packer.Copy(bytes, offsetof(SID, SubAuthority) + count * sizeof(DWORD)));
+}
+
+SID_AND_ATTRIBUTES* PackSids(Packer& packer, const SID_AND_ATTRIBUTES* sids, ULONG count) {
+  std::vector<SID_AND_ATTRIBUTES> packed(sids, sids + count);
+  for (SID_AND_ATTRIBUTES& entry : packed) {
+    entry.Sid = PackSid(packer, entry.Sid);
+  }
+  return packer.Copy(packed.data(), packed.size());
+}
+
+FWP_TOKEN_INFORMATION* PackToken(Packer& packer, const FWP_TOKEN_INFORMATION* token) {
+  if (token == nullptr) {
+    return nullptr;
+  }
+  FWP_TOKEN_INFORMATION packed = *token;
+  packed.sids = PackSids(packer, token->sids, token->sidCount);
+  packed.restrictedSids = PackSids(packer, token->restrictedSids, token->restrictedSidCount);
+  return packer.Copy(&packed);
+}
+
+/// The types that plain values and condition values have in common.
+template <class Value>
+Value PackSingleValue(Packer& packer, Value value) {
+  switch (value.type) {
+    case FWP_UINT64:
+      value.uint64 = packer.Copy(value.uint64);
+      break;
+    case FWP_INT64:
+      value.int64 = packer.Copy(value.int64);
+      break;
+    case FWP_DOUBLE:
+      value.double64 = packer.Copy(value.double64);
+      break;
+    case FWP_BYTE_ARRAY16_TYPE:
+      value.byteArray16 = packer.Copy(value.byteArray16);
+      break;
+    case FWP_BYTE_ARRAY6_TYPE:
+      value.byteArray6 = packer.Copy(value.byteArray6);
+      break;
+    case FWP_BYTE_BLOB_TYPE:
+      value.byteBlob = PackBlob(packer, value.byteBlob);
+      break;
+    case FWP_SECURITY_DESCRIPTOR_TYPE:
+      value.sd = PackBlob(packer, value.sd);
+      break;
+    case FWP_TOKEN_ACCESS_INFORMATION_TYPE:
+      value.tokenAccessInformation = PackBlob(packer, value.tokenAccessInformation);
+      break;
+    case FWP_TOKEN_INFORMATION_TYPE:
+      value.tokenInformation = PackToken(packer, value.tokenInformation);
+      break;
+    case FWP_SID:
+      value.sid = PackSid(packer, value.sid);
+      break;
+    case FWP_UNICODE_STRING_TYPE:
+      value.unicodeString = PackString(packer, value.unicodeString);
+      break;
+    default:
+      break;
+  }
+  return value;
+}
+
+FWP_RANGE0* PackRange(Packer& packer, const FWP_RANGE0* range) {
+  if (range == nullptr) {
+    return nullptr;
+  }
+  const FWP_RANGE0 packed{PackSingleValue(packer, range->valueLow),
+                          PackSingleValue(packer, range->valueHigh)};
+  return packer.Copy(&packed);
+}
+
+FWP_CONDITION_VALUE0 PackConditionValue(Packer& packer, FWP_CONDITION_VALUE0 value) {
+  switch (value.type) {
+    case FWP_V4_ADDR_MASK:
+      value.v4AddrMask = packer.Copy(value.v4AddrMask);
+      return value;
+    case FWP_V6_ADDR_MASK:
+      value.v6AddrMask = packer.Copy(value.v6AddrMask);
+      return value;
+    case FWP_RANGE_TYPE:
+      value.rangeValue = PackRange(packer, value.rangeValue);
+      return value;
+    default:
+      return PackSingleValue(packer, value);
+  }
+}
+
+FWPM_FILTER_CONDITION0* PackConditions(Packer& packer, const FWPM_FILTER_CONDITION0* conditions,
+                                       UINT32 count) {
+  std::vector<FWPM_FILTER_CONDITION0> packed(conditions, conditions + count);
+  for (FWPM_FILTER_CONDITION0& condition : packed) {
+    condition.conditionValue = PackConditionValue(packer, condition.conditionValue);
+  }
+  return packer.Copy(packed.data(), packed.size());
+}
+
+}  // namespace
+
+void* Packer::CopyBytes(const void* source, std::size_t size) {
+  constexpr std::size_t kAlignment = alignof(std::max_align_t);
+  size_ = (size_ + kAlignment - 1) / kAlignment * kAlignment;
+  std::byte* const target = block_ == nullptr ? nullptr : block_ + size_;
+  size_ += size;
+  return target == nullptr ? nullptr : std::memcpy(target, source, size);
+}
+
+FWP_BYTE_BLOB Pack(Packer& packer, FWP_BYTE_BLOB blob) {
+  blob.data = packer.Copy(blob.data, blob.size);
+  return blob;
+}
+
+FWPM_PROVIDER0 Pack(Packer& packer, FWPM_PROVIDER0 provider) {
+  provider.displayData = PackDisplayData(packer, provider.displayData);
+  provider.providerData = Pack(packer, provider.providerData);
+  provider.serviceName = PackString(packer, provider.serviceName);
+  return provider;
+}
+
+FWPM_SUBLAYER0 Pack(Packer& packer, FWPM_SUBLAYER0 sublayer) {
+  sublayer.displayData = PackDisplayData(packer, sublayer.displayData);
+  sublayer.providerKey = packer.Copy(sublayer.providerKey);
+  sublayer.providerData = Pack(packer, sublayer.providerData);
+  return sublayer;
+}
+
+FWPM_FILTER0 Pack(Packer& packer, FWPM_FILTER0 filter) {
+  filter.displayData = PackDisplayData(packer, filter.displayData);
+  filter.providerKey = packer.Copy(filter.providerKey);
+  filter.providerData = Pack(packer, filter.providerData);
+  filter.weight = PackSingleValue(packer, filter.weight);
+  filter.filterCondition = PackConditions(packer, filter.filterCondition, filter.numFilterConditions);
+  filter.effectiveWeight = PackSingleValue(packer, filter.effectiveWeight);
+  return filter;
+}
+
+}  // namespace EngineEmulator

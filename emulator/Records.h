@@ -1,0 +1,74 @@
+/**
+ * @file
+ * Deep copies of the engine's native records, each in a single block of memory.
+ */
+#pragma once
+
+#include <WfpPlatform.h>
+
+#include <cstddef>
+#include <cstring>
+#include <memory>
+#include <type_traits>
+
+namespace EngineEmulator {
+
+/// Lays copies of native data one after the other into a block, or only measures how much room they need.
+class Packer {
+ public:
+  /// @param block null to measure: copies are then null pointers.
+  explicit Packer(std::byte* block) : block_(block) {}
+
+  /// The copy inside the block. Null for a null source and for no elements.
+  template <class T>
+  T* Copy(const T* source, std::size_t count = 1) {
+    static_assert(std::is_trivially_copyable_v<T>);
+    if (source == nullptr || count == 0) {
+      return nullptr;
+    }
+    return static_cast<T*>(CopyBytes(source, sizeof(T) * count));
+  }
+
+  /// Bytes used so far.
+  std::size_t Size() const { return size_; }
+
+ private:
+  void* CopyBytes(const void* source, std::size_t size);
+
+  std::byte* block_;
+  std::size_t size_ = 0;
+};
+
+// Each copies what hangs off a record and gives the record with its pointers set to the copies.
+FWP_BYTE_BLOB Pack(Packer& packer, FWP_BYTE_BLOB blob);
+FWPM_PROVIDER0 Pack(Packer& packer, FWPM_PROVIDER0 provider);
+FWPM_SUBLAYER0 Pack(Packer& packer, FWPM_SUBLAYER0 sublayer);
+FWPM_FILTER0 Pack(Packer& packer, FWPM_FILTER0 filter);
+
+/// Copies a record with all that hangs off it.
+template <class Native>
+Native* PackRecord(Packer& packer, const Native& record) {
+  const Native packed = Pack(packer, record);
+  return packer.Copy(&packed);
+}
+
+/// A block that holds native data, and the place in it that stands for the whole.
+template <class Root>
+struct Block {
+  std::unique_ptr<std::byte[]> bytes;
+  Root* root;
+};
+
+/// Runs a packing function twice: to measure, then to fill a block of that size.
+/// @param pack takes a Packer&, gives a pointer to the root.
+template <class PackRoot>
+auto MakeBlock(PackRoot pack) {
+  Packer measure(nullptr);
+  pack(measure);
+  auto bytes = std::make_unique<std::byte[]>(measure.Size());
+  Packer packer(bytes.get());
+  auto* root = pack(packer);
+  return Block<std::remove_pointer_t<decltype(root)>>{std::move(bytes), root};
+}
+
+}  // namespace EngineEmulator

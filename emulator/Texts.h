@@ -1,0 +1,34 @@
+/**
+ * @file
+ * Arguments and objects in words. Null pointers come out as "null".
+ */
+#pragma once
+
+#include <WfpPlatform.h>
+
+#include <string>
+#include <string_view>
+
+namespace EngineEmulator {
+
+/// UTF-16 as UTF-8; halves of a surrogate pair that stand alone become U+FFFD.
+std::string Utf8(std::wstring_view text);
+
+/// Whether every surrogate is part of a pair.
+bool IsWellFormed(std::wstring_view text);
+
+std::string Describe(const GUID* key);
+/// "dynamic", "static"
+std::string Describe(const FWPM_SESSION0* session);
+/// "Name" key, flags 0, service "name"
+std::string Describe(const FWPM_PROVIDER0* provider);
+/// "Name" key, weight 15, flags 0, provider key
+std::string Describe(const FWPM_SUBLAYER0* sublayer);
+/// Catalog::DescribeFilter
+std::string Describe(const FWPM_FILTER0* filter);
+/// "all", or the criteria
+std::string Describe(const FWPM_PROVIDER_ENUM_TEMPLATE0* criteria);
+std::string Describe(const FWPM_SUBLAYER_ENUM_TEMPLATE0* criteria);
+std::string Describe(const FWPM_FILTER_ENUM_TEMPLATE0* criteria);
+
+}  // namespace EngineEmulator
