@@ -1,0 +1,33 @@
+/**
+ * @file
+ * The fixture of tests that use the emulated engine.
+ */
+#pragma once
+
+#include <gtest/gtest.h>
+
+#include <cstddef>
+#include <string>
+#include <vector>
+
+/// Starts each test with a fresh engine, and fails it if anything of the engine's is not given back at
+/// its end.
+class EngineTest : public testing::Test {
+ protected:
+  void SetUp() override;
+  void TearDown() override;
+
+  /// Deliberately not given back by this test.
+  void ExpectOutstandingMemory(std::size_t blocks) { memoryBlocks_ = blocks; }
+  void ExpectOpenSessions(std::size_t sessions) { sessions_ = sessions; }
+
+  /// The functions called so far, oldest first.
+  static std::vector<std::string> Calls();
+
+  /// The filters in the engine, in the order of adding.
+  static std::vector<std::string> FilterTexts();
+
+ private:
+  std::size_t memoryBlocks_ = 0;
+  std::size_t sessions_ = 0;
+};

@@ -1,0 +1,101 @@
+#include <array>
+#include <string>
+
+#include "EngineClient.h"
+
+namespace {
+
+using ApplicationId = EngineTest;
+
+DWORD Fail(const wchar_t* path) {
+  FWP_BYTE_BLOB* blob = nullptr;
+  const DWORD result = FwpmGetAppIdFromFileName0(path, &blob);
+  EXPECT_EQ(blob, nullptr);
+  return result;
+}
+
+/// The id as text, its terminating zero included.
+std::u16string Get(const wchar_t* path) {
+  EngineEmulator::PretendFileExists(path);
+  FWP_BYTE_BLOB* blob = nullptr;
+  EXPECT_EQ(FwpmGetAppIdFromFileName0(path, &blob), kSuccess);
+  std::u16string text;
+  for (UINT32 index = 0; index + 1 < blob->size; index += 2) {
+    text += static_cast<char16_t>(blob->data[index] + blob->data[index + 1] * 256);
+  }
+  Free(blob);
+  return text;
+}
+
+TEST_F(ApplicationId, IsTheDevicePathInLowerCaseWithItsTerminator) {
+  using namespace std::string_literals;
+  EXPECT_EQ(Get(L"C:\\Program Files\\App\\A.exe"),
+            u"\\device\\harddiskvolume1\\program files\\app\\a.exe\0"s);
+}
+
+TEST_F(ApplicationId, IsUtf16WithTheLowByteFirst) {
+  EngineEmulator::PretendFileExists(L"C:\\A");
+  FWP_BYTE_BLOB* blob = nullptr;
+  ASSERT_EQ(FwpmGetAppIdFromFileName0(L"C:\\A", &blob), kSuccess);
+  EXPECT_EQ(blob->size, 52U);
+  EXPECT_EQ(blob->data[0], '\\');
+  EXPECT_EQ(blob->data[1], 0);
+  EXPECT_EQ(blob->data[48], 'a');
+  EXPECT_EQ(blob->data[50], 0);
+  EXPECT_EQ(blob->data[51], 0);
+  Free(blob);
+}
+
+TEST_F(ApplicationId, VolumeGoesWithTheDriveLetter) {
+  using namespace std::string_literals;
+  EXPECT_EQ(Get(L"d:\\a"), u"\\device\\harddiskvolume2\\a\0"s);
+  EXPECT_EQ(Get(L"Z:\\a"), u"\\device\\harddiskvolume24\\a\0"s);
+}
+
+TEST_F(ApplicationId, LowersTheCaseOfOtherAlphabets) {
+  using namespace std::string_literals;
+  EXPECT_EQ(Get(L"C:\\\u00C9\u017D\u03A9\u0416\u0411\u042F.exe"),
+            u"\\device\\harddiskvolume1\\\u00E9\u017E\u03C9\u0436\u0431\u044F.exe\0"s);
+}
+
+TEST_F(ApplicationId, LeavesSignsAndLowerCaseAlone) {
+  using namespace std::string_literals;
+  EXPECT_EQ(Get(L"C:\\\u00D7\u00F7\u017E@[`{1.exe"),
+            u"\\device\\harddiskvolume1\\\u00D7\u00F7\u017E@[`{1.exe\0"s);
+}
+
+TEST_F(ApplicationId, TakesAPretendedFileInAnyCase) {
+  EngineEmulator::PretendFileExists(L"C:\\Nowhere\\A.exe");
+  FWP_BYTE_BLOB* blob = nullptr;
+  EXPECT_EQ(FwpmGetAppIdFromFileName0(L"c:\\NOWHERE\\a.EXE", &blob), kSuccess);
+  Free(blob);
+}
+
+TEST_F(ApplicationId, TakesAFileThatIsThere) {
+  std::array<wchar_t, 1024> program{};
+  ASSERT_NE(GetModuleFileNameW(nullptr, program.data(), static_cast<DWORD>(program.size())), 0U);
+  FWP_BYTE_BLOB* blob = nullptr;
+  EXPECT_EQ(FwpmGetAppIdFromFileName0(program.data(), &blob), kSuccess);
+  Free(blob);
+}
+
+TEST_F(ApplicationId, TellsAMissingFileFromAMissingFolder) {
+  EXPECT_EQ(Fail(L"C:\\windows\\no such program.exe"), 2U);
+  EXPECT_EQ(Fail(L"C:\\no such folder\\program.exe"), 3U);
+}
+
+TEST_F(ApplicationId, IsNotGivenForAFolder) { EXPECT_EQ(Fail(L"C:\\windows"), 5U); }
+
+TEST_F(ApplicationId, IsNotGivenForAPathThatIsNotFull) {
+  EXPECT_EQ(Fail(L"program.exe"), 3U);
+  EXPECT_EQ(Fail(L""), 3U);
+  EXPECT_EQ(Fail(L"C:program.exe"), 3U);
+}
+
+TEST_F(ApplicationId, NullArgumentsAreRefused) {
+  FWP_BYTE_BLOB* blob = nullptr;
+  EXPECT_EQ(FwpmGetAppIdFromFileName0(nullptr, &blob), kNullPointer);
+  EXPECT_EQ(FwpmGetAppIdFromFileName0(L"C:\\a.exe", nullptr), kNullPointer);
+}
+
+}  // namespace

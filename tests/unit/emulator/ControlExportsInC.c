@@ -1,0 +1,10 @@
+/* The header must serve a program in C. */
+#include "emulator/ControlExports.h"
+
+size_t CountOpenSessionsInC(void);
+
+size_t CountOpenSessionsInC(void) {
+  EngineEmulatorOutstanding outstanding;
+  EngineEmulatorCountOutstanding(&outstanding);
+  return outstanding.sessions;
+}

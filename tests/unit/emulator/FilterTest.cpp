@@ -1,0 +1,290 @@
+#include "EngineClient.h"
+
+#include <gmock/gmock.h>
+
+#include <array>
+
+namespace {
+
+using testing::ElementsAre;
+using FilterObject = EngineTest;
+
+constexpr GUID kRemoteAddress{0xb235ae9a, 0x1d64, 0x49b8, {0xa4, 0x4c, 0x5f, 0xf3, 0xd9, 0x09, 0x50, 0x45}};
+constexpr GUID kLocalAddress{0xd9ee00de, 0xc1ef, 0x4617, {0xbf, 0xe3, 0xff, 0xd8, 0xf5, 0xa0, 0x89, 0x57}};
+constexpr GUID kLocalInterface{0x4cd62a49, 0x59c3, 0x4969, {0xb7, 0xf3, 0xbd, 0xa5, 0xd3, 0x28, 0x90, 0xa4}};
+constexpr GUID kAppId{0xd78e1e87, 0x8644, 0x4ea5, {0x94, 0x37, 0xd8, 0x09, 0xec, 0xef, 0xc9, 0x71}};
+constexpr GUID kPackageId{0x71bc78fa, 0xf17c, 0x4997, {0xa6, 0x02, 0x6a, 0xbb, 0x26, 0x1f, 0x35, 0x1c}};
+constexpr GUID kUserId{0xaf043a0a, 0xb34d, 0x4f86, {0x97, 0x9c, 0xc9, 0x03, 0x71, 0xaf, 0x6e, 0x66}};
+
+FWPM_FILTER_CONDITION0 Condition(const GUID& field, FWP_MATCH_TYPE match, FWP_DATA_TYPE type) {
+  FWPM_FILTER_CONDITION0 condition{};
+  condition.fieldKey = field;
+  condition.matchType = match;
+  condition.conditionValue.type = type;
+  return condition;
+}
+
+/// Adds a filter with these conditions, spoils them with `spoil`, and gives what the engine has.
+template <std::size_t kCount, class Spoil>
+FWPM_FILTER0* AddAndGet(HANDLE engine, const GUID& layer,
+                        std::array<FWPM_FILTER_CONDITION0, kCount> conditions, Spoil spoil) {
+  FWPM_FILTER0 record = FilterRecord();
+  record.layerKey = layer;
+  record.numFilterConditions = kCount;
+  record.filterCondition = conditions.data();
+  UINT64 id = 0;
+  EXPECT_EQ(FwpmFilterAdd0(engine, &record, nullptr, &id), kSuccess);
+  conditions.fill({});
+  spoil();
+  FWPM_FILTER0* found = nullptr;
+  EXPECT_EQ(FwpmFilterGetById0(engine, id, &found), kSuccess);
+  return found;
+}
+
+TEST_F(FilterObject, ComesBackAsItWasAdded) {
+  const TestSession session;
+  GUID providerKey = kProviderKey;
+  UINT8 data[]{4, 5};
+  FWPM_FILTER0 record = FilterRecord();
+  record.flags = 8;
+  record.providerKey = &providerKey;
+  record.providerData = {2, data};
+  record.subLayerKey = kSublayerKey;
+  record.action.type = FWP_ACTION_PERMIT;
+  record.rawContext = 77;
+  ASSERT_EQ(Add(session, ProviderRecord()), kSuccess);
+  ASSERT_EQ(Add(session, SublayerRecord()), kSuccess);
+  ASSERT_EQ(Add(session, record), kSuccess);
+  providerKey = GUID{};
+  data[0] = 9;
+
+  FWPM_FILTER0* found = nullptr;
+  ASSERT_EQ(FwpmFilterGetByKey0(session, &kFilterKey, &found), kSuccess);
+  EXPECT_TRUE(found->filterKey == kFilterKey);
+  EXPECT_STREQ(found->displayData.name, L"Name");
+  EXPECT_STREQ(found->displayData.description, L"Description");
+  EXPECT_EQ(found->flags, 8U);
+  EXPECT_TRUE(*found->providerKey == kProviderKey);
+  EXPECT_EQ(found->providerData.data[0], 4);
+  EXPECT_TRUE(found->layerKey == kConnectV4);
+  EXPECT_TRUE(found->subLayerKey == kSublayerKey);
+  EXPECT_EQ(found->weight.type, FWP_UINT8);
+  EXPECT_EQ(found->weight.uint8, 14);
+  EXPECT_EQ(found->numFilterConditions, 0U);
+  EXPECT_EQ(found->action.type, 0x1002U);
+  EXPECT_EQ(found->rawContext, 77U);
+  Free(found);
+}
+
+TEST_F(FilterObject, IdsRiseAndAreNeverZero) {
+  const TestSession session;
+  const FWPM_FILTER0 record = FilterRecord(GUID{});
+  UINT64 first = 0;
+  UINT64 second = 0;
+  UINT64 third = 0;
+  ASSERT_EQ(FwpmFilterAdd0(session, &record, nullptr, &first), kSuccess);
+  ASSERT_EQ(FwpmFilterAdd0(session, &record, nullptr, &second), kSuccess);
+  ASSERT_EQ(FwpmFilterDeleteById0(session, second), kSuccess);
+  ASSERT_EQ(FwpmFilterAdd0(session, &record, nullptr, &third), kSuccess);
+  EXPECT_GT(first, 0U);
+  EXPECT_GT(second, first);
+  EXPECT_GT(third, second);
+}
+
+TEST_F(FilterObject, IdDoesNotFitIntoHalfItsWidth) {
+  const TestSession session;
+  const FWPM_FILTER0 record = FilterRecord();
+  UINT64 id = 0;
+  ASSERT_EQ(FwpmFilterAdd0(session, &record, nullptr, &id), kSuccess);
+  EXPECT_EQ(FwpmFilterDeleteById0(session, static_cast<UINT32>(id)), kFilterNotFound);
+}
+
+TEST_F(FilterObject, IdAndEffectiveWeightOfTheRecordAreIgnored) {
+  const TestSession session;
+  FWPM_FILTER0 record = FilterRecord();
+  record.filterId = 1;
+  record.effectiveWeight.type = FWP_UINT64;
+  ASSERT_EQ(Add(session, record), kSuccess);
+  FWPM_FILTER0* found = nullptr;
+  EXPECT_EQ(FwpmFilterGetById0(session, 1, &found), kFilterNotFound);
+  ASSERT_EQ(FwpmFilterGetByKey0(session, &kFilterKey, &found), kSuccess);
+  EXPECT_EQ(found->filterId, EngineEmulator::TakeSnapshot().filters.at(0).id);
+  Free(found);
+}
+
+TEST_F(FilterObject, KeyIsGeneratedAndFoundThroughTheId) {
+  const TestSession session;
+  const FWPM_FILTER0 record = FilterRecord(GUID{});
+  UINT64 id = 0;
+  ASSERT_EQ(FwpmFilterAdd0(session, &record, nullptr, &id), kSuccess);
+  FWPM_FILTER0* found = nullptr;
+  ASSERT_EQ(FwpmFilterGetById0(session, id, &found), kSuccess);
+  const GUID key = found->filterKey;
+  Free(found);
+  EXPECT_FALSE(key == GUID{});
+  EXPECT_EQ(FwpmFilterDeleteByKey0(session, &key), kSuccess);
+}
+
+TEST_F(FilterObject, KeyIsUnique) {
+  const TestSession session;
+  ASSERT_EQ(Add(session, FilterRecord()), kSuccess);
+  EXPECT_EQ(Add(session, FilterRecord()), kAlreadyExists);
+}
+
+TEST_F(FilterObject, IsGoneAfterDeletion) {
+  const TestSession session;
+  const FWPM_FILTER0 record = FilterRecord();
+  UINT64 id = 0;
+  ASSERT_EQ(FwpmFilterAdd0(session, &record, nullptr, &id), kSuccess);
+  EXPECT_EQ(FwpmFilterDeleteById0(session, id), kSuccess);
+  EXPECT_EQ(FwpmFilterDeleteById0(session, id), kFilterNotFound);
+  EXPECT_EQ(FwpmFilterDeleteByKey0(session, &kFilterKey), kFilterNotFound);
+  EXPECT_TRUE(EngineEmulator::TakeSnapshot().filters.empty());
+}
+
+TEST_F(FilterObject, WithoutASublayerGoesToThatOfTheLayer) {
+  const TestSession session;
+  ASSERT_EQ(Add(session, FilterRecord()), kSuccess);
+  EXPECT_TRUE(EngineEmulator::TakeSnapshot().filters.at(0).subLayerKey == kUniversalSublayerKey);
+}
+
+TEST_F(FilterObject, EffectiveWeightStartsWithTheRange) {
+  const TestSession session;
+  ASSERT_EQ(Add(session, FilterRecord()), kSuccess);
+  FWPM_FILTER0* found = nullptr;
+  ASSERT_EQ(FwpmFilterGetByKey0(session, &kFilterKey, &found), kSuccess);
+  EXPECT_EQ(found->effectiveWeight.type, FWP_UINT64);
+  EXPECT_EQ(*found->effectiveWeight.uint64, 0xE000000000000000U);
+  Free(found);
+}
+
+TEST_F(FilterObject, EffectiveWeightIsTheOneGivenInFull) {
+  const TestSession session;
+  UINT64 weight = 0x123456789ABCDEF0;
+  FWPM_FILTER0 record = FilterRecord();
+  record.weight.type = FWP_UINT64;
+  record.weight.uint64 = &weight;
+  ASSERT_EQ(Add(session, record), kSuccess);
+  weight = 0;
+  FWPM_FILTER0* found = nullptr;
+  ASSERT_EQ(FwpmFilterGetByKey0(session, &kFilterKey, &found), kSuccess);
+  EXPECT_EQ(*found->weight.uint64, 0x123456789ABCDEF0U);
+  EXPECT_EQ(*found->effectiveWeight.uint64, 0x123456789ABCDEF0U);
+  Free(found);
+}
+
+TEST_F(FilterObject, KeepsNumbersOfConditions) {
+  const TestSession session;
+  auto port = Condition(kRemotePort, FWP_MATCH_NOT_EQUAL, FWP_UINT16);
+  port.conditionValue.uint16 = 53;
+  UINT64 luid = 0x0006000000000000;
+  auto interfaceLuid = Condition(kLocalInterface, FWP_MATCH_EQUAL, FWP_UINT64);
+  interfaceLuid.conditionValue.uint64 = &luid;
+  FWPM_FILTER0* found = AddAndGet(session, kConnectV4, std::array{port, interfaceLuid}, [&] { luid = 0; });
+  ASSERT_EQ(found->numFilterConditions, 2U);
+  EXPECT_TRUE(found->filterCondition[0].fieldKey == kRemotePort);
+  EXPECT_EQ(found->filterCondition[0].matchType, FWP_MATCH_NOT_EQUAL);
+  EXPECT_EQ(found->filterCondition[0].conditionValue.uint16, 53);
+  EXPECT_EQ(*found->filterCondition[1].conditionValue.uint64, 0x0006000000000000U);
+  Free(found);
+}
+
+TEST_F(FilterObject, KeepsIpV4NetworksOfConditions) {
+  const TestSession session;
+  FWP_V4_ADDR_AND_MASK network{0x0A000000, 0xFF000000};
+  auto remote = Condition(kRemoteAddress, FWP_MATCH_EQUAL, FWP_V4_ADDR_MASK);
+  remote.conditionValue.v4AddrMask = &network;
+  FWPM_FILTER0* found = AddAndGet(session, kConnectV4, std::array{remote}, [&] { network = {}; });
+  EXPECT_EQ(found->filterCondition[0].conditionValue.v4AddrMask->addr, 0x0A000000U);
+  EXPECT_EQ(found->filterCondition[0].conditionValue.v4AddrMask->mask, 0xFF000000U);
+  Free(found);
+}
+
+TEST_F(FilterObject, KeepsIpV6AddressesOfConditions) {
+  const TestSession session;
+  FWP_V6_ADDR_AND_MASK network{{0xFE, 0x80}, 10};
+  auto remote = Condition(kRemoteAddress, FWP_MATCH_EQUAL, FWP_V6_ADDR_MASK);
+  remote.conditionValue.v6AddrMask = &network;
+  FWP_BYTE_ARRAY16 address{{0, 0, 0, 0, 0, 0, 0, 0, 0, 0, 0, 0, 0, 0, 0, 1}};
+  auto local = Condition(kLocalAddress, FWP_MATCH_EQUAL, FWP_BYTE_ARRAY16_TYPE);
+  local.conditionValue.byteArray16 = &address;
+  FWPM_FILTER0* found = AddAndGet(session, kConnectV6, std::array{remote, local}, [&] {
+    network = {};
+    address = {};
+  });
+  EXPECT_EQ(found->filterCondition[0].conditionValue.v6AddrMask->addr[0], 0xFE);
+  EXPECT_EQ(found->filterCondition[0].conditionValue.v6AddrMask->addr[1], 0x80);
+  EXPECT_EQ(found->filterCondition[0].conditionValue.v6AddrMask->prefixLength, 10);
+  EXPECT_EQ(found->filterCondition[1].conditionValue.byteArray16->byteArray16[15], 1);
+  Free(found);
+}
+
+TEST_F(FilterObject, KeepsBytesOfConditions) {
+  const TestSession session;
+  UINT8 name[]{'a', 0, 0, 0};
+  FWP_BYTE_BLOB app{4, name};
+  auto appId = Condition(kAppId, FWP_MATCH_EQUAL, FWP_BYTE_BLOB_TYPE);
+  appId.conditionValue.byteBlob = &app;
+  // An empty descriptor in its self-relative form.
+  UINT8 bytes[20]{1, 0, 0, 0x80};
+  FWP_BYTE_BLOB descriptor{20, bytes};
+  auto user = Condition(kUserId, FWP_MATCH_EQUAL, FWP_SECURITY_DESCRIPTOR_TYPE);
+  user.conditionValue.sd = &descriptor;
+  FWPM_FILTER0* found = AddAndGet(session, kConnectV4, std::array{appId, user}, [&] {
+    name[0] = bytes[3] = 0;
+    app.size = descriptor.size = 0;
+  });
+  EXPECT_EQ(found->filterCondition[0].conditionValue.byteBlob->size, 4U);
+  EXPECT_EQ(found->filterCondition[0].conditionValue.byteBlob->data[0], 'a');
+  EXPECT_EQ(found->filterCondition[1].conditionValue.sd->size, 20U);
+  EXPECT_EQ(found->filterCondition[1].conditionValue.sd->data[3], 0x80);
+  Free(found);
+}
+
+TEST_F(FilterObject, KeepsWholeSidsOfConditions) {
+  const TestSession session;
+  struct {
+    UINT8 head[8]{1, 3, 0, 0, 0, 0, 0, 15};
+    DWORD subAuthorities[3]{2, 7, 0xFFFFFFFF};
+  } sid;
+  auto package = Condition(kPackageId, FWP_MATCH_EQUAL, FWP_SID);
+  package.conditionValue.sid = reinterpret_cast<SID*>(&sid);
+  FWPM_FILTER0* found =
+      AddAndGet(session, kConnectV4, std::array{package}, [&] { sid.subAuthorities[2] = 0; });
+  const SID& kept = *found->filterCondition[0].conditionValue.sid;
+  EXPECT_EQ(kept.SubAuthorityCount, 3);
+  EXPECT_EQ(kept.IdentifierAuthority.Value[5], 15);
+  EXPECT_EQ((&kept.SubAuthority[0])[2], 0xFFFFFFFFU);
+  Free(found);
+}
+
+TEST_F(FilterObject, KeepsRangesOfConditions) {
+  const TestSession session;
+  FWP_RANGE0 ports{};
+  ports.valueLow.type = ports.valueHigh.type = FWP_UINT16;
+  ports.valueLow.uint16 = 67;
+  ports.valueHigh.uint16 = 68;
+  auto port = Condition(kRemotePort, FWP_MATCH_RANGE, FWP_RANGE_TYPE);
+  port.conditionValue.rangeValue = &ports;
+  FWPM_FILTER0* found = AddAndGet(session, kConnectV4, std::array{port}, [&] { ports = {}; });
+  EXPECT_EQ(found->filterCondition[0].conditionValue.rangeValue->valueLow.uint16, 67);
+  EXPECT_EQ(found->filterCondition[0].conditionValue.rangeValue->valueHigh.uint16, 68);
+  Free(found);
+}
+
+TEST_F(FilterObject, IsShownInWords) {
+  const TestSession session;
+  FWPM_FILTER_CONDITION0 port = Condition(kRemotePort, FWP_MATCH_NOT_EQUAL, FWP_UINT16);
+  port.conditionValue.uint16 = 53;
+  FWPM_FILTER0 record = FilterRecord();
+  record.flags = 8;
+  record.numFilterConditions = 1;
+  record.filterCondition = &port;
+  ASSERT_EQ(Add(session, record), kSuccess);
+  ASSERT_EQ(Add(session, FilterRecord(kOtherFilterKey)), kSuccess);
+  EXPECT_THAT(FilterTexts(), ElementsAre("ALE_AUTH_CONNECT_V4 | BLOCK | UINT8 14 | CLEAR_ACTION_RIGHT | "
+                                         "IP_REMOTE_PORT NOT_EQUAL UINT16 53",
+                                         "ALE_AUTH_CONNECT_V4 | BLOCK | UINT8 14 | - | -"));
+}
+
+}  // namespace

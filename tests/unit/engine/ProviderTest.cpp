@@ -1,0 +1,39 @@
+#include "engine/Provider.h"
+
+#include <gtest/gtest.h>
+
+#include "unit/engine/Samples.h"
+
+namespace WfpFirewall {
+namespace {
+
+TEST(Provider, GivesBackWhatItWasMadeOf) {
+  const Provider provider = Samples::MakeProvider();
+  EXPECT_EQ(provider.GetGuid(), Samples::kProviderKey);
+  EXPECT_EQ(provider.GetName(), L"CorvaneService");
+  EXPECT_EQ(provider.GetDisplayName(), L"Corvane");
+  EXPECT_EQ(provider.GetDisplayDesc(), L"Corvane firewall provider");
+}
+
+TEST(Provider, IsPersistentOnlyOnceTold) {
+  Provider provider = Samples::MakeProvider();
+  EXPECT_FALSE(provider.IsPersistent());
+  provider.MakePersistent();
+  EXPECT_TRUE(provider.IsPersistent());
+}
+
+TEST(Provider, CopiesAreWholeAndIndependent) {
+  Provider original = Samples::MakeProvider();
+  original.MakePersistent();
+  const Provider persistent = original;
+  EXPECT_EQ(persistent.GetDisplayName(), L"Corvane");
+  EXPECT_TRUE(persistent.IsPersistent());
+
+  Provider copy = Samples::MakeProvider();
+  const Provider before = copy;
+  copy.MakePersistent();
+  EXPECT_FALSE(before.IsPersistent());
+}
+
+}  // namespace
+}  // namespace WfpFirewall

@@ -1,0 +1,27 @@
+#pragma once
+
+#include <WfpPlatform.h>
+
+#include <utility>
+#include <vector>
+
+#include "filtering/FilterBuilder.h"
+
+/// A filter in the outbound IPv4 connect layer together with the engine's record of it, which points
+/// into the filter.
+struct NativeForm {
+  explicit NativeForm(std::vector<WfpFirewall::Filtering::Condition> conditions) {
+    filter.SetLayer(WfpFirewall::Filtering::LayerType::AleAuthConnectV4);
+    for (const auto& condition : conditions) filter.AddCondition(condition);
+    record = filter.ToNativeFilter();
+  }
+  NativeForm(const NativeForm&) = delete;
+  NativeForm& operator=(const NativeForm&) = delete;
+
+  [[nodiscard]] const FWPM_FILTER_CONDITION0& Condition(UINT32 index = 0) const {
+    return record.filterCondition[index];
+  }
+
+  WfpFirewall::Filter filter{WfpFirewall::Action::Permit};
+  FWPM_FILTER0 record{};
+};

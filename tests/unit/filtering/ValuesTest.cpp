@@ -1,0 +1,140 @@
+#include "filtering/Values.h"
+
+#include <gmock/gmock.h>
+
+#include <memory>
+#include <type_traits>
+
+#include "unit/engine/FailsWith.h"
+
+namespace WfpFirewall::Filtering::Values {
+namespace {
+
+using testing::ElementsAre;
+
+TEST(Values, HoldTheNumberGiven) {
+  EXPECT_EQ(*InterfaceLuid(0x0006008001000000).GetValue(), 0x0006008001000000u);
+  EXPECT_EQ(*ArrivalInterfaceLuid(7).GetValue(), 7u);
+  EXPECT_EQ(*LocalInterfaceLuid(8).GetValue(), 8u);
+  EXPECT_EQ(*InterfaceIndex(11).GetValue(), 11);
+  EXPECT_EQ(*SubInterfaceIndex(12).GetValue(), 12);
+  EXPECT_EQ(*Flag(0x41).GetValue(), 0x41);
+  EXPECT_EQ(*Port(53).GetValue(), 53);
+  EXPECT_EQ(*LocalPort(546).GetValue(), 546);
+  EXPECT_EQ(*RemotePort(65535).GetValue(), 65535);
+}
+
+TEST(Values, ProtocolsAndAddressTypesHoldTheirNumbers) {
+  EXPECT_EQ(*Protocol(IPPROTO_UDP).GetValue(), 17);
+  EXPECT_EQ(*Protocol(IPPROTO_TCP).GetValue(), 6);
+  EXPECT_EQ(*IpLocalAddressType(NlatMulticast).GetValue(), 3);
+}
+
+TEST(Values, LoopbackFlagHoldsTheLowestBit) { EXPECT_EQ(*LoopbackFlag().GetValue(), 1); }
+
+TEST(Values, CopiesShareTheHeldObject) {
+  const LocalPort original(53);
+  const LocalPort copy = original;
+  EXPECT_EQ(copy.GetValue(), original.GetValue());
+  *original.GetValue() = 54;
+  EXPECT_EQ(*copy.GetValue(), 54);
+}
+
+TEST(Values, HeldObjectOutlivesTheOriginal) {
+  auto original = std::make_unique<LocalInterfaceLuid>(42);
+  const std::uint64_t* const address = original->GetValue();
+  const LocalInterfaceLuid copy = *original;
+  original.reset();
+  EXPECT_EQ(copy.GetValue(), address);
+  EXPECT_EQ(*copy.GetValue(), 42u);
+}
+
+TEST(Values, HierarchyLetsACallerAskForTheWiderKind) {
+  static_assert(std::is_base_of_v<InterfaceLuid, ArrivalInterfaceLuid>);
+  static_assert(std::is_base_of_v<InterfaceLuid, LocalInterfaceLuid>);
+  static_assert(std::is_base_of_v<InterfaceIndex, SubInterfaceIndex>);
+  static_assert(std::is_base_of_v<Flag, LoopbackFlag>);
+  static_assert(std::is_base_of_v<IpAddressV4, SourceIpAddressV4>);
+  static_assert(std::is_base_of_v<IpAddressAndMaskV4, DestinationIpAddressAndMaskV4>);
+  static_assert(std::is_base_of_v<IpAddressAndMaskV6, LocalIpAddressAndMaskV6>);
+  static_assert(std::is_base_of_v<Port, RemotePort>);
+  static_assert(std::has_virtual_destructor_v<BaseValue>);
+}
+
+TEST(IpAddressV4, KeepsANumberInHostOrderTopBitIncluded) {
+  EXPECT_EQ(*IpAddressV4(0x0A000001u).GetValue(), 0x0A000001u);
+  EXPECT_EQ(*RemoteIpAddressV4(0xC0A80001u).GetValue(), 0xC0A80001u);
+}
+
+TEST(IpAddressV4, ParsesTextToHostOrder) {
+  EXPECT_EQ(*LocalIpAddressV4("192.168.0.1").GetValue(), 0xC0A80001u);
+  EXPECT_EQ(*DestinationIpAddressV4("255.255.255.255").GetValue(), 0xFFFFFFFFu);
+}
+
+TEST(IpAddressV4, TakesAnAddressOfEitherForm) {
+  EXPECT_EQ(*SourceIpAddressV4(IpV4Address(0x7F000001)).GetValue(), 0x7F000001u);
+  EXPECT_EQ(*SourceIpAddressV4(IpV4Address("10.0.0.1")).GetValue(), 0x0A000001u);
+}
+
+TEST(IpAddressV4, TextThatDoesNotParseHoldsZero) {
+  EXPECT_EQ(*RemoteIpAddressV4("not an address").GetValue(), 0u);
+}
+
+TEST(IpAddressAndMaskV4, ParsesAddressAndMask) {
+  const LocalIpAddressAndMaskV4 value("192.168.0.0", "255.255.0.0");
+  EXPECT_EQ(value.GetValue()->addr, 0xC0A80000u);
+  EXPECT_EQ(value.GetValue()->mask, 0xFFFF0000u);
+}
+
+TEST(IpAddressAndMaskV4, TakesAddressesOfEitherForm) {
+  const RemoteIpAddressAndMaskV4 value(IpV4Address(0x0A000000), IpV4Address("255.0.0.0"));
+  EXPECT_EQ(value.GetValue()->addr, 0x0A000000u);
+  EXPECT_EQ(value.GetValue()->mask, 0xFF000000u);
+}
+
+TEST(IpAddressAndMaskV4, CopiesANativeNetwork) {
+  const DestinationIpAddressAndMaskV4 value(FWP_V4_ADDR_AND_MASK{0xC0A80000, 0xFFFF0000});
+  EXPECT_EQ(value.GetValue()->addr, 0xC0A80000u);
+  EXPECT_EQ(value.GetValue()->mask, 0xFFFF0000u);
+}
+
+TEST(IpAddressAndMaskV4, MaskThatIsAPrefixLengthHoldsZero) {
+  EXPECT_EQ(SourceIpAddressAndMaskV4("10.0.0.0", "/8").GetValue()->mask, 0u);
+}
+
+TEST(IpAddressAndMaskV6, ParsesTextAndKeepsThePrefixLength) {
+  const RemoteIpAddressAndMaskV6 value("fe80::", 10);
+  EXPECT_THAT(value.GetValue()->addr, ElementsAre(0xfe, 0x80, 0, 0, 0, 0, 0, 0, 0, 0, 0, 0, 0, 0, 0, 0));
+  EXPECT_EQ(value.GetValue()->prefixLength, 10);
+}
+
+TEST(IpAddressAndMaskV6, TakesAnAddressMadeFromText) {
+  const LocalIpAddressAndMaskV6 value(IpV6Address("ff02::c"), 128);
+  EXPECT_THAT(value.GetValue()->addr, ElementsAre(0xff, 0x02, 0, 0, 0, 0, 0, 0, 0, 0, 0, 0, 0, 0, 0, 0x0c));
+  EXPECT_EQ(value.GetValue()->prefixLength, 128);
+}
+
+TEST(IpAddressAndMaskV6, CopiesANativeNetwork) {
+  const SourceIpAddressAndMaskV6 value(FWP_V6_ADDR_AND_MASK{{0xfc}, 7});
+  EXPECT_THAT(value.GetValue()->addr, ElementsAre(0xfc, 0, 0, 0, 0, 0, 0, 0, 0, 0, 0, 0, 0, 0, 0, 0));
+  EXPECT_EQ(value.GetValue()->prefixLength, 7);
+}
+
+TEST(IpAddressAndMaskV6, KeepsTheLowByteOfThePrefixLengthUnchecked) {
+  EXPECT_EQ(RemoteIpAddressAndMaskV6("fe80::", 200).GetValue()->prefixLength, 200);
+  EXPECT_EQ(RemoteIpAddressAndMaskV6("fe80::", 0x10A).GetValue()->prefixLength, 0x0A);
+  EXPECT_EQ(RemoteIpAddressAndMaskV6("fe80::", -1).GetValue()->prefixLength, 255);
+}
+
+TEST(IpAddressAndMaskV6, TextThatDoesNotParseThrowsAtOnce) {
+  EXPECT_THAT([] { RemoteIpAddressAndMaskV6("10.0.0.1", 8); }, FailsWith("Failed to convert ipv6 address"));
+  EXPECT_THAT([] { DestinationIpAddressAndMaskV6("", 8); }, FailsWith("Failed to convert ipv6 address"));
+}
+
+TEST(IpAddressAndMaskV6, AddressMadeFromBytesThrowsAtOnce) {
+  const IpV6Address fromBytes(in6_addr{});
+  EXPECT_THAT([&] { RemoteIpAddressAndMaskV6(fromBytes, 8); }, FailsWith("Failed to convert ipv6 address"));
+}
+
+}  // namespace
+}  // namespace WfpFirewall::Filtering::Values

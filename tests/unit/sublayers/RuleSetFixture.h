@@ -1,0 +1,42 @@
+#pragma once
+
+#include <WfpPlatform.h>
+
+#include <sstream>
+#include <string>
+#include <vector>
+
+#include "emulator/Control.h"
+#include "engine/Firewall.h"
+#include "support/EngineTest.h"
+
+/// A table of filters, one a line; empty lines set groups apart.
+inline std::vector<std::string> Lines(const std::string& table) {
+  std::istringstream stream(table);
+  std::vector<std::string> lines;
+  for (std::string line; std::getline(stream, line);) {
+    if (!line.empty()) lines.push_back(line);
+  }
+  return lines;
+}
+
+/// Installs rule sets and reads what reaches the engine.
+class RuleSetFixture : public EngineTest {
+ protected:
+  static constexpr GUID kKey{0x20000000, 0x0002, 0x4002, {0x80, 0, 0, 0, 0, 0, 0, 2}};
+
+  /// What the engine holds once a rule set is applied.
+  static EngineEmulator::Snapshot InstallAndLook(WfpFirewall::Sublayer ruleSet) {
+    WfpFirewall::Firewall firewall(WfpFirewall::Provider({0x10000000, 1, 0x4001, {}}, L"CorvaneService",
+                                                         L"Corvane", L"Corvane firewall"));
+    firewall.AddSublayer(ruleSet).Apply();
+    return EngineEmulator::TakeSnapshot();
+  }
+
+  /// The filters of that, in words.
+  static std::vector<std::string> Install(const WfpFirewall::Sublayer& ruleSet) {
+    std::vector<std::string> texts;
+    for (const auto& filter : InstallAndLook(ruleSet).filters) texts.push_back(filter.text);
+    return texts;
+  }
+};
