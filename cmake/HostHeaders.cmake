@@ -1,0 +1,29 @@
+# CLI11 and nlohmann-json, header-only: link host_headers.
+include_guard(GLOBAL)
+
+add_library(host_headers INTERFACE)
+
+if(CMAKE_HOST_WIN32)
+  find_package(CLI11 REQUIRED)
+  find_package(nlohmann_json REQUIRED)
+  target_link_libraries(host_headers INTERFACE CLI11::CLI11 nlohmann_json::nlohmann_json)
+  return()
+endif()
+
+# Links, because the folder that holds these libraries also holds the host's own C headers, which a
+# cross-compiler must not see.
+set(host_header_links "${CMAKE_BINARY_DIR}/host-headers")
+file(MAKE_DIRECTORY "${host_header_links}")
+
+function(link_host_headers folder header package)
+  find_path(${folder}_HEADERS "${folder}/${header}" PATHS /usr/include /usr/local/include NO_DEFAULT_PATH
+                                                                                        NO_CMAKE_FIND_ROOT_PATH)
+  if(NOT ${folder}_HEADERS)
+    message(FATAL_ERROR "${folder}/${header} not found: install the Debian package ${package}")
+  endif()
+  file(CREATE_LINK "${${folder}_HEADERS}/${folder}" "${host_header_links}/${folder}" SYMBOLIC)
+endfunction()
+
+link_host_headers(CLI CLI.hpp libcli11-dev)
+link_host_headers(nlohmann json.hpp nlohmann-json3-dev)
+target_include_directories(host_headers SYSTEM INTERFACE "${host_header_links}")

@@ -1,0 +1,123 @@
+#include "CommandLine.h"
+
+#include <CLI/CLI.hpp>
+#include <algorithm>
+#include <sstream>
+
+namespace {
+
+std::string RejectEmpty(const std::string& value) { return value.empty() ? "the value is empty" : ""; }
+
+/// The global options are understood everywhere, so each part of the command line gets them.
+void AddGlobalOptions(CLI::App& app, Plan& plan) {
+  app.prefix_command();
+  app.allow_windows_style_options(false);
+  app.set_version_flag("--version", "corvane-firewall " CORVANE_VERSION, "Print the version");
+  app.add_option_function<std::string>(
+         "--engine",
+         [&plan](const std::string& name) {
+           plan.engine = name == "emulated" ? Engine::Emulated : Engine::System;
+         },
+         "system (default), or emulated: nothing on this machine changes")
+      ->check(CLI::IsMember({"system", "emulated"}).description(""))
+      ->type_name("system|emulated");
+  app.add_option("--dns-app", plan.dnsApp, "Application whose name look-ups may bypass the tunnel")
+      ->type_name("PATH");
+  app.add_flag("--json", plan.json, "One JSON document on stdout");
+  app.add_flag("--no-hold", plan.noHold, "End after the last step, and with it all rules, without waiting");
+  for (CLI::Option* option : app.get_options()) {
+    option->group("Global options");
+  }
+}
+
+std::string ListSteps() {
+  std::ostringstream text;
+  text << "Steps, run in the order given; each may occur more than once:\n";
+  for (const Step& step : AllSteps()) {
+    text << "  " << step.name << "\n      " << step.help << "\n";
+    for (const StepOption& option : step.options) {
+      text << "        " << option.name << " " << option.placeholder << "\n            " << option.help
+           << "\n";
+    }
+  }
+  text << "All rules live as long as the program: with --engine system it waits for Enter at the end.\n"
+          "Example: corvane-firewall --engine emulated disable-internet enable-dhcp list";
+  return text.str();
+}
+
+std::string StepNames() {
+  std::string names;
+  for (const Step& step : AllSteps()) {
+    names += names.empty() ? step.name : std::string(", ") + step.name;
+  }
+  return names;
+}
+
+/// Parses up to the next step. @returns the rest, which begins with what the app does not know.
+std::vector<std::string> Parse(CLI::App& app, std::vector<std::string> arguments, Plan& plan) {
+  std::ranges::reverse(arguments);
+  try {
+    app.parse(std::move(arguments));
+  } catch (const CLI::Success& request) {
+    std::ostringstream text;
+    app.exit(request, text, text);
+    plan.information = text.str();
+    return {};
+  } catch (const CLI::ParseError& error) {
+    throw UsageError(error.what(), "options go after the step that they belong to, each with its value");
+  }
+  return app.remaining();
+}
+
+std::vector<std::string> ParseStep(const Step& step, std::vector<std::string> arguments, Plan& plan) {
+  CLI::App app(step.help, std::string("corvane-firewall ") + step.name);
+  AddGlobalOptions(app, plan);
+  StepOptions options;
+  for (const StepOption& option : step.options) {
+    app.add_option(option.name, options.*option.values, option.help)
+        ->type_name(option.placeholder)
+        ->allow_extra_args(false)
+        ->check(CLI::Validator(RejectEmpty, ""));
+  }
+  std::vector<std::string> rest = Parse(app, std::move(arguments), plan);
+  plan.steps.push_back({&step, std::move(options)});
+  return rest;
+}
+
+UsageError Unknown(const std::string& argument, const std::vector<PlannedStep>& before) {
+  if (!argument.starts_with('-')) {
+    return {"There is no step \"" + argument + "\"", "the steps are " + StepNames()};
+  }
+  if (before.empty()) {
+    return {"There is no option " + argument + " before the first step",
+            "the options of a step go after its name"};
+  }
+  const Step& step = *before.back().step;
+  std::string known;
+  for (const StepOption& option : step.options) {
+    known += std::string(known.empty() ? "" : ", ") + option.name;
+  }
+  return {std::string("The step ") + step.name + " has no option " + argument,
+          "its options are " + (known.empty() ? std::string("only the global ones") : known)};
+}
+
+}  // namespace
+
+Plan ParseCommandLine(const std::vector<std::string>& arguments) {
+  Plan plan;
+  CLI::App app("Drives the Corvane native firewall, step by step in one session", "corvane-firewall STEP...");
+  app.footer(ListSteps());
+  AddGlobalOptions(app, plan);
+  std::vector<std::string> rest = Parse(app, arguments, plan);
+  while (!rest.empty()) {
+    const Step* step = FindStep(rest.front());
+    if (step == nullptr) {
+      throw Unknown(rest.front(), plan.steps);
+    }
+    rest = ParseStep(*step, {rest.begin() + 1, rest.end()}, plan);
+  }
+  if (plan.steps.empty() && plan.information.empty()) {
+    throw UsageError("No steps are given", "give at least one of " + StepNames());
+  }
+  return plan;
+}

@@ -1,0 +1,35 @@
+#pragma once
+
+#include <stdexcept>
+#include <string>
+#include <vector>
+
+#include "Failure.h"
+#include "Steps.h"
+
+struct PlannedStep {
+  const Step* step;
+  StepOptions options;
+};
+
+/// What a command line asks for; UTF-8.
+struct Plan {
+  Engine engine = Engine::System;
+  std::string dnsApp;
+  bool json = false;
+  bool noHold = false;
+  std::vector<PlannedStep> steps;
+  /// Help or the version, to be printed instead of running anything; empty otherwise.
+  std::string information;
+};
+
+/// A command line that makes no sense: what is wrong with it and what would be right.
+class UsageError : public std::runtime_error {
+ public:
+  UsageError(const std::string& wrong, const std::string& right)
+      : std::runtime_error(wrong + "\nhint: " + right + ", see corvane-firewall --help") {}
+};
+
+/// @param arguments without the program's name.
+/// @throws UsageError
+Plan ParseCommandLine(const std::vector<std::string>& arguments);

@@ -1,0 +1,73 @@
+#include "FirewallLibrary.h"
+
+#include "Identities.h"
+
+namespace {
+
+/// Null for the system's engine, which the library's own import brings in.
+ModuleHandle LoadEmulator(Engine engine, const std::filesystem::path& folder) {
+  if (engine == Engine::System) {
+    return nullptr;
+  }
+  ModuleHandle emulator = LoadModule(folder / L"emulator" / L"fwpuclnt.dll");
+  // The loader binds by base name: rules meant for the emulator must not end up in the real engine.
+  if (GetModuleHandleW(L"fwpuclnt.dll") != emulator.get()) {
+    throw Failure("The system's fwpuclnt.dll is loaded already, the emulated engine cannot take its place",
+                  "Something in this process brought it in, such as a security product.");
+  }
+  return emulator;
+}
+
+std::vector<const wchar_t*> Pointers(const std::vector<std::wstring>& texts) {
+  std::vector<const wchar_t*> pointers;
+  pointers.reserve(texts.size());
+  for (const std::wstring& text : texts) {
+    pointers.push_back(text.c_str());
+  }
+  return pointers;
+}
+
+}  // namespace
+
+FirewallLibrary::FirewallLibrary(Engine engine, const std::wstring& dnsAppPath)
+    : emulator_(LoadEmulator(engine, ModulePath(nullptr).parent_path())),
+      module_(LoadModule(ModulePath(nullptr).parent_path() / L"Corvane.Native.Firewall.dll")),
+      getErrorText_(FindFunction<decltype(getErrorText_)>(module_.get(), "GetErrorText")),
+      isInternetEnabled_(FindFunction<decltype(isInternetEnabled_)>(module_.get(), "IsInternetEnabled")),
+      enableInternet_(FindFunction<decltype(enableInternet_)>(module_.get(), "EnableInternet")),
+      disableInternet_(FindFunction<decltype(disableInternet_)>(module_.get(), "DisableInternet")),
+      isDhcpEnabled_(FindFunction<decltype(isDhcpEnabled_)>(module_.get(), "IsDhcpEnabled")),
+      enableDhcp_(FindFunction<decltype(enableDhcp_)>(module_.get(), "EnableDhcp")),
+      disableDhcp_(FindFunction<decltype(disableDhcp_)>(module_.get(), "DisableDhcp")) {
+  Initialize(dnsAppPath);
+}
+
+void FirewallLibrary::Initialize(const std::wstring& dnsAppPath) const {
+  const auto initialize = FindFunction<decltype(&::Initialize)>(module_.get(), "Initialize");
+  initialize(&kProvider.key, kProvider.name, kProvider.description,                 //
+             &kKillSwitch.key, kKillSwitch.name, kKillSwitch.description,           //
+             &kLocalNetwork.key, kLocalNetwork.name, kLocalNetwork.description,     //
+             &kDhcp.key, kDhcp.name, kDhcp.description,                             //
+             &kDnsLeak.key, kDnsLeak.name, kDnsLeak.description,                    //
+             &kInterfaceLeak.key, kInterfaceLeak.name, kInterfaceLeak.description,  //
+             &kFirewallCopy.key, kFirewallCopy.name, kFirewallCopy.description,     //
+             &kSkein.key, kSkein.name, kSkein.description,                          //
+             dnsAppPath.c_str());
+}
+
+void FirewallLibrary::DisableInternet(const std::vector<std::wstring>& apps,
+                                      const std::vector<std::wstring>& interfaceNames,
+                                      LogCallback log) const {
+  const std::vector<const wchar_t*> appPointers = Pointers(apps);
+  const std::vector<const wchar_t*> interfacePointers = Pointers(interfaceNames);
+  // An empty list of names would be searched for; null says that there is nothing to search.
+  Check(disableInternet_(appPointers.data(), static_cast<std::uint32_t>(appPointers.size()),
+                         interfacePointers.empty() ? nullptr : interfacePointers.data(),
+                         static_cast<std::uint32_t>(interfacePointers.size()), log));
+}
+
+void FirewallLibrary::Check(std::uint64_t result) const {
+  if (result != 0) {
+    throw Failure(result, getErrorText_());
+  }
+}

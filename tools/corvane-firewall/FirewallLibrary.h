@@ -1,0 +1,43 @@
+#pragma once
+
+#include <cstdint>
+#include <string>
+#include <vector>
+
+#include "Failure.h"
+#include "LoadedModule.h"
+#include "corvane/native_firewall.h"
+
+/// Corvane.Native.Firewall.dll, loaded and initialised with the tool's identities. What was installed
+/// through it is gone when this object is.
+class FirewallLibrary {
+ public:
+  /// Loads the DLL from this program's folder, bound to the engine that is asked for.
+  /// @param dnsAppPath see Initialize.
+  /// @throws Failure when a file or a function is missing.
+  FirewallLibrary(Engine engine, const std::wstring& dnsAppPath);
+
+  [[nodiscard]] bool IsInternetEnabled() const { return isInternetEnabled_() == 1; }
+  [[nodiscard]] bool IsDhcpEnabled() const { return isDhcpEnabled_() == 1; }
+
+  /// The commands throw Failure with the code and the text of the library.
+  void EnableInternet() const { Check(enableInternet_()); }
+  void DisableInternet(const std::vector<std::wstring>& apps, const std::vector<std::wstring>& interfaceNames,
+                       LogCallback log) const;
+  void EnableDhcp(LogCallback log) const { Check(enableDhcp_(log)); }
+  void DisableDhcp(LogCallback log) const { Check(disableDhcp_(log)); }
+
+ private:
+  void Initialize(const std::wstring& dnsAppPath) const;
+  void Check(std::uint64_t result) const;
+
+  ModuleHandle emulator_;  // goes last: the library closes its session as it unloads
+  ModuleHandle module_;
+  decltype(&::GetErrorText) getErrorText_;
+  decltype(&::IsInternetEnabled) isInternetEnabled_;
+  decltype(&::EnableInternet) enableInternet_;
+  decltype(&::DisableInternet) disableInternet_;
+  decltype(&::IsDhcpEnabled) isDhcpEnabled_;
+  decltype(&::EnableDhcp) enableDhcp_;
+  decltype(&::DisableDhcp) disableDhcp_;
+};

@@ -1,0 +1,26 @@
+#pragma once
+
+#include <nlohmann/json.hpp>
+
+#include "Reporter.h"
+
+/// One JSON document for machines, written to stdout by Finish.
+class JsonReporter : public Reporter {
+ public:
+  explicit JsonReporter(Engine engine);
+
+  void BeginStep(const std::string& step) override;
+  void Log(const std::string& line) override;
+  void ShowStatus(bool internet, bool dhcp) override;
+  void ShowAdapters(const std::vector<ListedAdapter>& adapters) override;
+  void ShowListing(const Listing& listing) override;
+  void EndStep() override;
+  void Fail(const Failure& failure) override;
+  void Finish() override;
+
+ private:
+  nlohmann::ordered_json& Step() { return document_["steps"].back(); }
+
+  Engine engine_;
+  nlohmann::ordered_json document_;
+};

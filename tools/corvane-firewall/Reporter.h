@@ -1,0 +1,32 @@
+#pragma once
+
+#include <cstdint>
+#include <string>
+#include <vector>
+
+#include "Failure.h"
+#include "Listing.h"
+
+/// A network adapter as the library sees it; UTF-8.
+struct ListedAdapter {
+  std::string name;
+  std::string description;
+  std::uint64_t luid;
+};
+
+/// Receives what happens while a plan runs, in this order: per step BeginStep, anything that the step
+/// shows, EndStep or Fail; at the end of it all Finish. Fail may also come before any step.
+class Reporter {
+ public:
+  virtual ~Reporter() = default;
+
+  virtual void BeginStep(const std::string& step) = 0;
+  /// A line of the library.
+  virtual void Log(const std::string& line) = 0;
+  virtual void ShowStatus(bool internet, bool dhcp) = 0;
+  virtual void ShowAdapters(const std::vector<ListedAdapter>& adapters) = 0;
+  virtual void ShowListing(const Listing& listing) = 0;
+  virtual void EndStep() = 0;
+  virtual void Fail(const Failure& failure) = 0;
+  virtual void Finish() = 0;
+};

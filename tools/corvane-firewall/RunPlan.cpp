@@ -1,0 +1,52 @@
+#include "RunPlan.h"
+
+#include <algorithm>
+#include <iostream>
+#include <memory>
+
+#include "JsonReporter.h"
+#include "Text.h"
+#include "TextReporter.h"
+
+namespace {
+
+std::unique_ptr<Reporter> MakeReporter(const Plan& plan) {
+  if (plan.json) {
+    return std::make_unique<JsonReporter>(plan.engine);
+  }
+  return std::make_unique<TextReporter>(plan.engine);
+}
+
+bool Holds(const Plan& plan) {
+  return plan.engine == Engine::System && !plan.noHold &&
+         std::ranges::any_of(plan.steps, [](const PlannedStep& planned) { return planned.step->installs; });
+}
+
+void WaitForEnter() {
+  std::cerr << "The rules hold as long as this program runs: press Enter or Ctrl+C to end both." << std::endl;
+  std::string line;
+  std::getline(std::cin, line);
+}
+
+}  // namespace
+
+int RunPlan(const Plan& plan) {
+  const std::unique_ptr<Reporter> reporter = MakeReporter(plan);
+  try {
+    const FirewallLibrary library(plan.engine, ToWide(plan.dnsApp));
+    for (const PlannedStep& planned : plan.steps) {
+      reporter->BeginStep(planned.step->name);
+      planned.step->run({library, *reporter}, planned.options);
+      reporter->EndStep();
+    }
+    reporter->Finish();
+    if (Holds(plan)) {
+      WaitForEnter();
+    }
+    return 0;
+  } catch (const Failure& failure) {
+    reporter->Fail(failure);
+    reporter->Finish();
+    return 1;
+  }
+}

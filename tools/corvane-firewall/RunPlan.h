@@ -1,0 +1,7 @@
+#pragma once
+
+#include "CommandLine.h"
+
+/// Runs the steps in order and stops at the first that fails. Holds what was installed as the plan says.
+/// @returns the program's exit code: 0, or 1 when something failed.
+int RunPlan(const Plan& plan);

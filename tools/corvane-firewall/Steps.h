@@ -1,0 +1,43 @@
+#pragma once
+
+#include <span>
+#include <string>
+#include <vector>
+
+#include "FirewallLibrary.h"
+#include "Reporter.h"
+
+/// What the options of one step were given, in their order; UTF-8. Each step has some of them.
+struct StepOptions {
+  std::vector<std::string> apps;
+  std::vector<std::string> interfaces;
+};
+
+/// An option that takes a value and may be repeated.
+struct StepOption {
+  const char* name;
+  const char* placeholder;
+  const char* help;
+  std::vector<std::string> StepOptions::*values;
+};
+
+/// What a step works with.
+struct StepContext {
+  const FirewallLibrary& library;
+  Reporter& reporter;
+};
+
+struct Step {
+  const char* name;
+  const char* help;
+  std::span<const StepOption> options;
+  /// Whether it may leave rules that are gone when the program ends.
+  bool installs;
+  /// Throws Failure.
+  void (*run)(const StepContext& context, const StepOptions& options);
+};
+
+/// Every step there is.
+std::span<const Step> AllSteps();
+/// Null when there is none of that name.
+const Step* FindStep(const std::string& name);

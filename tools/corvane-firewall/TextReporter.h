@@ -1,0 +1,22 @@
+#pragma once
+
+#include "Reporter.h"
+
+/// Text for people, as it comes: results on stdout, failures on stderr.
+class TextReporter : public Reporter {
+ public:
+  explicit TextReporter(Engine engine) : engine_(engine) {}
+
+  void BeginStep(const std::string& step) override;
+  void Log(const std::string& line) override;
+  void ShowStatus(bool internet, bool dhcp) override;
+  void ShowAdapters(const std::vector<ListedAdapter>& adapters) override;
+  void ShowListing(const Listing& listing) override;
+  void EndStep() override;
+  void Fail(const Failure& failure) override;
+  void Finish() override {}
+
+ private:
+  Engine engine_;
+  std::string step_;
+};
