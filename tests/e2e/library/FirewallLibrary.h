@@ -1,0 +1,23 @@
+#pragma once
+
+#include "LoadedModule.h"
+#include "corvane/native_firewall.h"
+
+/// The DLL as a host has it: loaded, with its functions looked up by name.
+class FirewallLibrary {
+  LoadedModule module_;
+
+ public:
+  FirewallLibrary();
+
+  [[nodiscard]] HMODULE Get() const { return module_.Get(); }
+
+  const decltype(&::Initialize) Initialize;
+  const decltype(&::GetErrorText) GetErrorText;
+  const decltype(&::IsInternetEnabled) IsInternetEnabled;
+  const decltype(&::EnableInternet) EnableInternet;
+  const decltype(&::DisableInternet) DisableInternet;
+  const decltype(&::IsDhcpEnabled) IsDhcpEnabled;
+  const decltype(&::EnableDhcp) EnableDhcp;
+  const decltype(&::DisableDhcp) DisableDhcp;
+};

@@ -1,0 +1,36 @@
+#pragma once
+
+#include <gmock/gmock.h>
+
+#include <optional>
+#include <set>
+
+#include "EmulatedEngine.h"
+#include "FirewallLibrary.h"
+
+constexpr GUID kProviderKey{0xc0de0000, 0x0001, 0x4001, {0x80, 0, 0, 0, 0, 0, 0, 1}};
+constexpr GUID kKillSwitchKey{0xc0de0000, 0x0002, 0x4002, {0x80, 0, 0, 0, 0, 0, 0, 2}};
+constexpr GUID kDhcpKey{0xc0de0000, 0x0004, 0x4004, {0x80, 0, 0, 0, 0, 0, 0, 4}};
+constexpr GUID kOtherKey{0xc0de0000, 0x0009, 0x4009, {0x80, 0, 0, 0, 0, 0, 0, 9}};
+
+/// The DLL freshly loaded, over a fresh engine.
+class LibraryTest : public testing::Test {
+ protected:
+  LibraryTest();
+  void TearDown() override;
+
+  /// Hands over the keys above, each with a name and a description of its own.
+  void Initialize() const;
+  /// DisableInternet without apps and interface names.
+  std::uint64_t DisableInternet() const;
+
+  /// The callback for commands.
+  static std::uint64_t CORVANE_CALL Log(const char* line);
+  /// The lines logged since the last call.
+  static Texts TakeLog();
+  /// The threads that the callback ran on since the test began.
+  static std::set<DWORD> LoggingThreads();
+
+  EmulatedEngine& engine_;
+  std::optional<FirewallLibrary> library_;
+};

@@ -1,0 +1,109 @@
+#include <gmock/gmock.h>
+
+#include "ToolProcess.h"
+
+namespace {
+
+using testing::HasSubstr;
+using testing::StartsWith;
+
+struct WrongUse {
+  std::vector<std::wstring> arguments;
+  const char* wrong;
+  const char* right;
+};
+
+void PrintTo(const WrongUse& use, std::ostream* out) { *out << use.wrong; }
+
+class WrongUsage : public testing::TestWithParam<WrongUse> {};
+
+TEST_P(WrongUsage, ExitsWithTwoAndAHintBeforeAnyStepRuns) {
+  const ToolRun run = RunTool(GetParam().arguments);
+  EXPECT_EQ(run.exitCode, 2u);
+  EXPECT_EQ(run.output, "");
+  EXPECT_THAT(run.errors, HasSubstr(GetParam().wrong));
+  EXPECT_THAT(run.errors, HasSubstr(std::string("\nhint: ") + GetParam().right));
+  EXPECT_THAT(run.errors, HasSubstr("corvane-firewall --help"));
+}
+
+const WrongUse kWrongUses[]{
+    {{}, "No steps are given", "give at least one of disable-internet, enable-internet, enable-dhcp"},
+    {{L"--engine", L"emulated"}, "No steps are given", "give at least one of disable-internet"},
+    {{L"--engine", L"emulated", L"status", L"lsit"},
+     "There is no step \"lsit\"",
+     "the steps are disable-internet"},
+    {{L"--engine", L"emulated", L"status", L"disable-internet", L"--port", L"1"},
+     "The step disable-internet has no option --port",
+     "its options are --app, --interface"},
+    {{L"--engine", L"emulated", L"status", L"enable-dhcp", L"--app", L"x"},
+     "The step enable-dhcp has no option --app",
+     "its options are only the global ones"},
+    {{L"--app", L"x", L"--engine", L"emulated", L"status"},
+     "There is no option --app before the first step",
+     "the options of a step go after its name"},
+    {{L"--engine", L"emulated", L"status", L"disable-internet", L"--app"},
+     "--app: 1 required PATH missing",
+     "options go after the step"},
+    {{L"--engine", L"emulated", L"status", L"disable-internet", L"--interface", L""},
+     "the value is empty",
+     "options go after the step"},
+    {{L"--engine", L"pretended", L"status"},
+     "--engine: pretended not in {system,emulated}",
+     "options go after the step"},
+};
+
+INSTANTIATE_TEST_SUITE_P(CommandLine, WrongUsage, testing::ValuesIn(kWrongUses));
+
+TEST(CommandLine, HelpTellsTheStepsAndExitsWithZero) {
+  const ToolRun run = RunTool({L"--help"});
+  EXPECT_EQ(run.exitCode, 0u);
+  EXPECT_EQ(run.errors, "");
+  for (const char* text : {"disable-internet", "--interface TEXT", "enable-internet", "enable-dhcp",
+                           "disable-dhcp", "status", "adapters", "list", "--engine", "--json", "--no-hold"}) {
+    EXPECT_THAT(run.output, HasSubstr(text));
+  }
+}
+
+TEST(CommandLine, HelpOfAStepTellsItsOptionsAndRunsNothing) {
+  const ToolRun run = RunTool({L"--engine", L"emulated", L"status", L"disable-internet", L"--help"});
+  EXPECT_EQ(run.exitCode, 0u);
+  EXPECT_THAT(run.output, HasSubstr("--app"));
+  EXPECT_THAT(run.output, Not(HasSubstr("internet: on")));
+}
+
+TEST(CommandLine, VersionIsOneLine) {
+  const ToolRun run = RunTool({L"--version"});
+  EXPECT_EQ(run.exitCode, 0u);
+  EXPECT_THAT(run.output, testing::MatchesRegex("corvane-firewall \\d+\\.\\d+\\.\\d+\n"));
+}
+
+TEST(CommandLine, GlobalOptionsAreUnderstoodAfterAStepToo) {
+  const ToolRun run = RunTool({L"status", L"--json", L"status", L"--engine", L"emulated"});
+  EXPECT_EQ(run.exitCode, 0u);
+  EXPECT_THAT(run.output, StartsWith("{\n  \"engine\": \"emulated\""));
+}
+
+TEST(CommandLine, ValueThatIsTheNameOfAStepIsAValue) {
+  const ToolRun run =
+      RunTool({L"--engine", L"emulated", L"disable-internet", L"--interface", L"list", L"status"});
+  EXPECT_EQ(run.exitCode, 0u);
+  EXPECT_THAT(run.output, HasSubstr("  NATIVE: DisableInternet: list\n"));
+  EXPECT_THAT(run.output, Not(HasSubstr("\nlist\n")));
+  EXPECT_THAT(run.output, testing::EndsWith("status\n  internet: off\n  dhcp rules: off\n  done\n"));
+}
+
+TEST(CommandLine, ValuesKeepTheirOrderAndBrackets) {
+  const ToolRun run = RunTool({L"--engine", L"emulated", L"disable-internet", L"--interface", L"[b,a]",
+                               L"--interface=c d", L"--interface", L"B"});
+  EXPECT_EQ(run.exitCode, 0u);
+  EXPECT_THAT(run.output, HasSubstr("  NATIVE: DisableInternet: [b,a],c d,B\n"));
+}
+
+TEST(CommandLine, ArgumentsOutsideTheCodePageArriveWhole) {
+  const ToolRun run =
+      RunTool({L"--engine", L"emulated", L"disable-internet", L"--interface", L"T\u00fcnnel \u65e5\u672c"});
+  EXPECT_EQ(run.exitCode, 0u);
+  EXPECT_THAT(run.output, HasSubstr("  NATIVE: DisableInternet: T\xc3\xbcnnel \xe6\x97\xa5\xe6\x9c\xac\n"));
+}
+
+}  // namespace

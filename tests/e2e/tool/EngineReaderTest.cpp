@@ -1,0 +1,191 @@
+#include "EngineReader.h"
+
+#include <WfpPlatform.h>
+#include <gmock/gmock.h>
+
+#include "Failure.h"
+#include "Identities.h"
+#include "LoadedModule.h"
+#include "ToolProcess.h"
+#include "emulator/ControlExports.h"
+
+namespace {
+
+constexpr GUID kForeignProvider{0xf0000000, 0, 0, {0, 0, 0, 0, 0, 0, 0, 1}};
+constexpr GUID kForeignSublayer{0xf0000000, 0, 0, {0, 0, 0, 0, 0, 0, 0, 2}};
+constexpr GUID kUnknownSublayer{0xf0000000, 0, 0, {0, 0, 0, 0, 0, 0, 0, 3}};
+constexpr GUID kAleAuthConnectV4{
+    0xc38d57d1, 0x05a7, 0x4c33, {0x90, 0x4f, 0x7f, 0xbc, 0xee, 0xe6, 0x0e, 0x82}};
+
+/// An emulated engine that this process is bound to, with a session that fills it.
+class EngineReader : public testing::Test {
+ protected:
+  EngineReader() {
+    Find<decltype(&::EngineEmulatorReset)>("EngineEmulatorReset")();
+    const auto open = Find<decltype(&::FwpmEngineOpen0)>("FwpmEngineOpen0");
+    FWPM_SESSION0 session{};
+    session.flags = FWPM_SESSION_FLAG_DYNAMIC;
+    HANDLE opened = nullptr;
+    EXPECT_EQ(open(nullptr, RPC_C_AUTHN_WINNT, nullptr, &session, &opened), 0u);
+    session_.reset(opened);
+  }
+
+  void AddProvider(const GUID& key) {
+    FWPM_PROVIDER0 provider{};
+    provider.providerKey = key;
+    provider.displayData = {name_.data(), nullptr};
+    const auto add = Find<decltype(&::FwpmProviderAdd0)>("FwpmProviderAdd0");
+    EXPECT_EQ(add(session_.get(), &provider, nullptr), 0u);
+  }
+
+  void AddSublayer(const GUID& key, UINT16 weight) {
+    FWPM_SUBLAYER0 sublayer{};
+    sublayer.subLayerKey = key;
+    sublayer.displayData = {name_.data(), nullptr};
+    sublayer.weight = weight;
+    const auto add = Find<decltype(&::FwpmSubLayerAdd0)>("FwpmSubLayerAdd0");
+    EXPECT_EQ(add(session_.get(), &sublayer, nullptr), 0u);
+  }
+
+  /// @param provider null for none.
+  void AddFilter(const GUID* provider, const GUID& sublayer, FWP_VALUE0 weight) {
+    GUID providerKey = provider == nullptr ? GUID{} : *provider;
+    FWPM_FILTER0 filter{};
+    filter.displayData = {name_.data(), nullptr};
+    filter.providerKey = provider == nullptr ? nullptr : &providerKey;
+    filter.layerKey = kAleAuthConnectV4;
+    filter.subLayerKey = sublayer;
+    filter.weight = weight;
+    filter.action.type = FWP_ACTION_BLOCK;
+    const auto add = Find<decltype(&::FwpmFilterAdd0)>("FwpmFilterAdd0");
+    EXPECT_EQ(add(session_.get(), &filter, nullptr, nullptr), 0u);
+  }
+
+  void FailNext(const std::string& function, DWORD code) {
+    Find<decltype(&::EngineEmulatorFailCall)>("EngineEmulatorFailCall")(function.c_str(), 1, code);
+  }
+
+  std::string Journal() {
+    const auto readJournal = Find<decltype(&::EngineEmulatorJournalText)>("EngineEmulatorJournalText");
+    std::string text(readJournal(nullptr, 0), '\0');
+    readJournal(text.data(), text.size());
+    return text;
+  }
+
+  void ExpectOnlyOurSessionIsOpen() {
+    EngineEmulatorOutstanding outstanding{};
+    Find<decltype(&::EngineEmulatorCountOutstanding)>("EngineEmulatorCountOutstanding")(&outstanding);
+    EXPECT_EQ(outstanding.sessions, 1u);
+    EXPECT_EQ(outstanding.enumHandles, 0u);
+    EXPECT_EQ(outstanding.memoryBlocks, 0u);
+  }
+
+ private:
+  template <typename Function>
+  Function Find(const char* function) {
+    return FindFunction<Function>(emulator_.get(), function);
+  }
+
+  ModuleHandle emulator_ = LoadModule(ProgramFolder() / "emulator" / "fwpuclnt.dll");
+  std::unique_ptr<void, decltype(&::FwpmEngineClose0)> session_{
+      nullptr, Find<decltype(&::FwpmEngineClose0)>("FwpmEngineClose0")};
+  std::wstring name_ = L"name";
+};
+
+TEST_F(EngineReader, LeavesOutWhatOthersOwn) {
+  AddProvider(kForeignProvider);
+  AddSublayer(kForeignSublayer, 9);
+  AddSublayer(kDhcp.key, 1);
+  AddFilter(&kForeignProvider, kForeignSublayer, {});
+  AddFilter(&kForeignProvider, kDhcp.key, {});
+  AddFilter(nullptr, kDhcp.key, {});
+  const Listing listing = ReadEngine();
+  EXPECT_FALSE(listing.provider.has_value());
+  ASSERT_EQ(listing.sublayers.size(), 1u);
+  EXPECT_EQ(listing.sublayers[0].key, "28c81cd0-d8bf-4ab0-9def-9a7bf71e4641");
+  EXPECT_TRUE(listing.sublayers[0].filters.empty());
+}
+
+TEST_F(EngineReader, FindsSublayersOfAnyKeyThatHoldOurFilters) {
+  AddProvider(kProvider.key);
+  AddSublayer(kUnknownSublayer, 7);
+  AddFilter(&kProvider.key, kUnknownSublayer, {});
+  const Listing listing = ReadEngine();
+  ASSERT_EQ(listing.sublayers.size(), 1u);
+  EXPECT_EQ(listing.sublayers[0].key, "f0000000-0000-0000-0000-000000000003");
+  EXPECT_EQ(listing.sublayers[0].filters.size(), 1u);
+}
+
+TEST_F(EngineReader, PutsTheWeightiestSublayerFirst) {
+  AddSublayer(kDhcp.key, 3);
+  AddSublayer(kKillSwitch.key, 65535);
+  AddSublayer(kSkein.key, 15);
+  const Listing listing = ReadEngine();
+  ASSERT_EQ(listing.sublayers.size(), 3u);
+  EXPECT_EQ(listing.sublayers[0].weight, 65535u);
+  EXPECT_EQ(listing.sublayers[1].weight, 15u);
+  EXPECT_EQ(listing.sublayers[2].weight, 3u);
+}
+
+TEST_F(EngineReader, TellsWeightsWithTheirTypes) {
+  AddProvider(kProvider.key);
+  AddSublayer(kDhcp.key, 1);
+  UINT64 large = 18446744073709551615u;
+  FWP_VALUE0 weight{};
+  AddFilter(&kProvider.key, kDhcp.key, weight);
+  weight.type = FWP_UINT8;
+  weight.uint8 = 15;
+  AddFilter(&kProvider.key, kDhcp.key, weight);
+  weight.type = FWP_UINT64;
+  weight.uint64 = &large;
+  AddFilter(&kProvider.key, kDhcp.key, weight);
+  const Listing listing = ReadEngine();
+  ASSERT_EQ(listing.sublayers.size(), 1u);
+  ASSERT_EQ(listing.sublayers[0].filters.size(), 3u);
+  EXPECT_EQ(listing.sublayers[0].filters[0].weight, "EMPTY");
+  EXPECT_EQ(listing.sublayers[0].filters[1].weight, "UINT8 15");
+  EXPECT_EQ(listing.sublayers[0].filters[2].weight, "UINT64 18446744073709551615");
+}
+
+TEST_F(EngineReader, GivesBackItsSessionItsHandlesAndItsMemory) {
+  AddProvider(kProvider.key);
+  AddSublayer(kDhcp.key, 1);
+  AddFilter(&kProvider.key, kDhcp.key, {});
+  ReadEngine();
+  ExpectOnlyOurSessionIsOpen();
+  EXPECT_THAT(Journal(), testing::HasSubstr("FwpmFilterDestroyEnumHandle0("));
+  EXPECT_THAT(Journal(), testing::HasSubstr("FwpmSubLayerDestroyEnumHandle0("));
+}
+
+TEST_F(EngineReader, NamesTheFunctionThatFailsAndGivesAllBack) {
+  AddProvider(kProvider.key);
+  AddSublayer(kDhcp.key, 1);
+  AddFilter(&kProvider.key, kDhcp.key, {});
+  for (const std::string function :
+       {"FwpmEngineOpen0", "FwpmProviderGetByKey0", "FwpmFilterCreateEnumHandle0", "FwpmFilterEnum0",
+        "FwpmSubLayerCreateEnumHandle0", "FwpmSubLayerEnum0"}) {
+    FailNext(function, ERROR_ACCESS_DENIED);
+    try {
+      ReadEngine();
+      ADD_FAILURE() << function << " was expected to fail";
+    } catch (const Failure& failure) {
+      EXPECT_EQ(failure.what(), function + " failed");
+      EXPECT_EQ(failure.Code(), 5u);
+    }
+    ExpectOnlyOurSessionIsOpen();
+  }
+}
+
+TEST(FailureText, AccessDeniedOfTheSystemsEngineAsksForAdministratorRights) {
+  const Failure denied(5, "FwpmEngineOpen0 failed");
+  EXPECT_EQ(denied.Hint(Engine::System),
+            "The filtering engine is open to administrators only: run this as administrator.");
+  EXPECT_EQ(denied.Hint(Engine::Emulated), "");
+}
+
+TEST(FailureText, CodesOfTheLibraryHaveNames) {
+  EXPECT_EQ(CodeName(904), "CORVANE_ERROR_GETTING_INTERFACES (0x00000388)");
+  EXPECT_EQ(CodeName(1), "CORVANE_ERROR_WITHOUT_CODE (0x00000001)");
+}
+
+}  // namespace

@@ -1,0 +1,177 @@
+#include <gmock/gmock.h>
+
+#include "ToolProcess.h"
+
+namespace {
+
+using testing::AllOf;
+using testing::EndsWith;
+using testing::HasSubstr;
+
+ToolRun RunEmulated(std::vector<std::wstring> arguments) {
+  arguments.insert(arguments.begin(), {L"--engine", L"emulated"});
+  return RunTool(arguments);
+}
+
+std::size_t Count(const std::string& text, const std::string& part) {
+  std::size_t count = 0;
+  for (std::size_t at = text.find(part); at != std::string::npos; at = text.find(part, at + part.size())) {
+    ++count;
+  }
+  return count;
+}
+
+TEST(Steps, RunInTheOrderGivenAsOftenAsGiven) {
+  const ToolRun run = RunEmulated({L"status", L"enable-dhcp", L"status", L"disable-internet", L"disable-dhcp",
+                                   L"status", L"enable-internet", L"status"});
+  EXPECT_EQ(run.exitCode, 0u);
+  EXPECT_EQ(run.errors, "");
+  EXPECT_EQ(run.output,
+            "status\n"
+            "  internet: on\n"
+            "  dhcp rules: off\n"
+            "  done\n"
+            "enable-dhcp\n"
+            "  NATIVE: enabling dhcp\n"
+            "  NATIVE: dhcp enabled successfully.\n"
+            "  done\n"
+            "status\n"
+            "  internet: on\n"
+            "  dhcp rules: on\n"
+            "  done\n"
+            "disable-internet\n"
+            "  NATIVE: DisableInternet\n"
+            "  NATIVE: create killswitch layer\n"
+            "  NATIVE: get interface luids\n"
+            "  NATIVE: KillSwitch without adapter filter\n"
+            "  NATIVE: Apply firewall.\n"
+            "  done\n"
+            "disable-dhcp\n"
+            "  NATIVE: disabling dhcp\n"
+            "  NATIVE: dhcp disabled successfully.\n"
+            "  done\n"
+            "status\n"
+            "  internet: off\n"
+            "  dhcp rules: off\n"
+            "  done\n"
+            "enable-internet\n"
+            "  done\n"
+            "status\n"
+            "  internet: on\n"
+            "  dhcp rules: off\n"
+            "  done\n");
+}
+
+TEST(Steps, ListIsEmptyBeforeAnythingIsInstalled) {
+  const ToolRun run = RunEmulated({L"list"});
+  EXPECT_EQ(run.exitCode, 0u);
+  EXPECT_EQ(run.output, "list\n  no provider of this tool\n  no sublayers, no filters\n  done\n");
+}
+
+TEST(Steps, ListIsEmptyAgainButForTheProviderAfterEverythingIsRemoved) {
+  const ToolRun run =
+      RunEmulated({L"disable-internet", L"enable-dhcp", L"enable-internet", L"disable-dhcp", L"list"});
+  EXPECT_EQ(run.exitCode, 0u);
+  EXPECT_THAT(run.output,
+              EndsWith("list\n"
+                       "  provider \"Corvane Firewall Tool\" {b2574836-bff5-4a6e-9bc2-db92f1632330}: Rules "
+                       "installed by corvane-firewall\n"
+                       "  no sublayers, no filters\n"
+                       "  done\n"));
+}
+
+TEST(Steps, ListTellsTheSixDhcpFiltersInWords) {
+  const ToolRun run = RunEmulated({L"enable-dhcp", L"list"});
+  EXPECT_EQ(run.exitCode, 0u);
+  EXPECT_THAT(
+      run.output,
+      EndsWith(
+          "list\n"
+          "  provider \"Corvane Firewall Tool\" {b2574836-bff5-4a6e-9bc2-db92f1632330}: Rules installed by "
+          "corvane-firewall\n"
+          "  sublayer \"Corvane DHCP\" {28c81cd0-d8bf-4ab0-9def-9a7bf71e4641}: Lets address configuration "
+          "through; weight 0; filters 6\n"
+          "    ALE_AUTH_CONNECT_V4: PERMIT when IP_PROTOCOL EQUAL UINT8 17 and IP_LOCAL_PORT EQUAL UINT16 67 "
+          "and IP_REMOTE_PORT EQUAL UINT16 68; weight UINT8 14\n"
+          "    ALE_FLOW_ESTABLISHED_V4: PERMIT when IP_PROTOCOL EQUAL UINT8 17 and IP_LOCAL_PORT EQUAL "
+          "UINT16 67 and IP_REMOTE_PORT EQUAL UINT16 68; weight UINT8 14\n"
+          "    ALE_AUTH_CONNECT_V6: PERMIT when IP_PROTOCOL EQUAL UINT8 17 and IP_LOCAL_PORT EQUAL UINT16 "
+          "546 "
+          "and IP_REMOTE_PORT EQUAL UINT16 547; weight UINT8 14\n"
+          "    ALE_AUTH_CONNECT_V6: PERMIT when IP_PROTOCOL EQUAL UINT8 17 and IP_LOCAL_PORT EQUAL UINT16 "
+          "547 "
+          "and IP_REMOTE_PORT EQUAL UINT16 546; weight UINT8 14\n"
+          "    ALE_FLOW_ESTABLISHED_V6: PERMIT when IP_PROTOCOL EQUAL UINT8 17 and IP_LOCAL_PORT EQUAL "
+          "UINT16 546 and IP_REMOTE_PORT EQUAL UINT16 547; weight UINT8 14\n"
+          "    ALE_FLOW_ESTABLISHED_V6: PERMIT when IP_PROTOCOL EQUAL UINT8 17 and IP_LOCAL_PORT EQUAL "
+          "UINT16 547 and IP_REMOTE_PORT EQUAL UINT16 546; weight UINT8 14\n"
+          "  done\n"));
+}
+
+TEST(Steps, ListTellsTheKillSwitchWithItsBlocksAndItsOverride) {
+  const ToolRun run = RunEmulated({L"disable-internet", L"list"});
+  EXPECT_EQ(run.exitCode, 0u);
+  EXPECT_THAT(run.output, HasSubstr("Blocks traffic outside the tunnel; weight 0; filters 51\n"));
+  EXPECT_EQ(Count(run.output, "\n    ALE_"), 51u);
+  EXPECT_EQ(Count(run.output, ": BLOCK always; weight UINT8 14\n"), 6u);
+  EXPECT_EQ(Count(run.output, "; overrides other sublayers\n"), 3u);
+  EXPECT_EQ(Count(run.output,
+                  "PERMIT when IP_REMOTE_ADDRESS EQUAL V4_ADDR_MASK 255.255.255.255/255.255.255.255 and "
+                  "IP_REMOTE_PORT NOT_EQUAL UINT16 53; weight UINT8 14; overrides other sublayers\n"),
+            3u);
+}
+
+TEST(Steps, ListGroupsFiltersBySublayer) {
+  const ToolRun run = RunEmulated({L"enable-dhcp", L"disable-internet", L"list"});
+  EXPECT_EQ(run.exitCode, 0u);
+  EXPECT_EQ(Count(run.output, "\n  sublayer "), 2u);
+  EXPECT_THAT(run.output, AllOf(HasSubstr("\"Corvane DHCP\""), HasSubstr("\"Corvane Kill Switch\"")));
+  EXPECT_EQ(Count(run.output, "\n    ALE_"), 57u);
+}
+
+TEST(Steps, EnableInternetLeavesNoKillSwitchInTheList) {
+  const ToolRun run = RunEmulated({L"disable-internet", L"enable-internet", L"list"});
+  EXPECT_EQ(run.exitCode, 0u);
+  EXPECT_EQ(Count(run.output, "sublayer"), 0u);
+}
+
+TEST(Steps, AppStaysConnectedInSixLayers) {
+  const ToolRun run = RunEmulated(
+      {L"disable-internet", L"--app", (ProgramFolder() / L"corvane-firewall.exe").native(), L"list"});
+  EXPECT_EQ(run.exitCode, 0u);
+  EXPECT_THAT(run.output, HasSubstr("filters 57\n"));
+  EXPECT_EQ(Count(run.output, "PERMIT when ALE_APP_ID EQUAL BYTE_BLOB "), 6u);
+}
+
+TEST(Steps, ListHasMoreFiltersThanTheEngineHandsOutAtOnce) {
+  std::vector<std::wstring> arguments{L"disable-internet"};
+  for (int i = 0; i < 40; ++i) {
+    arguments.insert(arguments.end(), {L"--app", (ProgramFolder() / L"corvane-firewall.exe").native()});
+  }
+  arguments.emplace_back(L"list");
+  const ToolRun run = RunEmulated(arguments);
+  EXPECT_EQ(run.exitCode, 0u);
+  EXPECT_THAT(run.output, HasSubstr("filters 291\n"));
+}
+
+TEST(Steps, FailureTellsItsCodeAndTextAndEndsTheRun) {
+  const ToolRun run =
+      RunEmulated({L"disable-internet", L"--app", (ProgramFolder() / L"no such file.exe").native(), L"list"});
+  EXPECT_EQ(run.exitCode, 1u);
+  EXPECT_EQ(run.errors,
+            "disable-internet failed: ERROR_FILE_NOT_FOUND (0x00000002): Failed to retrieve app blob\n");
+  EXPECT_THAT(run.output, EndsWith("  NATIVE: create killswitch layer\n"
+                                   "  NATIVE: Error applying firewall.\n"
+                                   "  2\n"));
+}
+
+TEST(Steps, AdaptersAreThoseThatTheLibrarySearches) {
+  const ToolRun run =
+      RunEmulated({L"disable-internet", L"--interface", L"no adapter is described like this", L"adapters"});
+  EXPECT_EQ(run.exitCode, 0u);
+  EXPECT_THAT(run.output, HasSubstr("  NATIVE: No adapters found.\n"));
+  EXPECT_GT(Count(run.output, "\", LUID "), 0u);
+  EXPECT_EQ(Count(run.output, "\", LUID "), Count(run.output, "NATIVE available interface : "));
+}
+
+}  // namespace
