@@ -1,0 +1,40 @@
+#!/bin/bash
+# Fails when the layout of a source differs from clang-format's, clang-tidy has something to say, or a
+# folder includes what it must not see. Wants the windows preset configured.
+set -eu
+cd "$(dirname "$0")/.."
+build=${1:-build/windows}
+
+mapfile -t sources < <(git ls-files --cached --others --exclude-standard '*.h' '*.c' '*.cpp')
+
+echo "Layout: ${#sources[@]} files"
+clang-format --dry-run --Werror "${sources[@]}"
+
+echo "Folders see only what they may"
+forbid() { # forbid FOLDER... -- PATTERN
+  local folders=()
+  while [ "$1" != -- ]; do folders+=("$1"); shift; done
+  if grep -rnE "#include \"($2)" "${folders[@]}"; then
+    echo "These includes cross a border; docs and CMakeLists.txt say who may see whom." >&2
+    exit 1
+  fi
+}
+forbid src/filtering -- '(sublayers|helpers|api)/|engine/(Engine|Firewall|Provider|Sublayer)\.h'
+forbid src/engine -- '(sublayers|helpers|api)/'
+forbid src/sublayers -- '(helpers|api)/'
+forbid src/helpers -- '(engine|sublayers|api)/'
+forbid src include -- '(catalog|emulator|tools|tests)/'
+forbid catalog emulator -- '(filtering|engine|sublayers|helpers|api|corvane|src)/'
+
+echo "clang-tidy"
+includes=$(x86_64-w64-mingw32-g++-posix -print-file-name=include)
+# The layout of the cross-compiler's own folders is not one that clang knows.
+run-clang-tidy -quiet -p "$build" -j "$(nproc)" \
+  -extra-arg=--target=x86_64-w64-mingw32 \
+  -extra-arg=-isystem"$includes/c++" \
+  -extra-arg=-isystem"$includes/c++/x86_64-w64-mingw32" \
+  -extra-arg=-Wno-unknown-warning-option \
+  "^$PWD/(src|catalog|emulator|tools|tests)/" > build/clang-tidy.log 2>&1 || {
+  grep -E 'warning:|error:|note:' build/clang-tidy.log | sort -u >&2
+  exit 1
+}
