@@ -16,6 +16,7 @@ extern "C" {
 #endif
 
 /** What clients have not given back. */
+// NOLINTNEXTLINE(modernize-use-using): for C, too.
 typedef struct EngineEmulatorOutstanding {
   size_t sessions;
   size_t openTransactions;

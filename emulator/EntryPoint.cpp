@@ -11,7 +11,7 @@ struct SharedEngine {
 /// Never destroyed: static objects of clients still call the engine while their process ends.
 union Everlasting {
   Everlasting() : shared() {}
-  ~Everlasting() {}
+  ~Everlasting() {}  // NOLINT(modernize-use-equals-default): the default one would be deleted.
   SharedEngine shared;
 };
 

@@ -106,6 +106,7 @@ DWORD AnswerCreateEnumHandle(const char* function, HANDLE engineHandle,
 template <class Native>
 Native** PackArray(Packer& packer, const std::vector<ObjectPtr<Native>>& objects) {
   std::vector<Native*> records;
+  records.reserve(objects.size());
   for (const ObjectPtr<Native>& object : objects) {
     records.push_back(PackRecord(packer, object->Record()));
   }

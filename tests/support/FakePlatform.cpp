@@ -384,6 +384,7 @@ NETIO_STATUS WINAPI ConvertInterfaceLuidToIndex(const NET_LUID* luid, PNET_IFIND
 #if defined(_WIN32)
 // The platform's headers declare these functions as imported: callers go through a pointer named
 // __imp_<function>. Defining that pointer here keeps the linker from taking the import library's.
+// NOLINTNEXTLINE(bugprone-macro-parentheses): the names take no parentheses.
 #define IMPORT_POINTER(function) decltype(&function) __imp_##function = &Fake##function;
 IMPORT_POINTER(SetupDiGetClassDevsW)
 IMPORT_POINTER(SetupDiEnumDeviceInfo)

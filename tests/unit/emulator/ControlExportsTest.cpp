@@ -10,7 +10,6 @@ extern "C" size_t CountOpenSessionsInC(void);
 
 namespace {
 
-using testing::HasSubstr;
 using ControlExports = EngineTest;
 
 template <class GiveText>

@@ -64,6 +64,7 @@ class TestSession {
   TestSession(const TestSession&) = delete;
   TestSession& operator=(const TestSession&) = delete;
 
+  // NOLINTNEXTLINE(google-explicit-constructor): stands for its handle in calls.
   operator HANDLE() const { return handle_; }
 
  private:

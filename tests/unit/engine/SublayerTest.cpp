@@ -66,6 +66,8 @@ TEST(Sublayer, RuleSetsAreDeletedThroughIt) {
     RuleSet(const RuleSet&) = delete;
     RuleSet& operator=(const RuleSet&) = delete;
     ~RuleSet() override { deleted_ = true; }
+
+   private:
     bool& deleted_;
   };
   bool deleted = false;

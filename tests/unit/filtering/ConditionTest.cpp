@@ -11,7 +11,6 @@
 namespace WfpFirewall::Filtering {
 namespace {
 
-using Values::BaseValue;
 using Values::LocalPort;
 using Values::RemotePort;
 

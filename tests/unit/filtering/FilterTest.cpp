@@ -23,7 +23,6 @@ using Filtering::Values::LocalInterfaceLuid;
 using Filtering::Values::LocalPort;
 using Filtering::Values::Port;
 using Filtering::Values::Protocol;
-using Filtering::Values::RemoteIpAddressAndMaskV4;
 using Filtering::Values::RemotePort;
 
 Filter InConnectV4(Action action) {

@@ -10,7 +10,7 @@
 /// A filter in the outbound IPv4 connect layer together with the engine's record of it, which points
 /// into the filter.
 struct NativeForm {
-  explicit NativeForm(std::vector<WfpFirewall::Filtering::Condition> conditions) {
+  explicit NativeForm(const std::vector<WfpFirewall::Filtering::Condition>& conditions) {
     filter.SetLayer(WfpFirewall::Filtering::LayerType::AleAuthConnectV4);
     for (const auto& condition : conditions) filter.AddCondition(condition);
     record = filter.ToNativeFilter();

@@ -34,7 +34,7 @@ TEST(Values, LoopbackFlagHoldsTheLowestBit) { EXPECT_EQ(*LoopbackFlag().GetValue
 
 TEST(Values, CopiesShareTheHeldObject) {
   const LocalPort original(53);
-  const LocalPort copy = original;
+  const LocalPort copy = original;  // NOLINT(performance-unnecessary-copy-initialization): tested here.
   EXPECT_EQ(copy.GetValue(), original.GetValue());
   *original.GetValue() = 54;
   EXPECT_EQ(*copy.GetValue(), 54);

@@ -13,7 +13,6 @@ namespace {
 
 using testing::ElementsAre;
 using testing::ElementsAreArray;
-using testing::IsEmpty;
 using testing::SizeIs;
 
 constexpr const wchar_t* kBrowser = L"C:\\Apps\\Browser.exe";
