@@ -24,56 +24,53 @@ FWP_VALUE0 ToNativeWeight(std::int16_t weight) {
   return native;
 }
 
-FWP_CONDITION_VALUE0 ToNativeValue(const NativeField& field) {
-  auto native = FWP_CONDITION_VALUE0();
+/// Writes the types that stand alone as well as at the end of a range; false for any other.
+template <typename NativeValue>
+bool WriteCommonType(const NativeField& field, NativeValue& native) {
   native.type = field.type;
   switch (field.type) {
     case FWP_UINT8:
       std::memcpy(&native.uint8, field.data, sizeof(native.uint8));
-      break;
-    case FWP_UINT16:
-      std::memcpy(&native.uint16, field.data, sizeof(native.uint16));
-      break;
+      return true;
     case FWP_UINT32:
       std::memcpy(&native.uint32, field.data, sizeof(native.uint32));
-      break;
+      return true;
     case FWP_UINT64:
       native.uint64 = static_cast<UINT64*>(field.data);
-      break;
+      return true;
     case FWP_BYTE_BLOB_TYPE:
       native.byteBlob = static_cast<FWP_BYTE_BLOB*>(field.data);
-      break;
+      return true;
+    default:
+      return false;
+  }
+}
+
+FWP_CONDITION_VALUE0 ToNativeValue(const NativeField& field) {
+  auto native = FWP_CONDITION_VALUE0();
+  if (WriteCommonType(field, native)) {
+    return native;
+  }
+  switch (field.type) {
+    case FWP_UINT16:
+      std::memcpy(&native.uint16, field.data, sizeof(native.uint16));
+      return native;
     case FWP_V4_ADDR_MASK:
       native.v4AddrMask = static_cast<FWP_V4_ADDR_AND_MASK*>(field.data);
-      break;
+      return native;
     case FWP_V6_ADDR_MASK:
       native.v6AddrMask = static_cast<FWP_V6_ADDR_AND_MASK*>(field.data);
-      break;
+      return native;
     default:
       throw FirewallException("Not supported value type.");
   }
-  return native;
 }
 
 FWP_VALUE0 ToNativeRangeEnd(const NativeField& field) {
   auto native = FWP_VALUE0();
-  native.type = field.type;
-  switch (field.type) {
-    case FWP_UINT8:
-      std::memcpy(&native.uint8, field.data, sizeof(native.uint8));
-      break;
-    case FWP_UINT32:
-      std::memcpy(&native.uint32, field.data, sizeof(native.uint32));
-      break;
-    case FWP_UINT64:
-      native.uint64 = static_cast<UINT64*>(field.data);
-      break;
-    case FWP_BYTE_BLOB_TYPE:
-      native.byteBlob = static_cast<FWP_BYTE_BLOB*>(field.data);
-      break;
-    default:
-      // Deliberate: 16-bit ends are refused, so a range of ports cannot be expressed.
-      throw FirewallException("Not supported value type in range.");
+  if (!WriteCommonType(field, native)) {
+    // Deliberate: 16-bit ends are refused, so a range of ports cannot be expressed.
+    throw FirewallException("Not supported value type in range.");
   }
   return native;
 }
