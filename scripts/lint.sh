@@ -10,6 +10,7 @@ linted='src|catalog|emulator|tools'
 mapfile -t sources < <(git ls-files --cached --others --exclude-standard '*.h' '*.c' '*.cpp')
 
 echo "Layout: ${#sources[@]} files"
+[ ${#sources[@]} -gt 0 ]
 clang-format --dry-run --Werror "${sources[@]}"
 
 echo "Folders see only what they may"

@@ -7,6 +7,7 @@ packages=(
   clang-tidy
   cmake
   g++-mingw-w64-x86-64
+  git # lint asks it which files there are
   googletest
   libcli11-dev
   ninja-build
