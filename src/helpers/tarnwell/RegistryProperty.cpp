@@ -45,7 +45,11 @@ std::wstring ToCharacters(std::span<const std::byte> data) {
   return text;
 }
 
-std::wstring ToString(std::span<const std::byte> data) { return ToCharacters(data).c_str(); }
+/// What stands before the first zero.
+std::wstring ToString(std::span<const std::byte> data) {
+  const std::wstring characters = ToCharacters(data);
+  return characters.substr(0, characters.find(L'\0'));
+}
 
 std::vector<std::wstring> ToStrings(std::span<const std::byte> data) {
   const std::wstring characters = ToCharacters(data);
