@@ -129,12 +129,6 @@ TEST(Steps, ListGroupsFiltersBySublayer) {
   EXPECT_EQ(Count(run.output, "\n    ALE_"), 57u);
 }
 
-TEST(Steps, EnableInternetLeavesNoKillSwitchInTheList) {
-  const ToolRun run = RunEmulated({L"disable-internet", L"enable-internet", L"list"});
-  EXPECT_EQ(run.exitCode, 0u);
-  EXPECT_EQ(Count(run.output, "sublayer"), 0u);
-}
-
 TEST(Steps, AppStaysConnectedInSixLayers) {
   const ToolRun run = RunEmulated(
       {L"disable-internet", L"--app", (ProgramFolder() / L"corvane-firewall.exe").native(), L"list"});
