@@ -24,6 +24,18 @@ void LetChildInherit(const Handle& handle) {
   SetHandleInformation(handle.get(), HANDLE_FLAG_INHERIT, HANDLE_FLAG_INHERIT);
 }
 
+/// Under Wine a start fails once in a great while, and works when tried again.
+PROCESS_INFORMATION Start(const std::wstring& program, std::wstring commandLine, STARTUPINFOW& startup) {
+  PROCESS_INFORMATION process{};
+  for (int attempt = 0; attempt < 3; ++attempt) {
+    if (CreateProcessW(program.c_str(), commandLine.data(), nullptr, nullptr, TRUE, 0, nullptr, nullptr,
+                       &startup, &process)) {
+      return process;
+    }
+  }
+  throw std::runtime_error("cannot start corvane-firewall.exe: error " + std::to_string(GetLastError()));
+}
+
 std::string ReadSome(const Handle& pipe) {
   std::array<char, 4096> buffer;
   DWORD size = 0;
@@ -72,11 +84,7 @@ ToolProcess::ToolProcess(const std::vector<std::wstring>& arguments, const std::
   startup.hStdInput = input.read.get();
   startup.hStdOutput = output.write.get();
   startup.hStdError = errors.write.get();
-  PROCESS_INFORMATION process{};
-  if (!CreateProcessW(program.c_str(), commandLine.data(), nullptr, nullptr, TRUE, 0, nullptr, nullptr,
-                      &startup, &process)) {
-    throw std::runtime_error("cannot start corvane-firewall.exe");
-  }
+  const PROCESS_INFORMATION process = Start(program, commandLine, startup);
   const Handle thread(process.hThread);
   process_.reset(process.hProcess);
   input_ = std::move(input.write);
