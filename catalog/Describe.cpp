@@ -1,6 +1,5 @@
 #include "catalog/Describe.h"
 
-#include <cwchar>
 #include <span>
 #include <string_view>
 
@@ -25,10 +24,7 @@ std::string Blob(const FWP_BYTE_BLOB* blob, Format format) {
   });
 }
 
-std::string String(const wchar_t& text) {
-  const auto* bytes = reinterpret_cast<const UINT8*>(&text);
-  return FormatTextOrBytes({bytes, (std::wcslen(&text) + 1) * sizeof(wchar_t)});
-}
+std::string String(const wchar_t& text) { return FormatText(&text); }
 
 std::string TokenInformation(const FWP_TOKEN_INFORMATION& token) {
   return FormatNumber(token.sidCount) + " and " + FormatNumber(token.restrictedSidCount) + " restricted";

@@ -1,7 +1,7 @@
 #include "catalog/Format.h"
 
 #include <algorithm>
-#include <cstring>
+#include <cwchar>
 
 namespace Catalog {
 namespace {
@@ -11,7 +11,7 @@ void AppendHex(std::string& text, UINT32 number, int digits) {
     text += "0123456789abcdef"[(number >> shift) & 15];
 }
 
-/// Empty if the text is not well-formed UTF-16.
+/// Empty if the text is not well-formed.
 std::string ToUtf8(const std::wstring& text) {
   const auto convert = [&text](char* target, int size) {
     return WideCharToMultiByte(CP_UTF8, WC_ERR_INVALID_CHARS, text.data(), static_cast<int>(text.size()),
@@ -23,6 +23,11 @@ std::string ToUtf8(const std::wstring& text) {
 }
 
 bool IsControl(wchar_t character) { return character < 0x20 || character == 0x7f; }
+
+/// The text in UTF-8; empty if it is not fit to be shown.
+std::string Printable(const std::wstring& text) {
+  return text.empty() || std::ranges::any_of(text, IsControl) ? std::string() : ToUtf8(text);
+}
 
 }  // namespace
 
@@ -60,14 +65,20 @@ std::string FormatSid(const SID& sid) {
   return text;
 }
 
+std::string FormatText(const wchar_t* text) {
+  const auto* bytes = reinterpret_cast<const UINT8*>(text);
+  const std::string utf8 = Printable(text);
+  return utf8.empty() ? FormatBytes({bytes, (std::wcslen(text) + 1) * sizeof(wchar_t)}) : utf8;
+}
+
 std::string FormatTextOrBytes(std::span<const UINT8> bytes) {
-  if (bytes.empty() || bytes.size() % sizeof(wchar_t) != 0) return FormatBytes(bytes);
-  std::wstring text(bytes.size() / sizeof(wchar_t), L'\0');
-  std::memcpy(text.data(), bytes.data(), bytes.size());
-  const bool terminated = text.back() == L'\0';
-  text.pop_back();
-  if (!terminated || std::ranges::any_of(text, IsControl)) return FormatBytes(bytes);
-  const std::string utf8 = ToUtf8(text);
+  std::wstring text;
+  for (std::size_t i = 0; i + 1 < bytes.size(); i += 2) {
+    text += static_cast<wchar_t>(bytes[i] | bytes[i + 1] << 8);
+  }
+  const bool terminated = bytes.size() % 2 == 0 && text.ends_with(L'\0');
+  if (terminated) text.pop_back();
+  const std::string utf8 = terminated ? Printable(text) : std::string();
   return utf8.empty() ? FormatBytes(bytes) : utf8;
 }
 

@@ -24,6 +24,8 @@ std::string FormatIpV4(UINT32 address);
 std::string FormatIpV6(const UINT8* address);
 /// "S-1-5-32-544"
 std::string FormatSid(const SID& sid);
+/// A zero-terminated text without control characters, in UTF-8; of any other the bytes.
+std::string FormatText(const wchar_t* text);
 /// The text of bytes that hold a zero-terminated UTF-16 string without control characters, in UTF-8; of all
 /// other bytes the same as FormatBytes. So texts differ wherever bytes do, and an unterminated string,
 /// which never matches, shows.

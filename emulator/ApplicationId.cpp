@@ -55,6 +55,11 @@ DWORD CheckFile(std::wstring_view path, const std::set<std::wstring>& pretendedF
   if (pretendedFiles.contains(lowerCasePath)) {
     return ERROR_SUCCESS;
   }
+  const std::wstring folder = lowerCasePath.substr(0, lowerCasePath.find_last_of(L'\\') + 1);
+  const auto inFolder = pretendedFiles.lower_bound(folder);
+  if (inFolder != pretendedFiles.end() && inFolder->starts_with(folder)) {
+    return ERROR_FILE_NOT_FOUND;
+  }
   std::error_code ignored;
   const std::filesystem::path file(path);
   if (std::filesystem::is_directory(file, ignored)) {

@@ -1,39 +1,58 @@
 #include "emulator/Checks.h"
 
+#include "catalog/Names.h"
 #include "emulator/Texts.h"
 
 namespace EngineEmulator {
 namespace {
 
-DWORD CheckText(const wchar_t* text) {
-  return text == nullptr || IsWellFormed(text) ? ERROR_SUCCESS : static_cast<DWORD>(FWP_E_INVALID_PARAMETER);
+constexpr std::size_t kMostSublayers = 1U << 16;
+constexpr std::size_t kMostCallouts = 100'000;
+
+Refusal CheckText(const wchar_t* text) {
+  return text == nullptr || IsWellFormed(text)
+             ? Refusal()
+             : Refusal(FWP_E_INVALID_PARAMETER, "a text holds half a surrogate pair");
 }
 
 /// Persistence is the one flag that a client may set on a provider or a sublayer.
-DWORD CheckFlags(UINT32 flags) {
+Refusal CheckFlags(UINT32 flags, const CheckContext& context) {
   static_assert(FWPM_PROVIDER_FLAG_PERSISTENT == FWPM_SUBLAYER_FLAG_PERSISTENT);
-  return (flags & ~static_cast<UINT32>(FWPM_PROVIDER_FLAG_PERSISTENT)) == 0
-             ? ERROR_SUCCESS
-             : static_cast<DWORD>(FWP_E_INVALID_FLAGS);
+  if ((flags & FWPM_PROVIDER_FLAG_DISABLED) != 0) {
+    return {FWP_E_INVALID_FLAGS, "DISABLED is a flag that only the engine sets"};
+  }
+  if (context.rules.refuseUnknownFlags != 0 &&
+      (flags & ~static_cast<UINT32>(FWPM_PROVIDER_FLAG_PERSISTENT)) != 0) {
+    return {FWP_E_INVALID_FLAGS, "there is a flag other than PERSISTENT"};
+  }
+  return {};
 }
 
 }  // namespace
 
-DWORD CheckDisplayData(const FWPM_DISPLAY_DATA0& data) {
+Refusal CheckDisplayData(const FWPM_DISPLAY_DATA0& data, const CheckContext& context) {
   if (data.name == nullptr) {
-    return static_cast<DWORD>(FWP_E_NULL_DISPLAY_NAME);
+    return {FWP_E_NULL_DISPLAY_NAME, "the display name is null"};
   }
-  return FirstFault(CheckText(data.name), CheckText(data.description));
+  if (context.rules.refuseEmptyNames != 0 && *data.name == L'\0') {
+    return {FWP_E_NULL_DISPLAY_NAME, "the display name is empty"};
+  }
+  const Refusal refusal = CheckText(data.name);
+  return refusal ? refusal : CheckText(data.description);
 }
 
-DWORD CheckBlob(const FWP_BYTE_BLOB& blob) {
-  return blob.size == 0 || blob.data != nullptr ? ERROR_SUCCESS : static_cast<DWORD>(FWP_E_NULL_POINTER);
+Refusal CheckBlob(const FWP_BYTE_BLOB& blob) {
+  if (blob.size != 0 && blob.data == nullptr) {
+    return {FWP_E_NULL_POINTER, "a blob has a size but no data"};
+  }
+  return blob.size <= kMostBytes
+             ? Refusal()
+             : Refusal(FWP_E_INVALID_PARAMETER, "a blob has " + std::to_string(blob.size) + " bytes");
 }
 
 bool MayRefer(const Origin& referrer, const Origin& target) {
   switch (target.lifetime) {
     case Lifetime::BuiltIn:
-      return true;
     case Lifetime::Persistent:
       return true;
     case Lifetime::Static:
@@ -44,27 +63,74 @@ bool MayRefer(const Origin& referrer, const Origin& target) {
   return false;
 }
 
-DWORD CheckProviderReference(const GUID* providerKey, const Policy& policy, const Origin& referrer) {
+Refusal CheckProviderReference(const GUID* providerKey, const CheckContext& context) {
   if (providerKey == nullptr) {
-    return ERROR_SUCCESS;
+    return {};
   }
-  const auto provider = policy.Objects<FWPM_PROVIDER0>().Find(*providerKey);
+  const auto provider = context.policy.Objects<FWPM_PROVIDER0>().Find(*providerKey);
+  const std::string name = "the provider " + Catalog::FormatGuid(*providerKey);
   if (provider == nullptr) {
-    return static_cast<DWORD>(FWP_E_PROVIDER_NOT_FOUND);
+    return {FWP_E_PROVIDER_NOT_FOUND, name + " does not exist"};
   }
-  return MayRefer(referrer, provider->origin) ? ERROR_SUCCESS : static_cast<DWORD>(FWP_E_LIFETIME_MISMATCH);
+  return MayRefer(context.origin, provider->origin)
+             ? Refusal()
+             : Refusal(FWP_E_LIFETIME_MISMATCH, name + " may end before the object");
 }
 
-DWORD Check(const FWPM_PROVIDER0& provider, const Policy&, const Origin&) {
-  return FirstFault(CheckBlob(provider.providerData), CheckFlags(provider.flags),
-                    CheckDisplayData(provider.displayData), CheckText(provider.serviceName));
+Refusal Check(const FWPM_PROVIDER0& provider, const CheckContext& context) {
+  if (Refusal refusal = CheckBlob(provider.providerData)) {
+    return refusal;
+  }
+  if (Refusal refusal = CheckFlags(provider.flags, context)) {
+    return refusal;
+  }
+  if (Refusal refusal = CheckDisplayData(provider.displayData, context)) {
+    return refusal;
+  }
+  return CheckText(provider.serviceName);
 }
 
-DWORD Check(const FWPM_SUBLAYER0& sublayer, const Policy& policy, const Origin& origin) {
+Refusal Check(const FWPM_SUBLAYER0& sublayer, const CheckContext& context) {
+  if (Refusal refusal = CheckBlob(sublayer.providerData)) {
+    return refusal;
+  }
   // Only the low half of the flags is the same in every version of the platform's headers.
-  return FirstFault(CheckBlob(sublayer.providerData), CheckFlags(static_cast<UINT16>(sublayer.flags)),
-                    CheckDisplayData(sublayer.displayData),
-                    CheckProviderReference(sublayer.providerKey, policy, origin));
+  if (Refusal refusal = CheckFlags(static_cast<UINT16>(sublayer.flags), context)) {
+    return refusal;
+  }
+  if (Refusal refusal = CheckDisplayData(sublayer.displayData, context)) {
+    return refusal;
+  }
+  if (Refusal refusal = CheckProviderReference(sublayer.providerKey, context)) {
+    return refusal;
+  }
+  return context.policy.Objects<FWPM_SUBLAYER0>().Count() < kMostSublayers
+             ? Refusal()
+             : Refusal(FWP_E_TOO_MANY_SUBLAYERS, "there are 65536 sublayers already");
+}
+
+Refusal Check(const FWPM_CALLOUT0& callout, const CheckContext& context) {
+  constexpr UINT32 kPersistent = 0x10000;
+  constexpr UINT32 kUsesProviderContext = 0x20000;
+  if (Refusal refusal = CheckBlob(callout.providerData)) {
+    return refusal;
+  }
+  if (context.rules.refuseUnknownFlags != 0 && (callout.flags & ~(kPersistent | kUsesProviderContext)) != 0) {
+    return {FWP_E_INVALID_FLAGS, "there is a flag that clients cannot set"};
+  }
+  if (Refusal refusal = CheckDisplayData(callout.displayData, context)) {
+    return refusal;
+  }
+  if (Catalog::FindLayer(callout.applicableLayer) == nullptr) {
+    return {FWP_E_LAYER_NOT_FOUND,
+            "the layer " + Catalog::FormatGuid(callout.applicableLayer) + " does not exist"};
+  }
+  if (Refusal refusal = CheckProviderReference(callout.providerKey, context)) {
+    return refusal;
+  }
+  return context.policy.Objects<FWPM_CALLOUT0>().Count() < kMostCallouts
+             ? Refusal()
+             : Refusal(FWP_E_TOO_MANY_CALLOUTS, "there are 100000 callouts already");
 }
 
 }  // namespace EngineEmulator

@@ -1,39 +1,51 @@
 /**
  * @file
- * What the engine checks before it takes an object. Each function gives the code of the first fault found,
- * or ERROR_SUCCESS.
+ * What the engine checks before it takes an object. Each function gives the first thing that is wrong.
  */
 #pragma once
 
+#include "catalog/Layers.h"
 #include "emulator/Policy.h"
+#include "emulator/Refusal.h"
+#include "emulator/Rules.h"
 
 namespace EngineEmulator {
 
-DWORD Check(const FWPM_PROVIDER0& provider, const Policy& policy, const Origin& origin);
-DWORD Check(const FWPM_SUBLAYER0& sublayer, const Policy& policy, const Origin& origin);
+/// What an object is checked against.
+struct CheckContext {
+  const Policy& policy;
+  Origin origin;  ///< that of the object to be
+  const Rules& rules;
+};
+
+Refusal Check(const FWPM_PROVIDER0& provider, const CheckContext& context);
+Refusal Check(const FWPM_SUBLAYER0& sublayer, const CheckContext& context);
+Refusal Check(const FWPM_CALLOUT0& callout, const CheckContext& context);
 /// The sublayer key must be filled in already, if the layer exists.
-DWORD Check(const FWPM_FILTER0& filter, const Policy& policy, const Origin& origin);
+Refusal Check(const FWPM_FILTER0& filter, const CheckContext& context);
+
+/// That the field is there, that type and match fit it, and that the data are sound.
+Refusal CheckCondition(const FWPM_FILTER_CONDITION0& condition, const Catalog::Layer& layer,
+                       const Rules& rules);
 
 /// A name that is there, and texts that are Unicode.
-DWORD CheckDisplayData(const FWPM_DISPLAY_DATA0& data);
+Refusal CheckDisplayData(const FWPM_DISPLAY_DATA0& data, const CheckContext& context);
 
-/// Data for a size that is not zero.
-DWORD CheckBlob(const FWP_BYTE_BLOB& blob);
+/// Data for a size that is not zero, and a size that a client can mean.
+Refusal CheckBlob(const FWP_BYTE_BLOB& blob);
 
 /// A provider that exists and does not end before what refers to it. Null is no reference.
-DWORD CheckProviderReference(const GUID* providerKey, const Policy& policy, const Origin& referrer);
+Refusal CheckProviderReference(const GUID* providerKey, const CheckContext& context);
 
 /// Whether a reference cannot outlive what it points to.
 bool MayRefer(const Origin& referrer, const Origin& target);
 
-/// The fault that comes first.
-template <class... Codes>
-DWORD FirstFault(DWORD first, Codes... others) {
-  if constexpr (sizeof...(others) == 0) {
-    return first;
-  } else {
-    return first != ERROR_SUCCESS ? first : FirstFault(others...);
-  }
-}
+/// Whether the counts and sizes in a filter are ones that a client can mean. Where they are not, its arrays
+/// cannot be read. Null pointers are no concern of this.
+bool IsReadable(const FWPM_FILTER0& filter);
+
+/// At most so many conditions. The engine has no documented limit; more than this is no count but garbage.
+inline constexpr UINT32 kMostConditions = 100'000;
+inline constexpr UINT32 kMostBytes = 16 * 1024 * 1024;
 
 }  // namespace EngineEmulator

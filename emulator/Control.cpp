@@ -65,12 +65,27 @@ Snapshot TakeSnapshot() {
 
 Outstanding CountOutstanding() {
   const LockedEngine locked = LockEngine();
-  Outstanding outstanding{locked.engine.Sessions().size(), 0, 0, locked.engine.memory.Count()};
+  Outstanding outstanding{locked.engine.Sessions().size(), 0, 0, locked.engine.memory.Count(), 0};
   for (const auto& [handle, session] : locked.engine.Sessions()) {
     outstanding.openTransactions += session.transaction.has_value() ? 1 : 0;
     outstanding.enumHandles += session.CountEnumerations();
+    outstanding.subscriptions += session.CountSubscriptions();
   }
   return outstanding;
+}
+
+std::vector<std::string> OutstandingMemory() { return LockEngine().engine.memory.Functions(); }
+
+std::string LastRefusal() { return LockEngine().engine.lastRefusal; }
+
+Rules GetRules() { return LockEngine().engine.GetRules(); }
+
+void SetRules(const Rules& rules) { LockEngine().engine.SetRules(rules); }
+
+void ExpireTransactions() {
+  const LockedEngine locked = LockEngine();
+  locked.engine.ExpireTransactions();
+  locked.answered.notify_all();
 }
 
 void PretendFileExists(const std::wstring& path) {

@@ -12,6 +12,8 @@
 #include <string>
 #include <vector>
 
+#include "emulator/Rules.h"
+
 namespace EngineEmulator {
 
 /// A fresh engine: no sessions, no objects but the built-in ones, no faults planned, an empty journal.
@@ -63,8 +65,8 @@ struct FilterObject {
   std::string text;  ///< Catalog::DescribeFilter of the record
 };
 
-/// What the engine holds, in the order of adding, less what is built in. Changes of a transaction that
-/// is still open are included.
+/// What the engine holds, in the order of adding, less callouts and what is built in. Changes of a
+/// transaction that is still open are included, though other sessions do not see them yet.
 struct Snapshot {
   std::vector<ProviderObject> providers;
   std::vector<SublayerObject> sublayers;
@@ -78,8 +80,24 @@ struct Outstanding {
   std::size_t openTransactions;
   std::size_t enumHandles;
   std::size_t memoryBlocks;
+  std::size_t subscriptions;
 };
 Outstanding CountOutstanding();
+
+/// The functions that handed out the memory blocks which are outstanding, oldest first.
+std::vector<std::string> OutstandingMemory();
+
+/// Why the engine last refused something, which its code alone does not tell: "IP_ARRIVAL_INTERFACE is not a
+/// field of ALE_FLOW_ESTABLISHED_V4". Empty if it has refused nothing since the last Reset.
+std::string LastRefusal();
+
+/// How the engine decides what the platform's documentation leaves open. Reset restores the defaults.
+Rules GetRules();
+void SetRules(const Rules& rules);
+
+/// Ends every open transaction, as the engine does to one that is held for an hour: nothing of it remains,
+/// and the next call of its session fails with FWP_E_TXN_ABORTED.
+void ExpireTransactions();
 
 /// Makes a path count as an existing file for application ids, whatever the file system says.
 void PretendFileExists(const std::wstring& path);

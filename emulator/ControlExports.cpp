@@ -79,8 +79,36 @@ size_t EngineEmulatorSnapshotText(char* buffer, size_t size) {
 
 void EngineEmulatorCountOutstanding(EngineEmulatorOutstanding* outstanding) {
   const Outstanding counts = CountOutstanding();
-  *outstanding = {counts.sessions, counts.openTransactions, counts.enumHandles, counts.memoryBlocks};
+  *outstanding = {counts.sessions, counts.openTransactions, counts.enumHandles, counts.memoryBlocks,
+                  counts.subscriptions};
 }
+
+size_t EngineEmulatorOutstandingMemoryText(char* buffer, size_t size) {
+  std::string text;
+  for (const std::string& function : OutstandingMemory()) {
+    text += function + '\n';
+  }
+  return Give(text, buffer, size);
+}
+
+size_t EngineEmulatorLastRefusal(char* buffer, size_t size) { return Give(LastRefusal(), buffer, size); }
+
+int EngineEmulatorSetRule(const char* name, UINT32 value) {
+  if (std::string_view(name) == "lenient") {
+    SetRules(value == 0 ? Rules{} : LenientRules());
+    return 1;
+  }
+  const auto rule = FindRule(name);
+  if (rule == nullptr) {
+    return 0;
+  }
+  Rules rules = GetRules();
+  rules.*rule = value;
+  SetRules(rules);
+  return 1;
+}
+
+void EngineEmulatorExpireTransactions(void) { ExpireTransactions(); }
 
 void EngineEmulatorPretendFileExists(const wchar_t* path) { PretendFileExists(path); }
 

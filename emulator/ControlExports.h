@@ -5,9 +5,10 @@
  */
 #pragma once
 
-/* winsock2.h must come before windows.h. */
-#include <windows.h>
+/* It must come before windows.h. */
 #include <winsock2.h>
+
+#include <windows.h>
 
 #include <stddef.h>
 
@@ -22,6 +23,7 @@ typedef struct EngineEmulatorOutstanding {
   size_t openTransactions;
   size_t enumHandles;
   size_t memoryBlocks;
+  size_t subscriptions;
 } EngineEmulatorOutstanding;
 
 /** A fresh engine. Handles and memory handed out before become invalid. */
@@ -54,6 +56,29 @@ size_t EngineEmulatorJournalText(char* buffer, size_t size);
 size_t EngineEmulatorSnapshotText(char* buffer, size_t size);
 
 void EngineEmulatorCountOutstanding(EngineEmulatorOutstanding* outstanding);
+
+/** The functions that handed out the memory which is outstanding, one a line, oldest first. */
+size_t EngineEmulatorOutstandingMemoryText(char* buffer, size_t size);
+
+/**
+ * Why the engine last refused something, which its code alone does not tell:
+ *   IP_ARRIVAL_INTERFACE is not a field of ALE_FLOW_ESTABLISHED_V4
+ * Empty if it has refused nothing since the last reset.
+ */
+size_t EngineEmulatorLastRefusal(char* buffer, size_t size);
+
+/**
+ * Decides what the platform's documentation leaves open, until the next reset. Rules.h lists the rules.
+ * @param name such as "refuseEmptyNames"; "lenient" with a value other than 0 for all that refuse at once.
+ * @return 1, or 0 if there is no such rule.
+ */
+int EngineEmulatorSetRule(const char* name, UINT32 value);
+
+/**
+ * Ends every open transaction, as the engine does to one that is held for an hour: the next call of its
+ * session fails with FWP_E_TXN_ABORTED.
+ */
+void EngineEmulatorExpireTransactions(void);
 
 /** Makes a path count as an existing file for application ids, whatever the file system says. */
 void EngineEmulatorPretendFileExists(const wchar_t* path);

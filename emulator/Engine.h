@@ -4,13 +4,17 @@
  */
 #pragma once
 
+#include <array>
 #include <random>
 #include <set>
 #include <string>
+#include <string_view>
 
 #include "emulator/Control.h"
 #include "emulator/EngineMemory.h"
 #include "emulator/FaultPlan.h"
+#include "emulator/Refusal.h"
+#include "emulator/Rules.h"
 #include "emulator/Session.h"
 
 namespace EngineEmulator {
@@ -24,47 +28,77 @@ class Engine {
   DWORD OpenSession(const FWPM_SESSION0* session, HANDLE& handle);
   /// Null for a handle that is not an open session's.
   Session* FindSession(HANDLE handle);
-  /// Undoes the session's transaction, ends its dynamic objects and its enumerations.
-  void CloseSession(HANDLE handle);
+  /// Undoes the session's transaction, ends its dynamic objects. The session comes back for the caller to
+  /// destroy when nobody is kept from using the engine: that waits for callbacks.
+  Session CloseSession(HANDLE handle);
+  /// Every session, for the same purpose. The engine is to be thrown away.
+  std::unordered_map<HANDLE, Session> TakeSessions() { return std::move(sessions_); }
 
+  /// The write lock must be the session's to have, unless the flags say read-only.
   DWORD Begin(Session& session, UINT32 flags);
   DWORD Commit(Session& session);
   DWORD Abort(Session& session);
+  /// Ends every transaction as the engine does to those held for an hour.
+  void ExpireTransactions();
+
+  /// Whether no other session has a transaction that changes something.
+  bool MayWrite(const Session& session) const { return writer_ == nullptr || writer_ == session.handle; }
+  UINT32 LockWaitMilliseconds(const Session& session) const;
 
   /// What a session sees: what is committed, and its own changes.
   const Policy& PolicyOf(const Session& session) const;
   /// The same with the changes of whichever transaction is open.
   const Policy& NewestPolicy() const;
 
+  // Each of these wants the write lock to be the session's to have.
+
   /// @param number receives the number that the object got; may be null.
   template <class Native>
-  DWORD Add(Session& session, const Native& record, UINT64* number);
+  DWORD Add(Session& session, const Native& record, PSECURITY_DESCRIPTOR security, UINT64* number);
 
   /// @param identity a key or a number.
   template <class Native, class Identity>
   DWORD Delete(Session& session, const Identity& identity);
 
+  template <class Native>
+  DWORD SetSecurity(Session& session, const GUID& key, const SecurityDescriptor& security);
+
   HANDLE NewHandle();
   const std::unordered_map<HANDLE, Session>& Sessions() const { return sessions_; }
+
+  const Rules& GetRules() const { return rules_; }
+  void SetRules(const Rules& rules);
+  std::mt19937_64& Random() { return random_; }
 
   EngineMemory memory;
   std::vector<Call> journal;
   FaultPlan faults;
   std::set<std::wstring> pretendedFiles;  ///< in lower case
+  std::string lastRefusal;
+  /// Of what has no key: the engine, its net events and the container of each kind of objects.
+  std::map<std::string_view, SecurityDescriptor> securities;
+  std::array<UINT32, 6> options{};  ///< by FWPM_ENGINE_OPTION
 
  private:
-  struct PolicyForChange {
-    DWORD result;
-    Policy* policy;  ///< null on failure
-  };
-  PolicyForChange OpenForChange(Session& session);
-  void AddBuiltInSublayers();
+  DWORD Refuse(const Refusal& refusal);
+  Refusal CheckDeletion(const Session& session, const Origin& origin) const;
+  /// Null in a transaction that only reads.
+  Policy* OpenForChange(Session& session);
+  template <class Native>
+  void Announce(Session& session, FWPM_CHANGE_TYPE type, const ObjectPtr<Native>& object);
+  template <class Native>
+  void Tell(FWPM_CHANGE_TYPE type, const ObjectPtr<Native>& object);
+  template <class Native>
+  void RemoveDynamicObjects(HANDLE session);
   GUID NewKey();
 
   std::unordered_map<HANDLE, Session> sessions_;
+  HANDLE writer_ = nullptr;  ///< the session whose transaction holds the write lock
   Policy committed_;
+  Rules rules_;
   UINT64 nextNumber_;
-  std::mt19937_64 keys_;
+  UINT64 nextCalloutNumber_;
+  std::mt19937_64 random_;
 };
 
 }  // namespace EngineEmulator

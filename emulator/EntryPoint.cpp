@@ -1,10 +1,13 @@
 #include "emulator/EntryPoint.h"
 
+#include <chrono>
+
 namespace EngineEmulator {
 namespace {
 
 struct SharedEngine {
   std::mutex mutex;
+  std::condition_variable answered;
   std::optional<Engine> engine{std::in_place};
 };
 
@@ -24,13 +27,44 @@ SharedEngine& Shared() {
 
 LockedEngine LockEngine() {
   SharedEngine& shared = Shared();
-  return {std::unique_lock(shared.mutex), *shared.engine};
+  return {std::unique_lock(shared.mutex), *shared.engine, shared.answered};
 }
 
 void ResetEngine() {
   SharedEngine& shared = Shared();
+  std::unordered_map<HANDLE, Session> ended;  // destroyed when callbacks that run can use the engine again
   const std::lock_guard lock(shared.mutex);
+  ended = shared.engine->TakeSessions();
   shared.engine.emplace();
+  shared.answered.notify_all();
+}
+
+DWORD WaitForWriteLock(LockedEngine& locked, HANDLE engineHandle) {
+  Engine& engine = locked.engine;
+  const auto isOver = [&] {
+    const Session* session = engine.FindSession(engineHandle);
+    return session == nullptr || engine.MayWrite(*session);
+  };
+  bool isFree = true;
+  if (const Session* session = engine.FindSession(engineHandle); session != nullptr) {
+    const UINT32 patience = engine.LockWaitMilliseconds(*session);
+    if (patience == INFINITE) {
+      locked.answered.wait(locked.lock, isOver);
+    } else {
+      isFree = locked.answered.wait_for(locked.lock, std::chrono::milliseconds(patience), isOver);
+    }
+  }
+  Session* const session = engine.FindSession(engineHandle);
+  if (session == nullptr) {
+    return engine.GetRules().invalidHandleCode;
+  }
+  if (std::exchange(session->transactionExpired, false)) {
+    return static_cast<DWORD>(FWP_E_TXN_ABORTED);
+  }
+  if (!isFree) {
+    engine.lastRefusal = "another session's transaction holds the write lock";
+  }
+  return isFree ? ERROR_SUCCESS : static_cast<DWORD>(FWP_E_TIMEOUT);
 }
 
 }  // namespace EngineEmulator

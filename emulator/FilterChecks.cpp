@@ -1,4 +1,7 @@
-#include "catalog/Layers.h"
+#include <set>
+
+#include "catalog/Describe.h"
+#include "catalog/Names.h"
 #include "emulator/Checks.h"
 
 namespace EngineEmulator {
@@ -12,183 +15,183 @@ constexpr GUID kInspectionSublayer = "877519e1-e6a9-41a5-81b4-8c4f118e4a60"_guid
 constexpr UINT32 kFlagsOfClients =
     FWPM_FILTER_FLAG_PERSISTENT | FWPM_FILTER_FLAG_BOOTTIME | FWPM_FILTER_FLAG_HAS_PROVIDER_CONTEXT |
     FWPM_FILTER_FLAG_CLEAR_ACTION_RIGHT | FWPM_FILTER_FLAG_PERMIT_IF_CALLOUT_UNREGISTERED;
-
-/// MinGW-w64's enumeration lacks PREFIX and NOT_PREFIX, the last ones.
-constexpr int kMatchTypes = 13;
-
-DWORD Fault(HRESULT code) { return static_cast<DWORD>(code); }
+constexpr UINT32 kFlagsOfTheEngine = FWPM_FILTER_FLAG_DISABLED | FWPM_FILTER_FLAG_INDEXED;
 
 bool NamesCallout(const FWPM_ACTION0& action) { return (action.type & FWP_ACTION_FLAG_CALLOUT) != 0; }
 
-bool IsInline(FWP_DATA_TYPE type) {
-  switch (type) {
-    case FWP_EMPTY:
-    case FWP_UINT8:
-    case FWP_UINT16:
-    case FWP_UINT32:
-    case FWP_INT8:
-    case FWP_INT16:
-    case FWP_INT32:
-    case FWP_FLOAT:
-      return true;
-    default:
-      return false;
-  }
-}
-
-bool IsKnown(FWP_DATA_TYPE type) {
-  return (type >= FWP_EMPTY && type <= FWP_BYTE_ARRAY6_TYPE) ||
-         (type >= FWP_V4_ADDR_MASK && type <= FWP_RANGE_TYPE);
-}
-
-DWORD CheckToken(const FWP_TOKEN_INFORMATION& token) {
-  const bool complete = (token.sidCount == 0 || token.sids != nullptr) &&
-                        (token.restrictedSidCount == 0 || token.restrictedSids != nullptr);
-  return complete ? ERROR_SUCCESS : Fault(FWP_E_NULL_POINTER);
-}
-
-/// That the data which the type promises are there.
-template <class Value>
-DWORD CheckData(const Value& value) {
-  if (!IsKnown(value.type)) {
-    return Fault(FWP_E_INVALID_ENUMERATOR);
-  }
-  if (IsInline(value.type)) {
-    return ERROR_SUCCESS;
-  }
-  if (value.byteBlob == nullptr) {
-    return Fault(FWP_E_NULL_POINTER);
-  }
-  switch (value.type) {
-    case FWP_BYTE_BLOB_TYPE:
-    case FWP_SECURITY_DESCRIPTOR_TYPE:
-    case FWP_TOKEN_ACCESS_INFORMATION_TYPE:
-      return CheckBlob(*value.byteBlob);
-    case FWP_TOKEN_INFORMATION_TYPE:
-      return CheckToken(*value.tokenInformation);
-    default:
-      return ERROR_SUCCESS;
-  }
-}
-
-DWORD CheckRange(const FWP_RANGE0& range) {
-  if (range.valueLow.type != range.valueHigh.type || range.valueLow.type > FWP_SINGLE_DATA_TYPE_MAX) {
-    return Fault(FWP_E_INVALID_RANGE);
-  }
-  return FirstFault(CheckData(range.valueLow), CheckData(range.valueHigh));
-}
-
-DWORD CheckCondition(const FWPM_FILTER_CONDITION0& condition) {
-  if (condition.matchType < 0 || condition.matchType >= kMatchTypes) {
-    return Fault(FWP_E_INVALID_ENUMERATOR);
-  }
-  const DWORD fault = CheckData(condition.conditionValue);
-  if (fault != ERROR_SUCCESS || condition.conditionValue.type != FWP_RANGE_TYPE) {
-    return fault;
-  }
-  return CheckRange(*condition.conditionValue.rangeValue);
-}
-
-DWORD CheckConditions(const FWPM_FILTER0& filter) {
-  for (UINT32 index = 0; index < filter.numFilterConditions; ++index) {
-    if (const DWORD fault = CheckCondition(filter.filterCondition[index]); fault != ERROR_SUCCESS) {
-      return fault;
-    }
-  }
-  return ERROR_SUCCESS;
-}
-
-DWORD CheckPointers(const FWPM_FILTER0& filter) {
+Refusal CheckPointers(const FWPM_FILTER0& filter, const CheckContext& context) {
   if (filter.numFilterConditions != 0 && filter.filterCondition == nullptr) {
-    return Fault(FWP_E_NULL_POINTER);
+    return {FWP_E_NULL_POINTER, "there is a number of conditions but no array of them"};
   }
-  if (filter.reserved != nullptr) {
-    return Fault(FWP_E_RESERVED);
+  if (filter.numFilterConditions > kMostConditions) {
+    return {FWP_E_INVALID_PARAMETER,
+            std::to_string(filter.numFilterConditions) + " conditions are too many to be meant"};
+  }
+  if (filter.reserved != nullptr && context.rules.refuseReservedPointer != 0) {
+    return {FWP_E_RESERVED, "the reserved pointer is not null"};
   }
   return CheckBlob(filter.providerData);
 }
 
-DWORD CheckFlags(const FWPM_FILTER0& filter) {
+Refusal CheckFlags(const FWPM_FILTER0& filter, const CheckContext& context) {
   constexpr UINT32 kNeverBoth = FWPM_FILTER_FLAG_PERSISTENT | FWPM_FILTER_FLAG_BOOTTIME;
   const bool forCallouts = (filter.flags & FWPM_FILTER_FLAG_PERMIT_IF_CALLOUT_UNREGISTERED) != 0;
   const bool canBeMissing = filter.action.type == FWP_ACTION_CALLOUT_TERMINATING ||
                             filter.action.type == FWP_ACTION_CALLOUT_UNKNOWN;
-  if ((filter.flags & ~kFlagsOfClients) != 0 || (filter.flags & kNeverBoth) == kNeverBoth ||
-      (forCallouts && !canBeMissing)) {
-    return Fault(FWP_E_INVALID_FLAGS);
+  if ((filter.flags & kFlagsOfTheEngine) != 0) {
+    return {FWP_E_INVALID_FLAGS,
+            Catalog::FilterFlagNames(filter.flags & kFlagsOfTheEngine) + " is for the engine to set"};
   }
-  return ERROR_SUCCESS;
+  if ((filter.flags & ~kFlagsOfClients) != 0 && context.rules.refuseUnknownFlags != 0) {
+    return {FWP_E_INVALID_FLAGS, "there are flags without a meaning among " +
+                                     Catalog::FilterFlagNames(filter.flags & ~kFlagsOfClients)};
+  }
+  if ((filter.flags & kNeverBoth) == kNeverBoth) {
+    return {FWP_E_INVALID_FLAGS, "PERSISTENT and BOOTTIME exclude each other"};
+  }
+  return forCallouts && !canBeMissing
+             ? Refusal(FWP_E_INVALID_FLAGS, "PERMIT_IF_CALLOUT_UNREGISTERED does not go with " +
+                                                Catalog::ActionName(filter.action.type))
+             : Refusal();
 }
 
-DWORD CheckAction(const FWPM_ACTION0& action) {
-  switch (action.type) {
+Refusal CheckAction(const FWPM_FILTER0& filter, const CheckContext&) {
+  switch (filter.action.type) {
     case FWP_ACTION_BLOCK:
     case FWP_ACTION_PERMIT:
     case FWP_ACTION_CALLOUT_TERMINATING:
     case FWP_ACTION_CALLOUT_INSPECTION:
     case FWP_ACTION_CALLOUT_UNKNOWN:
-      return ERROR_SUCCESS;
+      return {};
     default:
-      return Fault(FWP_E_INVALID_ACTION_TYPE);
+      return {FWP_E_INVALID_ACTION_TYPE,
+              Catalog::ActionName(filter.action.type) + " is not an action of filters"};
   }
 }
 
-DWORD CheckLayer(const GUID& layerKey) {
-  return Catalog::FindLayer(layerKey) != nullptr ? ERROR_SUCCESS : Fault(FWP_E_LAYER_NOT_FOUND);
+Refusal CheckName(const FWPM_FILTER0& filter, const CheckContext& context) {
+  return CheckDisplayData(filter.displayData, context);
 }
 
-bool SameProvider(const GUID* one, const GUID* other) {
-  return one == nullptr || other == nullptr ? one == other : *one == *other;
+Refusal CheckLayer(const FWPM_FILTER0& filter, const CheckContext& context) {
+  const Catalog::Layer* layer = Catalog::FindLayer(filter.layerKey);
+  if (layer == nullptr) {
+    return {FWP_E_LAYER_NOT_FOUND, "the layer " + Catalog::FormatGuid(filter.layerKey) + " does not exist"};
+  }
+  if (layer->name.starts_with("ALE_FLOW_ESTABLISHED") && !NamesCallout(filter.action) &&
+      context.rules.refuseVerdictsAtFlowEstablished != 0) {
+    return {FWP_E_ACTION_INCOMPATIBLE_WITH_LAYER,
+            Catalog::ActionName(filter.action.type) + " is no action for " + std::string(layer->name)};
+  }
+  return {};
 }
 
-DWORD CheckSublayer(const FWPM_FILTER0& filter, const Policy& policy, const Origin& origin) {
-  const auto sublayer = policy.Objects<FWPM_SUBLAYER0>().Find(filter.subLayerKey);
+bool IsOfAnotherProvider(const FWPM_FILTER0& filter, const Object<FWPM_SUBLAYER0>& sublayer,
+                         const CheckContext& context) {
+  if (context.origin.lifetime != Lifetime::Persistent || sublayer.origin.lifetime != Lifetime::Persistent) {
+    return false;
+  }
+  const GUID* one = filter.providerKey;
+  const GUID* other = sublayer.Record().providerKey;
+  if (one != nullptr && other != nullptr) {
+    return !(*one == *other);
+  }
+  return one != other && context.rules.refuseMissingProviderAsOther != 0;
+}
+
+Refusal CheckSublayer(const FWPM_FILTER0& filter, const CheckContext& context) {
+  const auto sublayer = context.policy.Objects<FWPM_SUBLAYER0>().Find(filter.subLayerKey);
+  const std::string name = "the sublayer " + Catalog::SublayerName(filter.subLayerKey);
   if (sublayer == nullptr) {
-    return Fault(FWP_E_SUBLAYER_NOT_FOUND);
+    return {FWP_E_SUBLAYER_NOT_FOUND, name + " does not exist"};
   }
-  if (filter.subLayerKey == kInspectionSublayer && !NamesCallout(filter.action)) {
-    return Fault(FWP_E_ACTION_INCOMPATIBLE_WITH_SUBLAYER);
+  if (filter.subLayerKey == kInspectionSublayer && !NamesCallout(filter.action) &&
+      context.rules.refuseVerdictsInInspection != 0) {
+    return {FWP_E_ACTION_INCOMPATIBLE_WITH_SUBLAYER,
+            Catalog::ActionName(filter.action.type) + " is no action for " + name};
   }
-  const bool ofAnotherProvider = origin.lifetime == Lifetime::Persistent &&
-                                 sublayer->origin.lifetime == Lifetime::Persistent &&
-                                 !SameProvider(filter.providerKey, sublayer->Record().providerKey);
-  return MayRefer(origin, sublayer->origin) && !ofAnotherProvider ? ERROR_SUCCESS
-                                                                  : Fault(FWP_E_LIFETIME_MISMATCH);
+  if (!MayRefer(context.origin, sublayer->origin)) {
+    return {FWP_E_LIFETIME_MISMATCH, name + " may end before the filter"};
+  }
+  return IsOfAnotherProvider(filter, *sublayer, context)
+             ? Refusal(FWP_E_LIFETIME_MISMATCH,
+                       name + " is persistent like the filter, but of another provider")
+             : Refusal();
 }
 
-/// There are no callouts and no provider contexts in this engine.
-DWORD CheckAbsentKinds(const FWPM_FILTER0& filter) {
-  if (NamesCallout(filter.action)) {
-    return Fault(FWP_E_CALLOUT_NOT_FOUND);
+Refusal CheckProvider(const FWPM_FILTER0& filter, const CheckContext& context) {
+  return CheckProviderReference(filter.providerKey, context);
+}
+
+Refusal CheckCallout(const FWPM_FILTER0& filter, const CheckContext& context) {
+  if (!NamesCallout(filter.action)) {
+    return {};
   }
+  const auto callout = context.policy.Objects<FWPM_CALLOUT0>().Find(filter.action.calloutKey);
+  const std::string name = "the callout " + Catalog::FormatGuid(filter.action.calloutKey);
+  if (callout == nullptr) {
+    return {FWP_E_CALLOUT_NOT_FOUND, name + " does not exist"};
+  }
+  if (!MayRefer(context.origin, callout->origin)) {
+    return {FWP_E_LIFETIME_MISMATCH, name + " may end before the filter"};
+  }
+  return callout->Record().applicableLayer == filter.layerKey
+             ? Refusal()
+             : Refusal(FWP_E_INCOMPATIBLE_LAYER, name + " is not for " + Catalog::LayerName(filter.layerKey));
+}
+
+/// There are no provider contexts in this engine.
+Refusal CheckProviderContext(const FWPM_FILTER0& filter, const CheckContext&) {
   return (filter.flags & FWPM_FILTER_FLAG_HAS_PROVIDER_CONTEXT) == 0
-             ? ERROR_SUCCESS
-             : Fault(FWP_E_PROVIDER_CONTEXT_NOT_FOUND);
+             ? Refusal()
+             : Refusal(FWP_E_PROVIDER_CONTEXT_NOT_FOUND, "the provider context does not exist");
 }
 
-DWORD CheckWeight(const FWP_VALUE0& weight) {
+Refusal CheckWeight(const FWPM_FILTER0& filter, const CheckContext&) {
+  const FWP_VALUE0& weight = filter.weight;
   switch (weight.type) {
     case FWP_EMPTY:
-      return ERROR_SUCCESS;
+      return {};
     case FWP_UINT8:
-      return weight.uint8 <= FWPM_WEIGHT_RANGE_MAX ? ERROR_SUCCESS : Fault(FWP_E_INVALID_WEIGHT);
+      return weight.uint8 <= FWPM_WEIGHT_RANGE_MAX
+                 ? Refusal()
+                 : Refusal(FWP_E_INVALID_WEIGHT,
+                           "the weight range " + std::to_string(weight.uint8) + " is above 15");
     case FWP_UINT64:
-      return weight.uint64 != nullptr ? ERROR_SUCCESS : Fault(FWP_E_NULL_POINTER);
+      return weight.uint64 != nullptr ? Refusal() : Refusal(FWP_E_NULL_POINTER, "the weight is null");
     default:
-      return Fault(FWP_E_INVALID_WEIGHT);
+      return {FWP_E_INVALID_WEIGHT, "a weight cannot be of type " + Catalog::DataTypeName(weight.type)};
   }
+}
+
+Refusal CheckConditions(const FWPM_FILTER0& filter, const CheckContext& context) {
+  const Catalog::Layer& layer = *Catalog::FindLayer(filter.layerKey);
+  std::set<std::string> seen;
+  for (UINT32 index = 0; index < filter.numFilterConditions; ++index) {
+    const FWPM_FILTER_CONDITION0& condition = filter.filterCondition[index];
+    if (Refusal refusal = CheckCondition(condition, layer, context.rules)) {
+      return refusal;
+    }
+    if (context.rules.refuseExactDuplicates != 0 &&
+        !seen.insert(Catalog::DescribeCondition(condition)).second) {
+      return {FWP_E_DUPLICATE_CONDITION, Catalog::DescribeCondition(condition) + " is there twice"};
+    }
+  }
+  return {};
 }
 
 }  // namespace
 
-DWORD Check(const FWPM_FILTER0& filter, const Policy& policy, const Origin& origin) {
-  if (const DWORD fault = CheckPointers(filter); fault != ERROR_SUCCESS) {
-    return fault;
+Refusal Check(const FWPM_FILTER0& filter, const CheckContext& context) {
+  constexpr Refusal (*kChecks[])(const FWPM_FILTER0&, const CheckContext&){
+      CheckPointers, CheckFlags,   CheckAction,          CheckName,   CheckLayer,     CheckSublayer,
+      CheckProvider, CheckCallout, CheckProviderContext, CheckWeight, CheckConditions};
+  for (const auto check : kChecks) {
+    if (Refusal refusal = check(filter, context)) {
+      return refusal;
+    }
   }
-  return FirstFault(CheckFlags(filter), CheckAction(filter.action), CheckDisplayData(filter.displayData),
-                    CheckLayer(filter.layerKey), CheckSublayer(filter, policy, origin),
-                    CheckProviderReference(filter.providerKey, policy, origin), CheckAbsentKinds(filter),
-                    CheckWeight(filter.weight), CheckConditions(filter));
+  return {};
 }
 
 }  // namespace EngineEmulator

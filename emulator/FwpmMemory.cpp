@@ -29,7 +29,8 @@ DWORD WINAPI FwpmGetAppIdFromFileName0(const wchar_t* fileName, FWP_BYTE_BLOB** 
         }
         std::vector<UINT8> bytes = ApplicationIdOf(fileName);
         const FWP_BYTE_BLOB blob{static_cast<UINT32>(bytes.size()), bytes.data()};
-        *appId = engine.memory.HandOut(MakeBlock([&](Packer& packer) { return PackRecord(packer, blob); }));
+        *appId = engine.memory.HandOut("FwpmGetAppIdFromFileName0",
+                                       MakeBlock([&](Packer& packer) { return PackRecord(packer, blob); }));
         return ERROR_SUCCESS;
       });
 }

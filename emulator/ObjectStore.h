@@ -11,6 +11,7 @@
 
 #include "emulator/Kind.h"
 #include "emulator/Records.h"
+#include "emulator/SecurityDescriptor.h"
 
 namespace EngineEmulator {
 
@@ -27,7 +28,8 @@ template <class Native>
 struct Object {
   Block<Native> block;
   Origin origin;
-  UINT64 number;  ///< Rises in the order of adding, never used again. A filter's is its id.
+  UINT64 number;  ///< Rises in the order of adding, never used again. The id of a filter, callout or layer.
+  std::shared_ptr<const SecurityDescriptor> security;  ///< null for the default
 
   const Native& Record() const { return *block.root; }
   const GUID& Key() const { return Record().*Kind<Native>::kKey; }
@@ -45,43 +47,82 @@ struct GuidHash {
   }
 };
 
-/// Copying a store copies pointers, not objects.
+/// The objects of one kind. A store can lie over another one: it then holds the changes to that, and is read
+/// as if they had been made. Copying a store copies pointers, not objects.
 template <class Native>
 class ObjectStore {
  public:
+  ObjectStore() = default;
+  /// @param base must outlive this store.
+  explicit ObjectStore(const ObjectStore* base) : base_(base), count_(base->count_) {}
+
   /// Null when there is none.
   ObjectPtr<Native> Find(const GUID& key) const {
     const auto found = byKey_.find(key);
-    return found == byKey_.end() ? nullptr : found->second;
+    return found != byKey_.end() ? found->second : base_ != nullptr ? base_->Find(key) : nullptr;
   }
 
   /// Null when there is none.
   ObjectPtr<Native> Find(UINT64 number) const {
     const auto found = byNumber_.find(number);
-    return found == byNumber_.end() ? nullptr : found->second;
+    return found != byNumber_.end() ? found->second : base_ != nullptr ? base_->Find(number) : nullptr;
   }
 
+  std::size_t Count() const { return count_; }
+
+  /// Takes the place of an object with the same number, if there is one.
   void Insert(const ObjectPtr<Native>& object) {
-    byKey_.emplace(object->Key(), object);
-    byNumber_.emplace(object->number, object);
+    count_ += Find(object->number) == nullptr ? 1 : 0;
+    byKey_[object->Key()] = object;
+    byNumber_[object->number] = object;
   }
 
   void Erase(const Object<Native>& object) {
-    byNumber_.erase(object.number);
-    byKey_.erase(GUID(object.Key()));
+    const GUID key = object.Key();
+    const UINT64 number = object.number;
+    --count_;
+    if (base_ == nullptr) {
+      byKey_.erase(key);
+      byNumber_.erase(number);
+    } else {
+      byKey_[key] = nullptr;
+      byNumber_[number] = nullptr;
+    }
+  }
+
+  /// Makes the changes that another store holds which lies over this one.
+  void Apply(const ObjectStore& changes) {
+    for (const auto& [number, object] : changes.byNumber_) {
+      if (object != nullptr) {
+        Insert(object);
+      } else if (const auto mine = Find(number); mine != nullptr) {
+        Erase(*mine);
+      }
+    }
   }
 
   /// In the order of adding.
   std::vector<ObjectPtr<Native>> All() const {
+    std::map<UINT64, ObjectPtr<Native>> merged;
+    if (base_ != nullptr) {
+      merged = base_->byNumber_;
+      for (const auto& [number, object] : byNumber_) {
+        merged[number] = object;
+      }
+    }
     std::vector<ObjectPtr<Native>> objects;
-    objects.reserve(byNumber_.size());
-    for (const auto& [number, object] : byNumber_) {
-      objects.push_back(object);
+    for (const auto& [number, object] : base_ == nullptr ? byNumber_ : merged) {
+      if (object != nullptr) {
+        objects.push_back(object);
+      }
     }
     return objects;
   }
 
  private:
+  const ObjectStore* base_ = nullptr;
+  std::size_t count_ = 0;
+  // Null stands for an object of the base that is erased.
   std::unordered_map<GUID, ObjectPtr<Native>, GuidHash> byKey_;
   std::map<UINT64, ObjectPtr<Native>> byNumber_;
 };

@@ -2,51 +2,49 @@
 
 namespace EngineEmulator {
 
-bool Policy::IsReferred(const FWPM_PROVIDER0& provider) const {
-  return toProviders_.contains(provider.providerKey);
-}
-
-bool Policy::IsReferred(const FWPM_SUBLAYER0& sublayer) const {
-  return toSublayers_.contains(sublayer.subLayerKey);
-}
-
-bool Policy::IsReferred(const FWPM_FILTER0&) const { return false; }
-
-void Policy::Count(References& references, const GUID* key, int change) {
+template <class Native>
+void Policy::Count(const GUID* key, int change) {
   if (key == nullptr) {
     return;
   }
-  const auto entry = references.try_emplace(*key, 0).first;
+  auto& counts = std::get<ReferencesTo<Native>>(references_).counts;
+  const auto entry = counts.try_emplace(*key, 0).first;
   entry->second += change;
   if (entry->second == 0) {
-    references.erase(entry);
+    counts.erase(entry);
   }
 }
 
-void Policy::CountReferences(const FWPM_PROVIDER0&, int) {}
-
 void Policy::CountReferences(const FWPM_SUBLAYER0& sublayer, int change) {
-  Count(toProviders_, sublayer.providerKey, change);
+  Count<FWPM_PROVIDER0>(sublayer.providerKey, change);
+}
+
+void Policy::CountReferences(const FWPM_CALLOUT0& callout, int change) {
+  Count<FWPM_PROVIDER0>(callout.providerKey, change);
 }
 
 void Policy::CountReferences(const FWPM_FILTER0& filter, int change) {
-  Count(toProviders_, filter.providerKey, change);
-  Count(toSublayers_, &filter.subLayerKey, change);
-}
-
-template <class Native>
-void Policy::RemoveObjectsOfKind(HANDLE session) {
-  for (const ObjectPtr<Native>& object : Objects<Native>().All()) {
-    if (object->origin.session == session) {
-      Remove<Native>(object);
-    }
+  Count<FWPM_PROVIDER0>(filter.providerKey, change);
+  Count<FWPM_SUBLAYER0>(&filter.subLayerKey, change);
+  if ((filter.action.type & FWP_ACTION_FLAG_CALLOUT) != 0) {
+    Count<FWPM_CALLOUT0>(&filter.action.calloutKey, change);
   }
 }
 
-void Policy::RemoveObjectsOf(HANDLE session) {
-  RemoveObjectsOfKind<FWPM_FILTER0>(session);
-  RemoveObjectsOfKind<FWPM_SUBLAYER0>(session);
-  RemoveObjectsOfKind<FWPM_PROVIDER0>(session);
+void Policy::Apply(const Policy& changes) {
+  const auto applyStores = [&](auto&... stores) {
+    (stores.Apply(std::get<std::remove_reference_t<decltype(stores)>>(changes.stores_)), ...);
+  };
+  std::apply(applyStores, stores_);
+  const auto applyCounts = [&]<class... Natives>(const ReferencesTo<Natives>&... references) {
+    const auto apply = [&]<class Native>(const ReferencesTo<Native>& changed) {
+      for (const auto& [key, change] : changed.counts) {
+        Count<Native>(&key, change);
+      }
+    };
+    (apply(references), ...);
+  };
+  std::apply(applyCounts, changes.references_);
 }
 
 }  // namespace EngineEmulator

@@ -10,10 +10,14 @@
 
 namespace EngineEmulator {
 
-/// All objects, with a count of the references to each. Checks nothing: that is done before a change. A
-/// transaction works on a copy, which becomes the engine's policy at commit.
+/// All objects, with a count of the references to each. Checks nothing: that is done before a change. Like
+/// its stores, a policy can lie over another one and hold the changes that a transaction makes to it.
 class Policy {
  public:
+  Policy() = default;
+  /// @param base must outlive this policy.
+  explicit Policy(const Policy* base) : base_(base), stores_(Over(base->stores_)) {}
+
   template <class Native>
   const ObjectStore<Native>& Objects() const {
     return std::get<ObjectStore<Native>>(stores_);
@@ -25,34 +29,58 @@ class Policy {
     CountReferences(object->Record(), 1);
   }
 
+  /// Puts an object in the place of one that differs in nothing but its security.
+  template <class Native>
+  void Replace(const ObjectPtr<Native>& object) {
+    std::get<ObjectStore<Native>>(stores_).Insert(object);
+  }
+
   template <class Native>
   void Remove(const ObjectPtr<Native>& object) {
     CountReferences(object->Record(), -1);
     std::get<ObjectStore<Native>>(stores_).Erase(*object);
   }
 
-  /// Whether another object refers to this one.
-  bool IsReferred(const FWPM_PROVIDER0& provider) const;
-  bool IsReferred(const FWPM_SUBLAYER0& sublayer) const;
-  bool IsReferred(const FWPM_FILTER0& filter) const;
+  /// Makes the changes that another policy holds which lies over this one.
+  void Apply(const Policy& changes);
 
-  /// Ends the dynamic objects of a session.
-  void RemoveObjectsOf(HANDLE session);
+  /// How many objects refer to the one of this kind with this key.
+  template <class Native>
+  int CountReferrers(const GUID& key) const {
+    const auto& counts = std::get<ReferencesTo<Native>>(references_).counts;
+    const auto found = counts.find(key);
+    return (found == counts.end() ? 0 : found->second) +
+           (base_ == nullptr ? 0 : base_->CountReferrers<Native>(key));
+  }
 
  private:
-  using References = std::unordered_map<GUID, int, GuidHash>;
-
-  static void Count(References& references, const GUID* key, int change);
-  void CountReferences(const FWPM_PROVIDER0& provider, int change);
-  void CountReferences(const FWPM_SUBLAYER0& sublayer, int change);
-  void CountReferences(const FWPM_FILTER0& filter, int change);
+  template <class... Natives>
+  using Stores = std::tuple<ObjectStore<Natives>...>;
 
   template <class Native>
-  void RemoveObjectsOfKind(HANDLE session);
+  struct ReferencesTo {
+    std::unordered_map<GUID, int, GuidHash> counts;
+  };
+  template <class... Natives>
+  using References = std::tuple<ReferencesTo<Natives>...>;
 
-  std::tuple<ObjectStore<FWPM_PROVIDER0>, ObjectStore<FWPM_SUBLAYER0>, ObjectStore<FWPM_FILTER0>> stores_;
-  References toProviders_;
-  References toSublayers_;
+  template <class... Natives>
+  static Stores<Natives...> Over(const Stores<Natives...>& base) {
+    return {ObjectStore<Natives>(&std::get<ObjectStore<Natives>>(base))...};
+  }
+
+  template <class Native>
+  void Count(const GUID* key, int change);
+
+  void CountReferences(const FWPM_PROVIDER0&, int) {}
+  void CountReferences(const FWPM_LAYER0&, int) {}
+  void CountReferences(const FWPM_SUBLAYER0& sublayer, int change);
+  void CountReferences(const FWPM_CALLOUT0& callout, int change);
+  void CountReferences(const FWPM_FILTER0& filter, int change);
+
+  const Policy* base_ = nullptr;
+  Stores<FWPM_PROVIDER0, FWPM_SUBLAYER0, FWPM_CALLOUT0, FWPM_FILTER0, FWPM_LAYER0> stores_;
+  References<FWPM_PROVIDER0, FWPM_SUBLAYER0, FWPM_CALLOUT0, FWPM_FILTER0, FWPM_LAYER0> references_;
 };
 
 }  // namespace EngineEmulator

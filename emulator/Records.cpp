@@ -1,7 +1,6 @@
 #include "emulator/Records.h"
 
 #include <cwchar>
-#include <vector>
 
 namespace EngineEmulator {
 namespace {
@@ -117,11 +116,48 @@ FWP_CONDITION_VALUE0 PackConditionValue(Packer& packer, FWP_CONDITION_VALUE0 val
 
 FWPM_FILTER_CONDITION0* PackConditions(Packer& packer, const FWPM_FILTER_CONDITION0* conditions,
                                        UINT32 count) {
+  if (conditions == nullptr) {
+    return nullptr;
+  }
   std::vector<FWPM_FILTER_CONDITION0> packed(conditions, conditions + count);
   for (FWPM_FILTER_CONDITION0& condition : packed) {
     condition.conditionValue = PackConditionValue(packer, condition.conditionValue);
   }
   return packer.Copy(packed.data(), packed.size());
+}
+
+FWPM_PROVIDER_ENUM_TEMPLATE0 Pack(Packer&, FWPM_PROVIDER_ENUM_TEMPLATE0 criteria) { return criteria; }
+
+FWPM_SUBLAYER_ENUM_TEMPLATE0 Pack(Packer& packer, FWPM_SUBLAYER_ENUM_TEMPLATE0 criteria) {
+  criteria.providerKey = packer.Copy(criteria.providerKey);
+  return criteria;
+}
+
+FWPM_CALLOUT_ENUM_TEMPLATE0 Pack(Packer& packer, FWPM_CALLOUT_ENUM_TEMPLATE0 criteria) {
+  criteria.providerKey = packer.Copy(criteria.providerKey);
+  return criteria;
+}
+
+FWPM_FILTER_ENUM_TEMPLATE0 Pack(Packer& packer, FWPM_FILTER_ENUM_TEMPLATE0 criteria) {
+  criteria.providerKey = packer.Copy(criteria.providerKey);
+  criteria.providerContextTemplate = nullptr;
+  criteria.filterCondition = PackConditions(packer, criteria.filterCondition, criteria.numFilterConditions);
+  criteria.calloutKey = packer.Copy(criteria.calloutKey);
+  return criteria;
+}
+
+FWPM_NET_EVENT_ENUM_TEMPLATE0 Pack(Packer& packer, FWPM_NET_EVENT_ENUM_TEMPLATE0 criteria) {
+  criteria.filterCondition = PackConditions(packer, criteria.filterCondition, criteria.numFilterConditions);
+  return criteria;
+}
+
+template <class Subscription>
+Subscription PackSubscription(Packer& packer, Subscription subscription) {
+  if (subscription.enumTemplate != nullptr) {
+    const auto criteria = Pack(packer, *subscription.enumTemplate);
+    subscription.enumTemplate = packer.Copy(&criteria);
+  }
+  return subscription;
 }
 
 }  // namespace
@@ -162,5 +198,51 @@ FWPM_FILTER0 Pack(Packer& packer, FWPM_FILTER0 filter) {
   filter.effectiveWeight = PackSingleValue(packer, filter.effectiveWeight);
   return filter;
 }
+
+FWPM_CALLOUT0 Pack(Packer& packer, FWPM_CALLOUT0 callout) {
+  callout.displayData = PackDisplayData(packer, callout.displayData);
+  callout.providerKey = packer.Copy(callout.providerKey);
+  callout.providerData = Pack(packer, callout.providerData);
+  return callout;
+}
+
+FWPM_LAYER0 Pack(Packer& packer, FWPM_LAYER0 layer) {
+  layer.displayData = PackDisplayData(packer, layer.displayData);
+  std::vector<FWPM_FIELD0> fields(layer.field, layer.field + layer.numFields);
+  for (FWPM_FIELD0& field : fields) {
+    field.fieldKey = packer.Copy(field.fieldKey);
+  }
+  layer.field = packer.Copy(fields.data(), fields.size());
+  return layer;
+}
+
+FWPM_SESSION0 Pack(Packer& packer, FWPM_SESSION0 session) {
+  session.displayData = PackDisplayData(packer, session.displayData);
+  session.sid = PackSid(packer, session.sid);
+  session.username = PackString(packer, session.username);
+  return session;
+}
+
+FWPM_PROVIDER_SUBSCRIPTION0 Pack(Packer& packer, FWPM_PROVIDER_SUBSCRIPTION0 subscription) {
+  return PackSubscription(packer, subscription);
+}
+
+FWPM_SUBLAYER_SUBSCRIPTION0 Pack(Packer& packer, FWPM_SUBLAYER_SUBSCRIPTION0 subscription) {
+  return PackSubscription(packer, subscription);
+}
+
+FWPM_CALLOUT_SUBSCRIPTION0 Pack(Packer& packer, FWPM_CALLOUT_SUBSCRIPTION0 subscription) {
+  return PackSubscription(packer, subscription);
+}
+
+FWPM_FILTER_SUBSCRIPTION0 Pack(Packer& packer, FWPM_FILTER_SUBSCRIPTION0 subscription) {
+  return PackSubscription(packer, subscription);
+}
+
+FWPM_NET_EVENT_SUBSCRIPTION0 Pack(Packer& packer, FWPM_NET_EVENT_SUBSCRIPTION0 subscription) {
+  return PackSubscription(packer, subscription);
+}
+
+FWP_VALUE0 Pack(Packer& packer, FWP_VALUE0 value) { return PackSingleValue(packer, value); }
 
 }  // namespace EngineEmulator

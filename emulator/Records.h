@@ -10,6 +10,7 @@
 #include <cstring>
 #include <memory>
 #include <type_traits>
+#include <vector>
 
 namespace EngineEmulator {
 
@@ -43,13 +44,33 @@ class Packer {
 FWP_BYTE_BLOB Pack(Packer& packer, FWP_BYTE_BLOB blob);
 FWPM_PROVIDER0 Pack(Packer& packer, FWPM_PROVIDER0 provider);
 FWPM_SUBLAYER0 Pack(Packer& packer, FWPM_SUBLAYER0 sublayer);
+FWPM_CALLOUT0 Pack(Packer& packer, FWPM_CALLOUT0 callout);
 FWPM_FILTER0 Pack(Packer& packer, FWPM_FILTER0 filter);
+FWPM_LAYER0 Pack(Packer& packer, FWPM_LAYER0 layer);
+FWPM_SESSION0 Pack(Packer& packer, FWPM_SESSION0 session);
+FWPM_PROVIDER_SUBSCRIPTION0 Pack(Packer& packer, FWPM_PROVIDER_SUBSCRIPTION0 subscription);
+FWPM_SUBLAYER_SUBSCRIPTION0 Pack(Packer& packer, FWPM_SUBLAYER_SUBSCRIPTION0 subscription);
+FWPM_CALLOUT_SUBSCRIPTION0 Pack(Packer& packer, FWPM_CALLOUT_SUBSCRIPTION0 subscription);
+FWPM_FILTER_SUBSCRIPTION0 Pack(Packer& packer, FWPM_FILTER_SUBSCRIPTION0 subscription);
+FWPM_NET_EVENT_SUBSCRIPTION0 Pack(Packer& packer, FWPM_NET_EVENT_SUBSCRIPTION0 subscription);
+FWP_VALUE0 Pack(Packer& packer, FWP_VALUE0 value);
 
 /// Copies a record with all that hangs off it.
 template <class Native>
 Native* PackRecord(Packer& packer, const Native& record) {
   const Native packed = Pack(packer, record);
   return packer.Copy(&packed);
+}
+
+/// Copies an array of records, each with all that hangs off it. No elements are a null pointer.
+template <class Native, class Records>
+Native** PackRecords(Packer& packer, const Records& records) {
+  std::vector<Native*> packed;
+  packed.reserve(records.size());
+  for (const Native& record : records) {
+    packed.push_back(PackRecord(packer, record));
+  }
+  return packer.Copy(packed.data(), packed.size());
 }
 
 /// A block that holds native data, and the place in it that stands for the whole.

@@ -1,8 +1,11 @@
 #include "emulator/Selection.h"
 
 #include <algorithm>
+#include <span>
+#include <unordered_set>
 
-#include "catalog/Layers.h"
+#include "catalog/Names.h"
+#include "emulator/Checks.h"
 
 namespace EngineEmulator {
 namespace {
@@ -28,7 +31,8 @@ bool IsWantedAtBootTime(UINT32 flags, const FWPM_FILTER0& filter) {
 }
 
 bool Matches(const FWPM_FILTER_ENUM_TEMPLATE0& criteria, const FWPM_FILTER0& filter) {
-  return HasProvider(criteria.providerKey, filter.providerKey) && criteria.layerKey == filter.layerKey &&
+  return HasProvider(criteria.providerKey, filter.providerKey) &&
+         (criteria.layerKey == GUID{} || criteria.layerKey == filter.layerKey) &&
          (criteria.actionMask & filter.action.type) != 0 && HasCallout(criteria.calloutKey, filter.action) &&
          IsWantedAtBootTime(criteria.flags, filter);
 }
@@ -37,21 +41,54 @@ bool IsHeavier(const ObjectPtr<FWPM_FILTER0>& left, const ObjectPtr<FWPM_FILTER0
   return *left->Record().effectiveWeight.uint64 > *right->Record().effectiveWeight.uint64;
 }
 
+/// Unlike filters, templates test a field once at most.
+Refusal CheckTemplateConditions(const FWPM_FILTER_ENUM_TEMPLATE0& criteria, const Catalog::Layer& layer,
+                                const Rules& rules) {
+  if (criteria.numFilterConditions > kMostConditions) {
+    return {FWP_E_INVALID_PARAMETER, "the template has too many conditions to be meant"};
+  }
+  std::unordered_set<GUID, GuidHash> seen;
+  for (const FWPM_FILTER_CONDITION0& condition :
+       std::span(criteria.filterCondition, criteria.numFilterConditions)) {
+    if (Refusal refusal = CheckCondition(condition, layer, rules)) {
+      return refusal;
+    }
+    if (!seen.insert(condition.fieldKey).second) {
+      return {FWP_E_DUPLICATE_CONDITION,
+              "the template tests " + Catalog::FieldName(condition.fieldKey) + " twice"};
+    }
+  }
+  return {};
+}
+
 }  // namespace
 
-DWORD CheckTemplate(const FWPM_PROVIDER_ENUM_TEMPLATE0*) { return ERROR_SUCCESS; }
+Refusal CheckTemplate(const FWPM_PROVIDER_ENUM_TEMPLATE0*, const Rules&) { return {}; }
 
-DWORD CheckTemplate(const FWPM_SUBLAYER_ENUM_TEMPLATE0*) { return ERROR_SUCCESS; }
+Refusal CheckTemplate(const FWPM_SUBLAYER_ENUM_TEMPLATE0*, const Rules&) { return {}; }
 
-DWORD CheckTemplate(const FWPM_FILTER_ENUM_TEMPLATE0* criteria) {
+Refusal CheckTemplate(const FWPM_CALLOUT_ENUM_TEMPLATE0*, const Rules&) { return {}; }
+
+Refusal CheckTemplate(const FWPM_LAYER_ENUM_TEMPLATE0*, const Rules&) { return {}; }
+
+Refusal CheckTemplate(const FWPM_FILTER_ENUM_TEMPLATE0* criteria, const Rules& rules) {
   if (criteria == nullptr) {
-    return ERROR_SUCCESS;
+    return {};
   }
   if ((criteria->flags & ~kFilterEnumFlags) != 0) {
-    return static_cast<DWORD>(FWP_E_INVALID_FLAGS);
+    return {FWP_E_INVALID_FLAGS, "the template has unknown flags"};
   }
-  return Catalog::FindLayer(criteria->layerKey) != nullptr ? ERROR_SUCCESS
-                                                           : static_cast<DWORD>(FWP_E_LAYER_NOT_FOUND);
+  if (criteria->numFilterConditions != 0 && criteria->filterCondition == nullptr) {
+    return {FWP_E_NULL_POINTER, "the template has a number of conditions but no array of them"};
+  }
+  const bool anyLayer = criteria->layerKey == GUID{} && rules.refuseZeroLayerInTemplate == 0;
+  const Catalog::Layer* layer = Catalog::FindLayer(criteria->layerKey);
+  if (layer == nullptr) {
+    return anyLayer ? Refusal()
+                    : Refusal(FWP_E_LAYER_NOT_FOUND, "the layer " + Catalog::FormatGuid(criteria->layerKey) +
+                                                         " of the template does not exist");
+  }
+  return CheckTemplateConditions(*criteria, *layer, rules);
 }
 
 std::vector<ObjectPtr<FWPM_PROVIDER0>> Select(const FWPM_PROVIDER_ENUM_TEMPLATE0*,
@@ -66,6 +103,24 @@ std::vector<ObjectPtr<FWPM_SUBLAYER0>> Select(const FWPM_SUBLAYER_ENUM_TEMPLATE0
       return !HasProvider(criteria->providerKey, object->Record().providerKey);
     });
   }
+  return objects;
+}
+
+std::vector<ObjectPtr<FWPM_CALLOUT0>> Select(const FWPM_CALLOUT_ENUM_TEMPLATE0* criteria,
+                                             std::vector<ObjectPtr<FWPM_CALLOUT0>> objects) {
+  if (criteria != nullptr) {
+    std::erase_if(objects, [&](const ObjectPtr<FWPM_CALLOUT0>& object) {
+      const FWPM_CALLOUT0& callout = object->Record();
+      const bool anyLayer = criteria->layerKey == GUID{};
+      return !HasProvider(criteria->providerKey, callout.providerKey) ||
+             !(anyLayer || criteria->layerKey == callout.applicableLayer);
+    });
+  }
+  return objects;
+}
+
+std::vector<ObjectPtr<FWPM_LAYER0>> Select(const FWPM_LAYER_ENUM_TEMPLATE0*,
+                                           std::vector<ObjectPtr<FWPM_LAYER0>> objects) {
   return objects;
 }
 

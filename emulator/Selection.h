@@ -5,13 +5,26 @@
 #pragma once
 
 #include "emulator/ObjectStore.h"
+#include "emulator/Refusal.h"
+#include "emulator/Rules.h"
 
 namespace EngineEmulator {
 
-/// The code of the first fault of a template, or ERROR_SUCCESS. Null is no template.
-DWORD CheckTemplate(const FWPM_PROVIDER_ENUM_TEMPLATE0* criteria);
-DWORD CheckTemplate(const FWPM_SUBLAYER_ENUM_TEMPLATE0* criteria);
-DWORD CheckTemplate(const FWPM_FILTER_ENUM_TEMPLATE0* criteria);
+/// The first thing that is wrong with a template. Null is no template.
+Refusal CheckTemplate(const FWPM_PROVIDER_ENUM_TEMPLATE0* criteria, const Rules& rules);
+Refusal CheckTemplate(const FWPM_SUBLAYER_ENUM_TEMPLATE0* criteria, const Rules& rules);
+Refusal CheckTemplate(const FWPM_CALLOUT_ENUM_TEMPLATE0* criteria, const Rules& rules);
+Refusal CheckTemplate(const FWPM_FILTER_ENUM_TEMPLATE0* criteria, const Rules& rules);
+Refusal CheckTemplate(const FWPM_LAYER_ENUM_TEMPLATE0* criteria, const Rules& rules);
+
+/// Whether a template asks for the heaviest filters first.
+template <class EnumTemplate>
+bool AsksForOrder(const EnumTemplate*) {
+  return false;
+}
+inline bool AsksForOrder(const FWPM_FILTER_ENUM_TEMPLATE0* criteria) {
+  return criteria != nullptr && (criteria->flags & FWP_FILTER_ENUM_FLAG_SORTED) != 0;
+}
 
 /// The objects that a template selects, in the order of adding unless it asks for another. A null template
 /// selects all.
@@ -21,5 +34,10 @@ std::vector<ObjectPtr<FWPM_SUBLAYER0>> Select(const FWPM_SUBLAYER_ENUM_TEMPLATE0
                                               std::vector<ObjectPtr<FWPM_SUBLAYER0>> objects);
 std::vector<ObjectPtr<FWPM_FILTER0>> Select(const FWPM_FILTER_ENUM_TEMPLATE0* criteria,
                                             std::vector<ObjectPtr<FWPM_FILTER0>> objects);
+
+std::vector<ObjectPtr<FWPM_CALLOUT0>> Select(const FWPM_CALLOUT_ENUM_TEMPLATE0* criteria,
+                                             std::vector<ObjectPtr<FWPM_CALLOUT0>> objects);
+std::vector<ObjectPtr<FWPM_LAYER0>> Select(const FWPM_LAYER_ENUM_TEMPLATE0* criteria,
+                                           std::vector<ObjectPtr<FWPM_LAYER0>> objects);
 
 }  // namespace EngineEmulator

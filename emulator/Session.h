@@ -5,9 +5,12 @@
 #pragma once
 
 #include <algorithm>
+#include <functional>
 #include <optional>
+#include <set>
 
 #include "emulator/Policy.h"
+#include "emulator/Worker.h"
 
 namespace EngineEmulator {
 
@@ -26,30 +29,67 @@ struct Enumeration {
   }
 };
 
-/// The engine's objects as a transaction sees them, its own changes included.
-struct Transaction {
-  bool readOnly;
-  Policy policy;
-};
-
 template <class Native>
 using Enumerations = std::unordered_map<HANDLE, Enumeration<Native>>;
 
+/// A client's wish to hear of changes, which it does on the worker's thread.
+template <class Native>
+struct Subscription {
+  Block<typename Kind<Native>::Subscription> record;
+  typename Kind<Native>::Callback callback;
+  void* context;
+  std::unique_ptr<Worker> worker = std::make_unique<Worker>();
+};
+
+template <class Native>
+using Subscriptions = std::map<HANDLE, Subscription<Native>>;
+
+/// What has been done since the beginning. Reads of the session see it, others do not.
+struct Transaction {
+  bool readOnly;
+  Policy policy;
+  std::vector<std::function<void()>> announcements;  ///< to be made at commit
+};
+
 struct Session {
   HANDLE handle;
-  GUID key;
-  bool dynamic;
+  Block<FWPM_SESSION0> record;
   std::optional<Transaction> transaction;
-  std::tuple<Enumerations<FWPM_PROVIDER0>, Enumerations<FWPM_SUBLAYER0>, Enumerations<FWPM_FILTER0>>
+  bool transactionExpired = false;  ///< The engine has ended it; the client is yet to be told.
+  std::tuple<Enumerations<FWPM_PROVIDER0>, Enumerations<FWPM_SUBLAYER0>, Enumerations<FWPM_CALLOUT0>,
+             Enumerations<FWPM_FILTER0>, Enumerations<FWPM_LAYER0>, Enumerations<FWPM_SESSION0>>
       enumerations;
+  std::set<HANDLE> netEventEnumerations;
+  std::tuple<Subscriptions<FWPM_PROVIDER0>, Subscriptions<FWPM_SUBLAYER0>, Subscriptions<FWPM_CALLOUT0>,
+             Subscriptions<FWPM_FILTER0>>
+      subscriptions;
+  std::map<HANDLE, Block<FWPM_NET_EVENT_SUBSCRIPTION0>> netEventSubscriptions;
+
+  const GUID& Key() const { return record.root->sessionKey; }
+  bool IsDynamic() const { return (record.root->flags & FWPM_SESSION_FLAG_DYNAMIC) != 0; }
 
   template <class Native>
   Enumerations<Native>& EnumerationsOf() {
     return std::get<Enumerations<Native>>(enumerations);
   }
 
+  template <class Native>
+  Subscriptions<Native>& SubscriptionsTo() {
+    return std::get<Subscriptions<Native>>(subscriptions);
+  }
+  template <class Native>
+  const Subscriptions<Native>& SubscriptionsTo() const {
+    return std::get<Subscriptions<Native>>(subscriptions);
+  }
+
   std::size_t CountEnumerations() const {
-    return std::apply([](const auto&... kinds) { return (kinds.size() + ...); }, enumerations);
+    const auto count = [](const auto&... kinds) { return (kinds.size() + ...); };
+    return std::apply(count, enumerations) + netEventEnumerations.size();
+  }
+
+  std::size_t CountSubscriptions() const {
+    const auto count = [](const auto&... kinds) { return (kinds.size() + ...); };
+    return std::apply(count, subscriptions) + netEventSubscriptions.size();
   }
 };
 

@@ -2,6 +2,7 @@
 
 #include "catalog/Describe.h"
 #include "catalog/Names.h"
+#include "emulator/Checks.h"
 
 namespace EngineEmulator {
 namespace {
@@ -93,8 +94,20 @@ std::string Describe(const FWPM_SUBLAYER0* sublayer) {
          OptionalKey(sublayer->providerKey);
 }
 
+std::string Describe(const FWPM_CALLOUT0* callout) {
+  if (callout == nullptr) {
+    return "null";
+  }
+  return Quote(callout->displayData.name) + ' ' + Catalog::FormatGuid(callout->calloutKey) + ", flags " +
+         std::to_string(callout->flags) + ", layer " + Catalog::LayerName(callout->applicableLayer) +
+         ", provider " + OptionalKey(callout->providerKey);
+}
+
 std::string Describe(const FWPM_FILTER0* filter) {
-  return filter == nullptr ? "null" : Catalog::DescribeFilter(*filter);
+  if (filter == nullptr) {
+    return "null";
+  }
+  return IsReadable(*filter) ? Catalog::DescribeFilter(*filter) : "not readable";
 }
 
 std::string Describe(const FWPM_PROVIDER_ENUM_TEMPLATE0*) { return "all"; }
@@ -102,6 +115,14 @@ std::string Describe(const FWPM_PROVIDER_ENUM_TEMPLATE0*) { return "all"; }
 std::string Describe(const FWPM_SUBLAYER_ENUM_TEMPLATE0* criteria) {
   return criteria == nullptr ? "all" : "provider " + OptionalKey(criteria->providerKey);
 }
+
+std::string Describe(const FWPM_CALLOUT_ENUM_TEMPLATE0* criteria) {
+  return criteria == nullptr ? "all"
+                             : "provider " + OptionalKey(criteria->providerKey) + ", layer " +
+                                   Catalog::LayerName(criteria->layerKey);
+}
+
+std::string Describe(const FWPM_LAYER_ENUM_TEMPLATE0*) { return "all"; }
 
 std::string Describe(const FWPM_FILTER_ENUM_TEMPLATE0* criteria) {
   if (criteria == nullptr) {

@@ -56,4 +56,9 @@
 #if defined(__MINGW32__)
 /// The Windows SDK has an enumeration of this name; MinGW-w64 has only the constants.
 using IPPROTO = int;
+
+/// MinGW-w64 declares its counterpart for callouts twice instead.
+extern "C" DWORD WINAPI FwpmSubLayerSetSecurityInfoByKey0(HANDLE engine, const GUID* key,
+                                                          SECURITY_INFORMATION information, const SID* owner,
+                                                          const SID* group, const ACL* dacl, const ACL* sacl);
 #endif

@@ -50,7 +50,7 @@ TEST_F(LibraryCommands, TellTheWholeStory) {
   EXPECT_EQ(library_->DisableDhcp(Log), 0U);
   EXPECT_THAT(TakeLog(), ElementsAre("NATIVE: disabling dhcp", "NATIVE: dhcp disabled successfully."));
   EXPECT_EQ(library_->IsDhcpEnabled(), 0U);
-  EXPECT_THAT(engine_.Filters(), IsEmpty());
+  EXPECT_THAT(engine_.Snapshot(), SizeIs(1));  // the provider
   EXPECT_STREQ(library_->GetErrorText(), "");
 }
 
@@ -114,6 +114,23 @@ TEST_F(LibraryCommands, LogOnTheCallersThread) {
   }).join();
   EXPECT_NE(caller, GetCurrentThreadId());
   EXPECT_THAT(LoggingThreads(), ElementsAre(caller));
+}
+
+TEST_F(LibraryCommands, FollowAnInitializeThatKeptNoPointerToItsArguments) {
+  GUID key = kKillSwitchKey;
+  std::wstring text = L"handed over";
+  const wchar_t* const t = text.c_str();
+  library_->Initialize(&key, t, t, &key, t, t, &key, t, t, &key, t, t, &key, t, t, &key, t, t, &key, t, t,
+                       &key, t, t, t);
+  key = {};
+  std::fill(text.begin(), text.end(), L'x');
+  ASSERT_EQ(DisableInternet(), 0U);
+  EXPECT_EQ(engine_.Snapshot().at(0),
+            "provider c0de0000-0002-4002-8000-000000000002 flags 0 \"handed over\" \"handed over\" service "
+            "\"handed over\"");
+  EXPECT_EQ(engine_.Snapshot().at(1),
+            "sublayer c0de0000-0002-4002-8000-000000000002 flags 0 weight 0 provider - \"handed over\" "
+            "\"handed over\"");
 }
 
 TEST_F(LibraryCommands, KeepNoPointerToTheirArguments) {

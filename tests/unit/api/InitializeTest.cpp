@@ -147,7 +147,7 @@ TEST_F(InitializeCommand, OnceMoreTakesTheNewIdentities) {
 TEST_F(InitializeCommand, OnceMoreEndsATransactionThatAFailureLeftOpen) {
   InitializeModule();
   ASSERT_EQ(DisableInternet(nullptr, 0, nullptr, 0, Log), 0U);
-  EngineEmulator::FailCall("FwpmTransactionCommit0", 1, 5);
+  EngineEmulator::FailCall("FwpmFilterAdd0", 51, 5);
   ASSERT_EQ(DisableInternet(nullptr, 0, nullptr, 0, Log), 5U);
   ASSERT_EQ(EngineEmulator::CountOutstanding().openTransactions, 1U);
 

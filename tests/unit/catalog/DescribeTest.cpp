@@ -99,7 +99,7 @@ TEST(DescribeConditionValue, ByteArrays) {
 }
 
 TEST(DescribeConditionValue, AnApplicationIdIsText) {
-  wchar_t path[] = L"\\device\\harddiskvolume1\\a.exe";
+  char16_t path[] = u"\\device\\harddiskvolume1\\a.exe";
   FWP_BYTE_BLOB blob{sizeof(path), reinterpret_cast<UINT8*>(path)};
   EXPECT_EQ(Describe(kAppId, FWP_BYTE_BLOB_TYPE, [&](auto& value) { value.byteBlob = &blob; }),
             "BYTE_BLOB \\device\\harddiskvolume1\\a.exe");

@@ -9,8 +9,8 @@
 namespace Catalog {
 namespace {
 
-std::string FormatUnits(const std::wstring& units) {
-  std::vector<UINT8> bytes(units.size() * sizeof(wchar_t));
+std::string FormatUnits(const std::u16string& units) {
+  std::vector<UINT8> bytes(units.size() * sizeof(char16_t));
   std::memcpy(bytes.data(), units.data(), bytes.size());
   return FormatTextOrBytes(bytes);
 }
@@ -42,26 +42,37 @@ TEST(FormatSid, ListsEveryPart) {
   EXPECT_EQ(FormatSid(*reinterpret_cast<const SID*>(administrators)), "S-1-5-32-544");
 }
 
-TEST(FormatTextOrBytes, ATerminatedStringIsText) {
-  EXPECT_EQ(FormatUnits(std::wstring(L"\\device\\a.exe\0", 14)), "\\device\\a.exe");
-  EXPECT_EQ(FormatUnits(std::wstring(L"a b\u00e9\u20ac\0", 6)), "a b\xc3\xa9\xe2\x82\xac");
+TEST(FormatText, IsUtf8) { EXPECT_EQ(FormatText(L"b\u00e9\u20ac"), "b\xc3\xa9\xe2\x82\xac"); }
+
+TEST(FormatText, ControlCharactersNeverReachTheLine) {
+  EXPECT_EQ(FormatText(L"a\n").find('\n'), std::string::npos);
+  EXPECT_EQ(FormatText(L"a\n").substr(0, 2), "61");
 }
 
-TEST(FormatTextOrBytes, WithoutTerminatorItIsBytes) { EXPECT_EQ(FormatUnits(L"ab"), "61006200"); }
+TEST(FormatTextOrBytes, ATerminatedStringIsText) {
+  EXPECT_EQ(FormatUnits(std::u16string(u"\\device\\a.exe\0", 14)), "\\device\\a.exe");
+  EXPECT_EQ(FormatUnits(std::u16string(u"a b\u00e9\u20ac\0", 6)), "a b\xc3\xa9\xe2\x82\xac");
+}
+
+TEST(FormatTextOrBytes, WithoutTerminatorItIsBytes) { EXPECT_EQ(FormatUnits(u"ab"), "61006200"); }
 
 TEST(FormatTextOrBytes, WithMoreThanOneTerminatorItIsBytes) {
-  EXPECT_EQ(FormatUnits(std::wstring(L"a\0\0", 3)), "610000000000");
+  EXPECT_EQ(FormatUnits(std::u16string(u"a\0\0", 3)), "610000000000");
 }
 
 TEST(FormatTextOrBytes, ControlCharactersNeverReachTheLine) {
-  EXPECT_EQ(FormatUnits(std::wstring(L"a\n\0", 3)), "61000a000000");
+  EXPECT_EQ(FormatUnits(std::u16string(u"a\n\0", 3)), "61000a000000");
 }
 
 TEST(FormatTextOrBytes, AnUnpairedSurrogateIsBytes) {
-  EXPECT_EQ(FormatUnits({L'a', static_cast<wchar_t>(0xd800), L'\0'}), "610000d80000");
+  EXPECT_EQ(FormatUnits({u'a', 0xd800, u'\0'}), "610000d80000");
 }
 
-TEST(FormatTextOrBytes, AnEmptyStringIsItsTerminator) { EXPECT_EQ(FormatUnits({L'\0'}), "0000"); }
+TEST(FormatTextOrBytes, APairOfSurrogatesIsOneCharacter) {
+  EXPECT_EQ(FormatUnits(std::u16string(u"\U0001F600\0", 3)), "\xf0\x9f\x98\x80");
+}
+
+TEST(FormatTextOrBytes, AnEmptyStringIsItsTerminator) { EXPECT_EQ(FormatUnits({u'\0'}), "0000"); }
 
 TEST(FormatTextOrBytes, AnOddNumberOfBytesIsBytes) {
   EXPECT_EQ(FormatTextOrBytes(std::vector<UINT8>{0x61, 0x00, 0x00}), "610000");

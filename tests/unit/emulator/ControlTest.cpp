@@ -144,15 +144,6 @@ TEST_F(Control, PlannedFailureOfACloseLeavesTheSessionOpen) {
   EXPECT_EQ(FwpmEngineClose0(handle), kSuccess);
 }
 
-TEST_F(Control, PlannedFailureOfACommitLeavesTheTransactionOpen) {
-  const TestSession session;
-  FwpmTransactionBegin0(session, 0);
-  EngineEmulator::FailCall("FwpmTransactionCommit0", 1, kTimeout);
-  EXPECT_EQ(FwpmTransactionCommit0(session), kTimeout);
-  EXPECT_EQ(EngineEmulator::CountOutstanding().openTransactions, 1U);
-  EXPECT_EQ(FwpmTransactionAbort0(session), kSuccess);
-}
-
 TEST_F(Control, SnapshotShowsWhatClientsAddedInTheirOrder) {
   const TestSession session;
   wchar_t service[] = L"tarnsvc";

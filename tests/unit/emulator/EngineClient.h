@@ -23,6 +23,7 @@ inline constexpr DWORD kDynamicSessionInProgress = 0x8032000B;
 inline constexpr DWORD kWrongSession = 0x8032000C;
 inline constexpr DWORD kNoTransactionInProgress = 0x8032000D;
 inline constexpr DWORD kTransactionInProgress = 0x8032000E;
+inline constexpr DWORD kTransactionAborted = 0x8032000F;
 inline constexpr DWORD kIncompatibleTransaction = 0x80320011;
 inline constexpr DWORD kTimeout = 0x80320012;
 inline constexpr DWORD kLifetimeMismatch = 0x80320016;
@@ -49,15 +50,29 @@ inline constexpr GUID kConnectV4{
     0xc38d57d1, 0x05a7, 0x4c33, {0x90, 0x4f, 0x7f, 0xbc, 0xee, 0xe6, 0x0e, 0x82}};
 inline constexpr GUID kConnectV6{
     0x4a72393b, 0x319f, 0x44bc, {0x84, 0xc3, 0xba, 0x54, 0xdc, 0xb3, 0xb6, 0xb4}};
+inline constexpr GUID kFlowEstablishedV4{
+    0xaf80470a, 0x5596, 0x4c13, {0x99, 0x92, 0x53, 0x9e, 0x6f, 0xe5, 0x79, 0x67}};
+inline constexpr GUID kRemoteAddress{
+    0xb235ae9a, 0x1d64, 0x49b8, {0xa4, 0x4c, 0x5f, 0xf3, 0xd9, 0x09, 0x50, 0x45}};
+inline constexpr GUID kProtocol{0x3971ef2b, 0x623e, 0x4f9a, {0x8c, 0xb1, 0x6e, 0x79, 0xb8, 0x06, 0xb9, 0xa7}};
+inline constexpr GUID kArrivalInterface{
+    0x618a9b6d, 0x386b, 0x4136, {0xad, 0x6e, 0xb5, 0x15, 0x87, 0xcf, 0xb1, 0xcd}};
+inline constexpr GUID kLocalInterface{
+    0x4cd62a49, 0x59c3, 0x4969, {0xb7, 0xf3, 0xbd, 0xa5, 0xd3, 0x28, 0x90, 0xa4}};
+inline constexpr GUID kAppId{0xd78e1e87, 0x8644, 0x4ea5, {0x94, 0x37, 0xd8, 0x09, 0xec, 0xef, 0xc9, 0x71}};
+inline constexpr GUID kPackageId{
+    0x71bc78fa, 0xf17c, 0x4997, {0xa6, 0x02, 0x6a, 0xbb, 0x26, 0x1f, 0x35, 0x1c}};
+inline constexpr GUID kUserId{0xaf043a0a, 0xb34d, 0x4f86, {0x97, 0x9c, 0xc9, 0x03, 0x71, 0xaf, 0x6e, 0x66}};
 inline constexpr GUID kRemotePort{
     0xc35a604d, 0xd22b, 0x4e1a, {0x91, 0xb4, 0x68, 0xf6, 0x74, 0xee, 0x67, 0x4b}};
 
 /// A session that lasts as long as the object.
 class TestSession {
  public:
-  explicit TestSession(UINT32 flags = 0) {
+  explicit TestSession(UINT32 flags = 0, UINT32 lockWaitMilliseconds = 0) {
     FWPM_SESSION0 session{};
     session.flags = flags;
+    session.txnWaitTimeoutInMSec = lockWaitMilliseconds;
     EXPECT_EQ(FwpmEngineOpen0(nullptr, RPC_C_AUTHN_WINNT, nullptr, &session, &handle_), kSuccess);
   }
   ~TestSession() { FwpmEngineClose0(handle_); }
@@ -70,6 +85,12 @@ class TestSession {
  private:
   HANDLE handle_ = nullptr;
 };
+
+/// MinGW-w64's header lacks it.
+extern "C" DWORD WINAPI FwpmSubLayerSetSecurityInfoByKey0(HANDLE engineHandle, const GUID* key,
+                                                          SECURITY_INFORMATION securityInfo,
+                                                          const SID* sidOwner, const SID* sidGroup,
+                                                          const ACL* dacl, const ACL* sacl);
 
 inline wchar_t kName[] = L"Name";
 inline wchar_t kDescription[] = L"Description";

@@ -123,16 +123,6 @@ TEST_F(Transaction, ShowsItsChangesToItsOwnSessionOnly) {
   Free(sublayer);
 }
 
-TEST_F(Transaction, KeepsOtherWritersOut) {
-  const TestSession session;
-  const TestSession other;
-  ASSERT_EQ(FwpmTransactionBegin0(session, 0), kSuccess);
-  EXPECT_EQ(FwpmTransactionBegin0(other, 0), kTimeout);
-  EXPECT_EQ(Add(other, SublayerRecord()), kTimeout);
-  ASSERT_EQ(FwpmTransactionCommit0(session), kSuccess);
-  EXPECT_EQ(Add(other, SublayerRecord()), kSuccess);
-}
-
 TEST_F(Transaction, LetsOthersReadMeanwhile) {
   const TestSession session;
   const TestSession other;

@@ -1,0 +1,174 @@
+// The part of Engine that deals with sessions, transactions and who hears of changes.
+#include <utility>
+
+#include "emulator/Engine.h"
+#include "emulator/Selection.h"
+
+namespace EngineEmulator {
+namespace {
+
+/// FWPM_SUBSCRIPTION_FLAG_NOTIFY_ON_ADD and ..._DELETE, which MinGW-w64 lacks, by FWPM_CHANGE_TYPE.
+constexpr UINT32 FlagOf(FWPM_CHANGE_TYPE type) { return type == FWPM_CHANGE_ADD ? 1 : 2; }
+
+}  // namespace
+
+DWORD Engine::OpenSession(const FWPM_SESSION0* session, HANDLE& handle) {
+  FWPM_SESSION0 record = session == nullptr ? FWPM_SESSION0{} : *session;
+  if ((record.flags & ~static_cast<UINT32>(FWPM_SESSION_FLAG_DYNAMIC)) != 0) {
+    return Refuse({FWP_E_INVALID_FLAGS, "DYNAMIC is the only flag of sessions"});
+  }
+  const auto hasWantedKey = [&](const auto& entry) { return entry.second.Key() == record.sessionKey; };
+  if (std::any_of(sessions_.begin(), sessions_.end(), hasWantedKey)) {
+    return Refuse({FWP_E_ALREADY_EXISTS, "the key is that of a session which is open"});
+  }
+  if (record.sessionKey == GUID{}) {
+    record.sessionKey = NewKey();
+  }
+  SID localSystem{SID_REVISION, 1, {{0, 0, 0, 0, 0, 5}}, {18}};
+  wchar_t userName[] = L"SYSTEM";
+  record.processId = GetCurrentProcessId();
+  record.sid = &localSystem;
+  record.username = userName;
+  record.kernelMode = FALSE;
+  handle = NewHandle();
+  Session opened;
+  opened.handle = handle;
+  opened.record = MakeBlock([&](Packer& packer) { return PackRecord(packer, record); });
+  sessions_.emplace(handle, std::move(opened));
+  return ERROR_SUCCESS;
+}
+
+Session* Engine::FindSession(HANDLE handle) {
+  const auto found = sessions_.find(handle);
+  return found == sessions_.end() ? nullptr : &found->second;
+}
+
+template <class Native>
+void Engine::RemoveDynamicObjects(HANDLE session) {
+  for (const ObjectPtr<Native>& object : committed_.Objects<Native>().All()) {
+    if (object->origin.session == session) {
+      committed_.Remove<Native>(object);
+      Tell(FWPM_CHANGE_DELETE, object);
+    }
+  }
+}
+
+Session Engine::CloseSession(HANDLE handle) {
+  const auto found = sessions_.find(handle);
+  Session closed = std::move(found->second);
+  sessions_.erase(found);
+  if (writer_ == handle) {
+    writer_ = nullptr;
+  }
+  if (closed.IsDynamic()) {
+    RemoveDynamicObjects<FWPM_FILTER0>(handle);
+    RemoveDynamicObjects<FWPM_CALLOUT0>(handle);
+    RemoveDynamicObjects<FWPM_SUBLAYER0>(handle);
+    RemoveDynamicObjects<FWPM_PROVIDER0>(handle);
+  }
+  return closed;
+}
+
+UINT32 Engine::LockWaitMilliseconds(const Session& session) const {
+  const UINT32 wanted = session.record.root->txnWaitTimeoutInMSec;
+  return wanted == 0 ? rules_.lockWaitMilliseconds : wanted;
+}
+
+DWORD Engine::Begin(Session& session, UINT32 flags) {
+  if ((flags & ~static_cast<UINT32>(FWPM_TXN_READ_ONLY)) != 0) {
+    return Refuse({FWP_E_INVALID_FLAGS, "READ_ONLY is the only flag of transactions"});
+  }
+  if (session.transaction.has_value()) {
+    return Refuse({FWP_E_TXN_IN_PROGRESS, "transactions do not nest"});
+  }
+  const bool readOnly = flags != 0;
+  session.transaction = Transaction{readOnly, readOnly ? committed_ : Policy(&committed_), {}};
+  if (!readOnly) {
+    writer_ = session.handle;
+  }
+  return ERROR_SUCCESS;
+}
+
+DWORD Engine::Commit(Session& session) {
+  if (!session.transaction.has_value()) {
+    return Refuse({FWP_E_NO_TXN_IN_PROGRESS, "there is no transaction to commit"});
+  }
+  if (!session.transaction->readOnly) {
+    committed_.Apply(session.transaction->policy);
+  }
+  for (const auto& announce : session.transaction->announcements) {
+    announce();
+  }
+  return Abort(session);
+}
+
+DWORD Engine::Abort(Session& session) {
+  if (!session.transaction.has_value()) {
+    return Refuse({FWP_E_NO_TXN_IN_PROGRESS, "there is no transaction to abort"});
+  }
+  session.transaction.reset();
+  if (writer_ == session.handle) {
+    writer_ = nullptr;
+  }
+  return ERROR_SUCCESS;
+}
+
+void Engine::ExpireTransactions() {
+  for (auto& [handle, session] : sessions_) {
+    if (session.transaction.has_value()) {
+      Abort(session);
+      session.transactionExpired = true;
+    }
+  }
+}
+
+const Policy& Engine::PolicyOf(const Session& session) const {
+  return session.transaction.has_value() ? session.transaction->policy : committed_;
+}
+
+const Policy& Engine::NewestPolicy() const {
+  return writer_ == nullptr ? committed_ : sessions_.at(writer_).transaction->policy;
+}
+
+Policy* Engine::OpenForChange(Session& session) {
+  if (!session.transaction.has_value()) {
+    return &committed_;
+  }
+  if (session.transaction->readOnly) {
+    lastRefusal = "the transaction is read-only";
+    return nullptr;
+  }
+  return &session.transaction->policy;
+}
+
+template <class Native>
+void Engine::Announce(Session& session, FWPM_CHANGE_TYPE type, const ObjectPtr<Native>& object) {
+  if (session.transaction.has_value()) {
+    session.transaction->announcements.emplace_back([this, type, object] { Tell(type, object); });
+  } else {
+    Tell(type, object);
+  }
+}
+
+template <class Native>
+void Engine::Tell(FWPM_CHANGE_TYPE type, const ObjectPtr<Native>& object) {
+  for (const auto& [handle, session] : sessions_) {
+    for (const auto& [subscriptionHandle, subscription] : session.template SubscriptionsTo<Native>()) {
+      const auto& wanted = *subscription.record.root;
+      if ((wanted.flags & FlagOf(type)) == 0 || Select(wanted.enumTemplate, {object}).empty()) {
+        continue;
+      }
+      const auto change = Kind<Native>::MakeChange(type, object->Record());
+      subscription.worker->Post([callback = subscription.callback, context = subscription.context, change] {
+        callback(context, &change);
+      });
+    }
+  }
+}
+
+template void Engine::Announce(Session&, FWPM_CHANGE_TYPE, const ObjectPtr<FWPM_PROVIDER0>&);
+template void Engine::Announce(Session&, FWPM_CHANGE_TYPE, const ObjectPtr<FWPM_SUBLAYER0>&);
+template void Engine::Announce(Session&, FWPM_CHANGE_TYPE, const ObjectPtr<FWPM_CALLOUT0>&);
+template void Engine::Announce(Session&, FWPM_CHANGE_TYPE, const ObjectPtr<FWPM_FILTER0>&);
+
+}  // namespace EngineEmulator

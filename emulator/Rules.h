@@ -1,0 +1,64 @@
+/**
+ * @file
+ * The switches for what the platform's documentation leaves open.
+ */
+#pragma once
+
+#include <WfpPlatform.h>
+
+#include <string_view>
+
+namespace EngineEmulator {
+
+/// What is refused, ends and is shuffled is so unless the value is 0.
+struct Rules {
+  /// NOT_EQUAL and comparisons with an address mask: FWP_E_MATCH_TYPE_MISMATCH.
+  UINT32 refuseComparedNetworks = 1;
+  /// NOT_EQUAL of data without an order, SIDs excepted: FWP_E_MATCH_TYPE_MISMATCH.
+  UINT32 refuseNotEqualOfOpaqueData = 1;
+  /// IPv4 masks like 255.0.255.0: FWP_E_INVALID_NET_MASK.
+  UINT32 refuseNetMasksWithHoles = 1;
+  /// Flags without a meaning: FWP_E_INVALID_FLAGS.
+  UINT32 refuseUnknownFlags = 1;
+  /// A filter's reserved pointer that is not null: FWP_E_RESERVED.
+  UINT32 refuseReservedPointer = 1;
+  /// PERMIT and BLOCK in the sublayer INSPECTION: FWP_E_ACTION_INCOMPATIBLE_WITH_SUBLAYER.
+  UINT32 refuseVerdictsInInspection = 1;
+  /// Filter templates without a layer: FWP_E_LAYER_NOT_FOUND; else they select from any layer.
+  UINT32 refuseZeroLayerInTemplate = 1;
+  /// The flag PERSISTENT in a dynamic session: FWP_E_LIFETIME_MISMATCH; else the object is dynamic.
+  UINT32 refusePersistentInDynamicSession = 1;
+  /// A persistent filter and its persistent sublayer, only one of which has a provider:
+  /// FWP_E_LIFETIME_MISMATCH.
+  UINT32 refuseMissingProviderAsOther = 1;
+  /// A static session deletes a dynamic object: FWP_E_WRONG_SESSION.
+  UINT32 refuseDeletingOthersDynamic = 1;
+  /// PERMIT and BLOCK at ALE_FLOW_ESTABLISHED: FWP_E_ACTION_INCOMPATIBLE_WITH_LAYER.
+  UINT32 refuseVerdictsAtFlowEstablished = 0;
+  /// A condition that is there twice: FWP_E_DUPLICATE_CONDITION.
+  UINT32 refuseExactDuplicates = 0;
+  /// The display name "": FWP_E_NULL_DISPLAY_NAME.
+  UINT32 refuseEmptyNames = 0;
+  /// A condition's blob of no bytes: FWP_E_ZERO_LENGTH_ARRAY.
+  UINT32 refuseEmptyBlobs = 0;
+  /// The answer to a handle that is no open session's.
+  UINT32 invalidHandleCode = 6;
+  /// A planned failure of FwpmTransactionCommit0 undoes the transaction.
+  UINT32 failedCommitEndsTransaction = 1;
+  /// Enumerations that do not ask for an order come in none.
+  UINT32 shuffleEnumerations = 0;
+  /// How long a session that does not say waits for the write lock.
+  UINT32 lockWaitMilliseconds = 15'000;
+  UINT32 weightOfServiceHardening = 0x7000;  ///< of the sublayer MPSSVC_WSH
+  UINT32 weightOfWindowsFirewall = 0x6000;   ///< of the sublayer MPSSVC_WF
+  UINT32 weightOfUniversal = 0x4000;         ///< of the sublayer UNIVERSAL
+  UINT32 weightOfOtherSublayers = 0x2000;    ///< of the other built-in ones; INSPECTION is known to have 0
+};
+
+/// Refuses nothing but what the documentation says is refused.
+Rules LenientRules();
+
+/// The rule of a name, such as "refuseEmptyNames"; null if there is none.
+UINT32 Rules::*FindRule(std::string_view name);
+
+}  // namespace EngineEmulator

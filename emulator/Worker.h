@@ -1,0 +1,29 @@
+/**
+ * @file
+ * A thread that runs what it is given, one after the other.
+ */
+#pragma once
+
+#include <functional>
+#include <memory>
+#include <thread>
+
+namespace EngineEmulator {
+
+class Worker {
+ public:
+  Worker();
+  /// What waits is dropped. What runs ends first, unless it is what destroys the worker.
+  ~Worker();
+  Worker(const Worker&) = delete;
+  Worker& operator=(const Worker&) = delete;
+
+  void Post(std::function<void()> work);
+
+ private:
+  struct Queue;
+  std::shared_ptr<Queue> queue_;
+  std::thread thread_;
+};
+
+}  // namespace EngineEmulator

@@ -1,0 +1,216 @@
+// Layers, callouts, sessions, options, net events, provider contexts.
+#include <set>
+#include <string>
+
+#include "EngineClient.h"
+
+namespace {
+
+using Layer = EngineTest;
+using Callout = EngineTest;
+using SessionList = EngineTest;
+using Options = EngineTest;
+using NetEvents = EngineTest;
+using ProviderContexts = EngineTest;
+
+constexpr DWORD kCalloutNotFound = 0x80320001;
+constexpr DWORD kTypeMismatch = 0x80320027;
+constexpr DWORD kNotSupported = 50;
+constexpr GUID kCalloutKey{0x0d000001, 0, 0, {}};
+
+FWPM_CALLOUT0 CalloutRecord() {
+  FWPM_CALLOUT0 callout{};
+  callout.calloutKey = kCalloutKey;
+  callout.displayData = {kName, kDescription};
+  callout.applicableLayer = kConnectV4;
+  return callout;
+}
+
+TEST_F(Layer, HasItsFieldsWithTheirTypes) {
+  const TestSession session;
+  FWPM_LAYER0* layer = nullptr;
+  ASSERT_EQ(FwpmLayerGetByKey0(session, &kFlowEstablishedV4, &layer), kSuccess);
+  EXPECT_STREQ(layer->displayData.name, L"ALE_FLOW_ESTABLISHED_V4");
+  EXPECT_EQ(layer->layerId, 52);
+  EXPECT_EQ(layer->numFields, 21U);
+  EXPECT_TRUE(layer->defaultSubLayerKey == kUniversalSublayerKey);
+  std::set<int> typesOfAddress;
+  for (UINT32 index = 0; index < layer->numFields; ++index) {
+    if (*layer->field[index].fieldKey == kRemoteAddress) {
+      EXPECT_EQ(layer->field[index].type, FWPM_FIELD_IP_ADDRESS);
+      typesOfAddress.insert(layer->field[index].dataType);
+    }
+  }
+  EXPECT_EQ(typesOfAddress, std::set<int>{FWP_UINT32});
+  Free(layer);
+}
+
+TEST_F(Layer, IsFoundByItsId) {
+  const TestSession session;
+  FWPM_LAYER0* layer = nullptr;
+  ASSERT_EQ(FwpmLayerGetById0(session, 50, &layer), kSuccess);
+  EXPECT_TRUE(layer->layerKey == kConnectV6);
+  Free(layer);
+  EXPECT_EQ(FwpmLayerGetById0(session, 0x7FFF, &layer), kLayerNotFound);
+  EXPECT_EQ(FwpmLayerGetByKey0(session, &kFilterKey, &layer), kLayerNotFound);
+}
+
+TEST_F(Layer, ListHoldsAllOfThem) {
+  const TestSession session;
+  HANDLE enumHandle = nullptr;
+  FWPM_LAYER0** layers = nullptr;
+  UINT32 count = 0;
+  ASSERT_EQ(FwpmLayerCreateEnumHandle0(session, nullptr, &enumHandle), kSuccess);
+  ASSERT_EQ(FwpmLayerEnum0(session, enumHandle, INFINITE, &layers, &count), kSuccess);
+  EXPECT_EQ(count, 50U);
+  EXPECT_EQ(layers[0]->layerId, 0);
+  Free(layers);
+  EXPECT_EQ(FwpmLayerDestroyEnumHandle0(session, enumHandle), kSuccess);
+}
+
+TEST_F(Callout, IsStoredAndGetsAnId) {
+  const TestSession session;
+  const FWPM_CALLOUT0 callout = CalloutRecord();
+  UINT32 id = 0;
+  ASSERT_EQ(FwpmCalloutAdd0(session, &callout, nullptr, &id), kSuccess);
+  EXPECT_NE(id, 0U);
+  FWPM_CALLOUT0* found = nullptr;
+  ASSERT_EQ(FwpmCalloutGetById0(session, id, &found), kSuccess);
+  EXPECT_TRUE(found->calloutKey == kCalloutKey);
+  EXPECT_EQ(found->calloutId, id);
+  EXPECT_STREQ(found->displayData.name, L"Name");
+  Free(found);
+  EXPECT_EQ(FwpmCalloutDeleteById0(session, id), kSuccess);
+  EXPECT_EQ(FwpmCalloutGetByKey0(session, &kCalloutKey, &found), kCalloutNotFound);
+}
+
+TEST_F(Callout, StaysWhileAFilterNamesIt) {
+  const TestSession session;
+  const FWPM_CALLOUT0 callout = CalloutRecord();
+  FWPM_FILTER0 filter = FilterRecord();
+  filter.action.type = FWP_ACTION_CALLOUT_TERMINATING;
+  filter.action.calloutKey = kCalloutKey;
+  EXPECT_EQ(Add(session, filter), kCalloutNotFound);
+  ASSERT_EQ(FwpmCalloutAdd0(session, &callout, nullptr, nullptr), kSuccess);
+  ASSERT_EQ(Add(session, filter), kSuccess);
+  EXPECT_EQ(FwpmCalloutDeleteByKey0(session, &kCalloutKey), kInUse);
+  EXPECT_EQ(FwpmFilterDeleteByKey0(session, &kFilterKey), kSuccess);
+  EXPECT_EQ(FwpmCalloutDeleteByKey0(session, &kCalloutKey), kSuccess);
+}
+
+TEST_F(Callout, IsForItsLayerOnly) {
+  const TestSession session;
+  const FWPM_CALLOUT0 callout = CalloutRecord();
+  ASSERT_EQ(FwpmCalloutAdd0(session, &callout, nullptr, nullptr), kSuccess);
+  FWPM_FILTER0 filter = FilterRecord();
+  filter.layerKey = kConnectV6;
+  filter.action.type = FWP_ACTION_CALLOUT_INSPECTION;
+  filter.action.calloutKey = kCalloutKey;
+  EXPECT_EQ(Add(session, filter), 0x80320014U);
+}
+
+TEST_F(Callout, ListCanSelectALayer) {
+  const TestSession session;
+  const FWPM_CALLOUT0 callout = CalloutRecord();
+  ASSERT_EQ(FwpmCalloutAdd0(session, &callout, nullptr, nullptr), kSuccess);
+  for (const auto& [layer, expected] : {std::pair(kConnectV4, 1U), std::pair(kConnectV6, 0U)}) {
+    FWPM_CALLOUT_ENUM_TEMPLATE0 criteria{nullptr, layer};
+    HANDLE enumHandle = nullptr;
+    FWPM_CALLOUT0** found = nullptr;
+    UINT32 count = 9;
+    ASSERT_EQ(FwpmCalloutCreateEnumHandle0(session, &criteria, &enumHandle), kSuccess);
+    EXPECT_EQ(FwpmCalloutEnum0(session, enumHandle, 10, &found, &count), kSuccess);
+    EXPECT_EQ(count, expected);
+    Free(found);
+    FwpmCalloutDestroyEnumHandle0(session, enumHandle);
+  }
+}
+
+TEST_F(SessionList, HoldsEveryOpenSession) {
+  const TestSession session;
+  const TestSession dynamic(kDynamic, 77);
+  HANDLE enumHandle = nullptr;
+  FWPM_SESSION0** sessions = nullptr;
+  UINT32 count = 0;
+  ASSERT_EQ(FwpmSessionCreateEnumHandle0(session, nullptr, &enumHandle), kSuccess);
+  ASSERT_EQ(FwpmSessionEnum0(session, enumHandle, 10, &sessions, &count), kSuccess);
+  ASSERT_EQ(count, 2U);
+  std::set<UINT32> patience;
+  for (UINT32 index = 0; index < count; ++index) {
+    EXPECT_EQ(sessions[index]->processId, GetCurrentProcessId());
+    EXPECT_FALSE(sessions[index]->sessionKey == GUID{});
+    patience.insert(sessions[index]->txnWaitTimeoutInMSec);
+  }
+  EXPECT_EQ(patience, (std::set<UINT32>{0, 77}));
+  Free(sessions);
+  EXPECT_EQ(FwpmSessionDestroyEnumHandle0(session, enumHandle), kSuccess);
+}
+
+TEST_F(Options, AreKept) {
+  const TestSession session;
+  FWP_VALUE0 on{};
+  on.type = FWP_UINT32;
+  on.uint32 = 1;
+  FWP_VALUE0* value = nullptr;
+  ASSERT_EQ(FwpmEngineSetOption0(session, FWPM_ENGINE_COLLECT_NET_EVENTS, &on), kSuccess);
+  ASSERT_EQ(FwpmEngineGetOption0(session, FWPM_ENGINE_COLLECT_NET_EVENTS, &value), kSuccess);
+  EXPECT_EQ(value->uint32, 1U);
+  Free(value);
+  ASSERT_EQ(FwpmEngineGetOption0(session, FWPM_ENGINE_NAME_CACHE, &value), kSuccess);
+  EXPECT_EQ(value->uint32, 0U);
+  Free(value);
+}
+
+TEST_F(Options, AreNumbersOfKnownNames) {
+  const TestSession session;
+  FWP_VALUE0 wrong{};
+  wrong.type = FWP_UINT8;
+  EXPECT_EQ(FwpmEngineSetOption0(session, FWPM_ENGINE_NAME_CACHE, &wrong), kTypeMismatch);
+  EXPECT_EQ(FwpmEngineSetOption0(session, FWPM_ENGINE_NAME_CACHE, nullptr), kNullPointer);
+  FWP_VALUE0* value = nullptr;
+  int unknown = 6;
+  EXPECT_EQ(FwpmEngineGetOption0(session, static_cast<FWPM_ENGINE_OPTION>(unknown), &value),
+            kInvalidEnumerator);
+}
+
+TEST_F(NetEvents, NeverHappen) {
+  const TestSession session;
+  HANDLE enumHandle = nullptr;
+  ASSERT_EQ(FwpmNetEventCreateEnumHandle0(session, nullptr, &enumHandle), kSuccess);
+  FWPM_NET_EVENT0** events = nullptr;
+  FWPM_NET_EVENT1** newerEvents = nullptr;
+  UINT32 count = 9;
+  EXPECT_EQ(FwpmNetEventEnum0(session, enumHandle, 10, &events, &count), kSuccess);
+  EXPECT_EQ(count, 0U);
+  EXPECT_EQ(FwpmNetEventEnum1(session, enumHandle, 10, &newerEvents, &count), kSuccess);
+  EXPECT_EQ(newerEvents, nullptr);
+  EXPECT_EQ(FwpmNetEventDestroyEnumHandle0(session, enumHandle), kSuccess);
+  EXPECT_EQ(FwpmNetEventEnum0(session, enumHandle, 10, &events, &count), kNotFound);
+}
+
+TEST_F(NetEvents, CanBeSubscribedTo) {
+  const TestSession session;
+  const FWPM_NET_EVENT_SUBSCRIPTION0 wanted{};
+  const auto hear = [](void*, const FWPM_NET_EVENT1*) { ADD_FAILURE() << "an event"; };
+  HANDLE handle = nullptr;
+  ASSERT_EQ(FwpmNetEventSubscribe0(session, &wanted, hear, nullptr, &handle), kSuccess);
+  FWPM_NET_EVENT_SUBSCRIPTION0** entries = nullptr;
+  UINT32 count = 0;
+  EXPECT_EQ(FwpmNetEventSubscriptionsGet0(session, &entries, &count), kSuccess);
+  EXPECT_EQ(count, 1U);
+  Free(entries);
+  EXPECT_EQ(FwpmNetEventUnsubscribe0(session, handle), kSuccess);
+  EXPECT_EQ(FwpmNetEventUnsubscribe0(session, handle), kNotFound);
+}
+
+TEST_F(ProviderContexts, AreNotSupported) {
+  const TestSession session;
+  UINT64 id = 0;
+  FWPM_PROVIDER_CONTEXT0* found = nullptr;
+  EXPECT_EQ(FwpmProviderContextAdd0(session, nullptr, nullptr, &id), kNotSupported);
+  EXPECT_EQ(FwpmProviderContextGetByKey0(session, &kFilterKey, &found), kNotSupported);
+  EXPECT_EQ(FwpmProviderContextDeleteById0(session, 1), kNotSupported);
+  EXPECT_EQ(FwpmProviderContextDeleteById0(nullptr, 1), kInvalidHandle);
+}
+
+}  // namespace

@@ -1,0 +1,123 @@
+#include "emulator/Rules.h"
+
+#include "emulator/ControlExports.h"
+
+#include "EngineClient.h"
+
+namespace {
+
+using Rules = EngineTest;
+
+UINT16 WeightOf(HANDLE session, const GUID& key) {
+  FWPM_SUBLAYER0* found = nullptr;
+  EXPECT_EQ(FwpmSubLayerGetByKey0(session, &key, &found), kSuccess);
+  const UINT16 weight = found->weight;
+  Free(found);
+  return weight;
+}
+
+TEST_F(Rules, AreSetByName) {
+  const TestSession session;
+  wchar_t empty[] = L"";
+  FWPM_SUBLAYER0 sublayer = SublayerRecord();
+  sublayer.displayData.name = empty;
+  EXPECT_EQ(EngineEmulatorSetRule("refuseEmptyNames", 1), 1);
+  EXPECT_EQ(Add(session, sublayer), kNullDisplayName);
+  EXPECT_EQ(EngineEmulatorSetRule("refuseEmptyNames", 0), 1);
+  EXPECT_EQ(Add(session, sublayer), kSuccess);
+  EXPECT_EQ(EngineEmulatorSetRule("refuseNonsense", 1), 0);
+}
+
+TEST_F(Rules, AreBackToTheirDefaultsAfterAReset) {
+  EngineEmulatorSetRule("invalidHandleCode", 1775);
+  EXPECT_EQ(FwpmEngineClose0(nullptr), 1775U);
+  EngineEmulator::Reset();
+  EXPECT_EQ(FwpmEngineClose0(nullptr), kInvalidHandle);
+}
+
+TEST_F(Rules, AreLenientAllAtOnce) {
+  const TestSession session;
+  FWPM_FILTER0 filter = FilterRecord();
+  GUID reserved{};
+  filter.reserved = &reserved;
+  filter.flags = 0x8000;
+  EXPECT_NE(Add(session, filter), kSuccess);
+  EXPECT_EQ(EngineEmulatorSetRule("lenient", 1), 1);
+  EXPECT_EQ(Add(session, filter), kSuccess);
+  EXPECT_EQ(EngineEmulatorSetRule("lenient", 0), 1);
+  filter.filterKey = kOtherFilterKey;
+  EXPECT_EQ(Add(session, filter), 0x80320029U);
+}
+
+TEST_F(Rules, KeepWhatIsDocumentedWhenLenient) {
+  EngineEmulatorSetRule("lenient", 1);
+  const TestSession session;
+  FWPM_FILTER0 filter = FilterRecord();
+  filter.weight.uint8 = 16;
+  EXPECT_EQ(Add(session, filter), 0x80320025U);
+}
+
+TEST_F(Rules, CanKeepATransactionOpenThroughAFailedCommit) {
+  const TestSession session;
+  EngineEmulatorSetRule("failedCommitEndsTransaction", 0);
+  FwpmTransactionBegin0(session, 0);
+  ASSERT_EQ(Add(session, SublayerRecord()), kSuccess);
+  EngineEmulator::FailCall("FwpmTransactionCommit0", 1, 5);
+  EXPECT_EQ(FwpmTransactionCommit0(session), 5U);
+  EXPECT_EQ(FwpmTransactionCommit0(session), kSuccess);
+  EXPECT_EQ(EngineEmulator::TakeSnapshot().sublayers.size(), 1U);
+}
+
+TEST_F(Rules, LetAFailedCommitEndTheTransaction) {
+  const TestSession session;
+  FwpmTransactionBegin0(session, 0);
+  ASSERT_EQ(Add(session, SublayerRecord()), kSuccess);
+  EngineEmulator::FailCall("FwpmTransactionCommit0", 1, 5);
+  EXPECT_EQ(FwpmTransactionCommit0(session), 5U);
+  EXPECT_EQ(FwpmTransactionAbort0(session), kNoTransactionInProgress);
+  EXPECT_TRUE(EngineEmulator::TakeSnapshot().sublayers.empty());
+}
+
+TEST_F(Rules, CanLetAStaticSessionDeleteDynamicObjects) {
+  const TestSession session;
+  const TestSession dynamic(kDynamic);
+  ASSERT_EQ(Add(dynamic, SublayerRecord()), kSuccess);
+  EngineEmulatorSetRule("refuseDeletingOthersDynamic", 0);
+  EXPECT_EQ(FwpmSubLayerDeleteByKey0(session, &kSublayerKey), kSuccess);
+}
+
+TEST_F(Rules, CanLetATemplateGoWithoutALayer) {
+  const TestSession session;
+  ASSERT_EQ(Add(session, FilterRecord()), kSuccess);
+  FWPM_FILTER_ENUM_TEMPLATE0 criteria{};
+  criteria.actionMask = 0xFFFFFFFF;
+  HANDLE enumHandle = nullptr;
+  EXPECT_EQ(FwpmFilterCreateEnumHandle0(session, &criteria, &enumHandle), kLayerNotFound);
+  EngineEmulatorSetRule("refuseZeroLayerInTemplate", 0);
+  ASSERT_EQ(FwpmFilterCreateEnumHandle0(session, &criteria, &enumHandle), kSuccess);
+  FWPM_FILTER0** filters = nullptr;
+  UINT32 count = 0;
+  EXPECT_EQ(FwpmFilterEnum0(session, enumHandle, 10, &filters, &count), kSuccess);
+  EXPECT_EQ(count, 1U);
+  Free(filters);
+  FwpmFilterDestroyEnumHandle0(session, enumHandle);
+}
+
+TEST_F(Rules, CanRefuseVerdictsWhereFlowsAreEstablished) {
+  const TestSession session;
+  FWPM_FILTER0 filter = FilterRecord();
+  filter.layerKey = kFlowEstablishedV4;
+  EngineEmulatorSetRule("refuseVerdictsAtFlowEstablished", 1);
+  EXPECT_EQ(Add(session, filter), 0x8032002CU);
+  EngineEmulatorSetRule("refuseVerdictsAtFlowEstablished", 0);
+  EXPECT_EQ(Add(session, filter), kSuccess);
+}
+
+TEST_F(Rules, GiveTheBuiltInSublayersTheirWeights) {
+  const TestSession session;
+  EXPECT_EQ(WeightOf(session, kUniversalSublayerKey), 0x4000);
+  EngineEmulatorSetRule("weightOfUniversal", 0x5000);
+  EXPECT_EQ(WeightOf(session, kUniversalSublayerKey), 0x5000);
+}
+
+}  // namespace

@@ -1,0 +1,252 @@
+#include <gmock/gmock.h>
+
+#include <condition_variable>
+#include <mutex>
+#include <string>
+#include <thread>
+
+#include "EngineClient.h"
+
+namespace {
+
+constexpr UINT32 kOnAdd = 1;
+constexpr UINT32 kOnDelete = 2;
+constexpr UINT32 kOnBoth = 3;
+
+/// Collects what a callback is told.
+class Listener {
+ public:
+  template <class Change>
+  static void CALLBACK Hear(void* context, const Change* change) {
+    static_cast<Listener*>(context)->Note(change->changeType == FWPM_CHANGE_ADD ? "add" : "delete");
+  }
+
+  void Note(const std::string& change) {
+    const std::lock_guard lock(mutex_);
+    changes_.push_back(change);
+    thread_ = std::this_thread::get_id();
+    heard_.notify_all();
+  }
+
+  /// Waits for so many changes.
+  std::vector<std::string> Await(std::size_t count) {
+    std::unique_lock lock(mutex_);
+    heard_.wait(lock, [&] { return changes_.size() >= count; });
+    return changes_;
+  }
+
+  std::size_t Count() {
+    const std::lock_guard lock(mutex_);
+    return changes_.size();
+  }
+
+  std::thread::id Thread() {
+    const std::lock_guard lock(mutex_);
+    return thread_;
+  }
+
+ private:
+  std::mutex mutex_;
+  std::condition_variable heard_;
+  std::vector<std::string> changes_;
+  std::thread::id thread_;
+};
+
+class Subscription : public EngineTest {
+ protected:
+  static HANDLE ToProviders(HANDLE session, Listener& listener, UINT32 flags = kOnBoth) {
+    FWPM_PROVIDER_SUBSCRIPTION0 wanted{};
+    wanted.flags = flags;
+    HANDLE handle = nullptr;
+    EXPECT_EQ(FwpmProviderSubscribeChanges0(session, &wanted, Listener::Hear<FWPM_PROVIDER_CHANGE0>,
+                                            &listener, &handle),
+              kSuccess);
+    return handle;
+  }
+};
+
+TEST_F(Subscription, TellsOfAdditionsAndDeletionsOnAnotherThread) {
+  const TestSession session;
+  Listener listener;
+  const HANDLE handle = ToProviders(session, listener);
+  ASSERT_EQ(Add(session, ProviderRecord()), kSuccess);
+  ASSERT_EQ(FwpmProviderDeleteByKey0(session, &kProviderKey), kSuccess);
+  EXPECT_THAT(listener.Await(2), testing::ElementsAre("add", "delete"));
+  EXPECT_NE(listener.Thread(), std::this_thread::get_id());
+  EXPECT_EQ(FwpmProviderUnsubscribeChanges0(session, handle), kSuccess);
+}
+
+TEST_F(Subscription, TellsOfWhatWasAskedForOnly) {
+  const TestSession session;
+  Listener additions;
+  Listener deletions;
+  const HANDLE first = ToProviders(session, additions, kOnAdd);
+  const HANDLE second = ToProviders(session, deletions, kOnDelete);
+  ASSERT_EQ(Add(session, ProviderRecord()), kSuccess);
+  ASSERT_EQ(FwpmProviderDeleteByKey0(session, &kProviderKey), kSuccess);
+  EXPECT_THAT(deletions.Await(1), testing::ElementsAre("delete"));
+  EXPECT_THAT(additions.Await(1), testing::ElementsAre("add"));
+  FwpmProviderUnsubscribeChanges0(session, first);
+  FwpmProviderUnsubscribeChanges0(session, second);
+}
+
+TEST_F(Subscription, TellsAfterTheCommitAndNotOfWhatWasAborted) {
+  const TestSession session;
+  const TestSession writer;
+  Listener listener;
+  const HANDLE handle = ToProviders(session, listener);
+  FwpmTransactionBegin0(writer, 0);
+  Add(writer, ProviderRecord(kProviderKey));
+  FwpmTransactionAbort0(writer);
+  FwpmTransactionBegin0(writer, 0);
+  Add(writer, ProviderRecord(kOtherProviderKey));
+  EXPECT_EQ(listener.Count(), 0U);
+  FwpmTransactionCommit0(writer);
+  EXPECT_EQ(listener.Await(1).size(), 1U);
+  FwpmProviderUnsubscribeChanges0(session, handle);
+  EXPECT_EQ(listener.Count(), 1U);
+}
+
+TEST_F(Subscription, TellsOfDynamicObjectsThatEnd) {
+  const TestSession session;
+  Listener listener;
+  const HANDLE handle = ToProviders(session, listener, kOnDelete);
+  { Add(TestSession(kDynamic), ProviderRecord()); }
+  EXPECT_THAT(listener.Await(1), testing::ElementsAre("delete"));
+  FwpmProviderUnsubscribeChanges0(session, handle);
+}
+
+TEST_F(Subscription, ToFiltersFollowsItsTemplateAndTellsTheId) {
+  const TestSession session;
+  FWPM_FILTER_ENUM_TEMPLATE0 criteria{};
+  criteria.layerKey = kConnectV6;
+  criteria.actionMask = 0xFFFFFFFF;
+  FWPM_FILTER_SUBSCRIPTION0 wanted{};
+  wanted.enumTemplate = &criteria;
+  wanted.flags = kOnAdd;
+  Listener listener;
+  const auto hear = [](void* context, const FWPM_FILTER_CHANGE0* change) {
+    static_cast<Listener*>(context)->Note(std::to_string(change->filterId));
+  };
+  HANDLE handle = nullptr;
+  ASSERT_EQ(FwpmFilterSubscribeChanges0(session, &wanted, hear, &listener, &handle), kSuccess);
+  FWPM_FILTER0 filter = FilterRecord(kFilterKey);
+  UINT64 id = 0;
+  ASSERT_EQ(Add(session, filter), kSuccess);
+  filter = FilterRecord(kOtherFilterKey);
+  filter.layerKey = kConnectV6;
+  ASSERT_EQ(FwpmFilterAdd0(session, &filter, nullptr, &id), kSuccess);
+  EXPECT_THAT(listener.Await(1), testing::ElementsAre(std::to_string(id)));
+  EXPECT_EQ(FwpmFilterUnsubscribeChanges0(session, handle), kSuccess);
+}
+
+TEST_F(Subscription, ToSublayersFollowsItsTemplate) {
+  const TestSession session;
+  GUID providerKey = kProviderKey;
+  FWPM_SUBLAYER_ENUM_TEMPLATE0 criteria{&providerKey};
+  const FWPM_SUBLAYER_SUBSCRIPTION0 wanted{&criteria, kOnAdd, {}};
+  Listener listener;
+  HANDLE handle = nullptr;
+  ASSERT_EQ(FwpmSubLayerSubscribeChanges0(session, &wanted, Listener::Hear<FWPM_SUBLAYER_CHANGE0>, &listener,
+                                          &handle),
+            kSuccess);
+  FWPM_SUBLAYER0 sublayer = SublayerRecord();
+  sublayer.providerKey = &providerKey;
+  Add(session, ProviderRecord());
+  Add(session, SublayerRecord(kOtherSublayerKey));
+  Add(session, sublayer);
+  EXPECT_EQ(listener.Await(1).size(), 1U);
+  EXPECT_EQ(FwpmSubLayerUnsubscribeChanges0(session, handle), kSuccess);
+  EXPECT_EQ(listener.Count(), 1U);
+}
+
+TEST_F(Subscription, EndsWithItsSession) {
+  Listener listener;
+  {
+    const TestSession session;
+    ToProviders(session, listener);
+    EXPECT_EQ(EngineEmulator::CountOutstanding().subscriptions, 1U);
+  }
+  EXPECT_EQ(EngineEmulator::CountOutstanding().subscriptions, 0U);
+}
+
+TEST_F(Subscription, EndsWithTheEngine) {
+  HANDLE session = nullptr;
+  Listener listener;
+  FwpmEngineOpen0(nullptr, RPC_C_AUTHN_WINNT, nullptr, nullptr, &session);
+  ToProviders(session, listener);
+  EngineEmulator::Reset();
+  EXPECT_EQ(EngineEmulator::CountOutstanding().subscriptions, 0U);
+}
+
+/// What a callback needs to end its own subscription.
+struct SelfEnder {
+  HANDLE session;
+  HANDLE handle;
+  Listener listener;
+};
+
+void CALLBACK EndSelf(void* context, const FWPM_PROVIDER_CHANGE0*) {
+  auto* const self = static_cast<SelfEnder*>(context);
+  self->listener.Note(std::to_string(FwpmProviderUnsubscribeChanges0(self->session, self->handle)));
+}
+
+TEST_F(Subscription, CanBeEndedByItsOwnCallback) {
+  const TestSession session;
+  SelfEnder self{session, nullptr, {}};
+  const FWPM_PROVIDER_SUBSCRIPTION0 wanted{nullptr, kOnAdd, {}};
+  ASSERT_EQ(FwpmProviderSubscribeChanges0(session, &wanted, EndSelf, &self, &self.handle), kSuccess);
+  ASSERT_EQ(Add(session, ProviderRecord()), kSuccess);
+  EXPECT_THAT(self.listener.Await(1), testing::ElementsAre("0"));
+}
+
+TEST_F(Subscription, IsNoPartOfATransaction) {
+  const TestSession session;
+  Listener listener;
+  const HANDLE handle = ToProviders(session, listener);
+  const FWPM_PROVIDER_SUBSCRIPTION0 wanted{nullptr, kOnBoth, {}};
+  HANDLE other = nullptr;
+  FwpmTransactionBegin0(session, 0);
+  EXPECT_EQ(FwpmProviderSubscribeChanges0(session, &wanted, Listener::Hear<FWPM_PROVIDER_CHANGE0>, &listener,
+                                          &other),
+            kTransactionInProgress);
+  EXPECT_EQ(FwpmProviderUnsubscribeChanges0(session, handle), kTransactionInProgress);
+  FwpmTransactionAbort0(session);
+  EXPECT_EQ(FwpmProviderUnsubscribeChanges0(session, handle), kSuccess);
+}
+
+TEST_F(Subscription, IsRefusedWithNullsAndUnknownFlags) {
+  const TestSession session;
+  FWPM_PROVIDER_SUBSCRIPTION0 wanted{nullptr, kOnBoth, {}};
+  const auto hear = Listener::Hear<FWPM_PROVIDER_CHANGE0>;
+  HANDLE handle = nullptr;
+  EXPECT_EQ(FwpmProviderSubscribeChanges0(session, nullptr, hear, nullptr, &handle), kNullPointer);
+  EXPECT_EQ(FwpmProviderSubscribeChanges0(session, &wanted, nullptr, nullptr, &handle), kNullPointer);
+  EXPECT_EQ(FwpmProviderSubscribeChanges0(session, &wanted, hear, nullptr, nullptr), kNullPointer);
+  wanted.flags = 4;
+  EXPECT_EQ(FwpmProviderSubscribeChanges0(session, &wanted, hear, nullptr, &handle), kInvalidFlags);
+  EXPECT_EQ(FwpmProviderUnsubscribeChanges0(session, &wanted), kNotFound);
+}
+
+TEST_F(Subscription, IsListedWithItsSessionAndTemplate) {
+  const TestSession session;
+  GUID providerKey = kProviderKey;
+  FWPM_SUBLAYER_ENUM_TEMPLATE0 criteria{&providerKey};
+  const FWPM_SUBLAYER_SUBSCRIPTION0 wanted{&criteria, kOnAdd, {}};
+  Listener listener;
+  HANDLE handle = nullptr;
+  ASSERT_EQ(FwpmSubLayerSubscribeChanges0(session, &wanted, Listener::Hear<FWPM_SUBLAYER_CHANGE0>, &listener,
+                                          &handle),
+            kSuccess);
+  FWPM_SUBLAYER_SUBSCRIPTION0** entries = nullptr;
+  UINT32 count = 0;
+  ASSERT_EQ(FwpmSubLayerSubscriptionsGet0(session, &entries, &count), kSuccess);
+  ASSERT_EQ(count, 1U);
+  EXPECT_EQ(entries[0]->flags, kOnAdd);
+  EXPECT_TRUE(*entries[0]->enumTemplate->providerKey == kProviderKey);
+  EXPECT_FALSE(entries[0]->sessionKey == GUID{});
+  Free(entries);
+  FwpmSubLayerUnsubscribeChanges0(session, handle);
+}
+
+}  // namespace

@@ -1,0 +1,111 @@
+// The four things that are known of the weights which the engine chooses.
+#include <vector>
+
+#include "EngineClient.h"
+
+namespace {
+
+class Weight : public EngineTest {
+ protected:
+  static UINT64 Of(const FWP_VALUE0& weight, std::vector<FWPM_FILTER_CONDITION0> conditions) {
+    const TestSession session(kDynamic);
+    FWPM_FILTER0 filter = FilterRecord();
+    filter.weight = weight;
+    filter.numFilterConditions = static_cast<UINT32>(conditions.size());
+    filter.filterCondition = conditions.data();
+    EXPECT_EQ(Add(session, filter), kSuccess);
+    FWPM_FILTER0* found = nullptr;
+    EXPECT_EQ(FwpmFilterGetByKey0(session, &kFilterKey, &found), kSuccess);
+    const UINT64 effective = *found->effectiveWeight.uint64;
+    Free(found);
+    return effective;
+  }
+  static UINT64 Of(const std::vector<FWPM_FILTER_CONDITION0>& conditions) { return Of({}, conditions); }
+
+  static FWPM_FILTER_CONDITION0 Port(UINT16 port) {
+    FWPM_FILTER_CONDITION0 condition{};
+    condition.fieldKey = kRemotePort;
+    condition.conditionValue.type = FWP_UINT16;
+    condition.conditionValue.uint16 = port;
+    return condition;
+  }
+  static FWPM_FILTER_CONDITION0 Protocol() {
+    FWPM_FILTER_CONDITION0 condition{};
+    condition.fieldKey = kProtocol;
+    condition.conditionValue.type = FWP_UINT8;
+    condition.conditionValue.uint8 = 6;
+    return condition;
+  }
+  FWPM_FILTER_CONDITION0 Ports(UINT16 low, UINT16 high) {
+    range_.valueLow.type = range_.valueHigh.type = FWP_UINT16;
+    range_.valueLow.uint16 = low;
+    range_.valueHigh.uint16 = high;
+    FWPM_FILTER_CONDITION0 condition = Port(0);
+    condition.matchType = FWP_MATCH_RANGE;
+    condition.conditionValue.type = FWP_RANGE_TYPE;
+    condition.conditionValue.rangeValue = &range_;
+    return condition;
+  }
+  FWPM_FILTER_CONDITION0 Network(UINT32 mask) {
+    network_ = {0x0A000000, mask};
+    FWPM_FILTER_CONDITION0 condition{};
+    condition.fieldKey = kRemoteAddress;
+    condition.conditionValue.type = FWP_V4_ADDR_MASK;
+    condition.conditionValue.v4AddrMask = &network_;
+    return condition;
+  }
+
+  FWP_RANGE0 range_{};
+  FWP_V4_ADDR_AND_MASK network_{};
+};
+
+TEST_F(Weight, OfAFilterWithoutConditionsIsZero) { EXPECT_EQ(Of({}), 0U); }
+
+TEST_F(Weight, OfTheRangeIsOnTopOfTheRest) {
+  FWP_VALUE0 range{};
+  range.type = FWP_UINT8;
+  range.uint8 = 15;
+  EXPECT_EQ(Of(range, {}), 0xF000000000000000U);
+  EXPECT_EQ(Of(range, {Port(53)}) & 0x0FFFFFFFFFFFFFFF, Of({Port(53)}));
+}
+
+TEST_F(Weight, GivenInFullIsTaken) {
+  UINT64 given = 0xFEDCBA9876543210;
+  FWP_VALUE0 weight{};
+  weight.type = FWP_UINT64;
+  weight.uint64 = &given;
+  EXPECT_EQ(Of(weight, {Port(53)}), 0xFEDCBA9876543210U);
+}
+
+TEST_F(Weight, RisesWithTheConditions) {
+  EXPECT_GT(Of({Port(53)}), 0U);
+  EXPECT_GT(Of({Port(53), Protocol()}), Of({Port(53)}));
+  EXPECT_GT(Of({Port(53), Protocol()}), Of({Protocol()}));
+}
+
+TEST_F(Weight, OfAnExactValueIsAboveThatOfARange) {
+  EXPECT_GT(Of({Port(53)}), Of({Ports(53, 54)}));
+  EXPECT_GT(Of({Ports(53, 54)}), 0U);
+}
+
+TEST_F(Weight, OfARangeOfEverythingIsZero) {
+  EXPECT_EQ(Of({Ports(0, 0xFFFF)}), 0U);
+  EXPECT_EQ(Of({Network(0)}), 0U);
+}
+
+TEST_F(Weight, OfARemoteAddressIsAboveAllOthersTogether) {
+  EXPECT_EQ(Of({Network(0xFFFFFFFF)}), UINT64{1} << 57);
+  EXPECT_EQ(Of({Network(0xFF000000)}), UINT64{1} << 55);
+  EXPECT_GT(Of({Network(0xFF000000)}), Of({Port(53), Protocol()}));
+}
+
+TEST_F(Weight, OfSeveralValuesForAFieldIsThatOfTheWidest) {
+  EXPECT_EQ(Of({Port(53), Port(54)}), Of({Port(53)}));
+  EXPECT_EQ(Of({Port(53), Ports(60, 70)}), Of({Ports(60, 70)}));
+}
+
+TEST_F(Weight, StaysBelowTheRangesWithEveryField) {
+  EXPECT_LT(Of({Network(0xFFFFFFFF), Port(53)}), 1ULL << 60);
+}
+
+}  // namespace
