@@ -28,3 +28,10 @@ endif()
 if(WIN32)
   add_compile_definitions(_WIN32_WINNT=0x0A00 UNICODE _UNICODE WIN32_LEAN_AND_MEAN NOMINMAX)
 endif()
+
+# Everything gets them, third-party code included: a report ends the program, and so fails its test.
+set(CORVANE_SANITIZERS "" CACHE STRING "Sanitizers to build with, as -fsanitize takes them")
+if(CORVANE_SANITIZERS)
+  add_compile_options(-fsanitize=${CORVANE_SANITIZERS} -fno-sanitize-recover=all -fno-omit-frame-pointer)
+  add_link_options(-fsanitize=${CORVANE_SANITIZERS})
+endif()

@@ -4,6 +4,19 @@ export WINEPREFIX="$root/build/wine"
 
 step() { printf '\n== %s\n' "$*"; }
 
+# Installs the Debian packages that are missing. Quiet when there are none.
+install_packages() {
+  local missing=() as_root=() package
+  for package; do
+    [ "$(dpkg-query -W -f '${db:Status-Status}' "$package" 2>/dev/null)" = installed ] || missing+=("$package")
+  done
+  [ ${#missing[@]} -gt 0 ] || return 0
+  [ "$(id -u)" -eq 0 ] || as_root=(sudo)
+  echo "Installing ${missing[*]}"
+  "${as_root[@]}" apt-get update -qq
+  DEBIAN_FRONTEND=noninteractive "${as_root[@]}" apt-get install -y -qq --no-install-recommends "${missing[@]}" >/dev/null
+}
+
 # A prefix without devices that an earlier run left. Wine's services start here, with their output put
 # away, and stay: started by a program whose output somebody reads, they would keep that reader waiting.
 start_wine() {

@@ -6,6 +6,13 @@ cd "$root"
 
 scripts/setup.sh
 
+step "Build the portable sources and their tests with sanitizers"
+cmake --preset native >/dev/null
+cmake --build --preset native
+
+step "Run the tests with sanitizers"
+ctest --preset native --parallel "$(nproc)"
+
 step "Build the Windows library, the tool and the tests"
 cmake --preset windows >/dev/null
 cmake --build --preset windows

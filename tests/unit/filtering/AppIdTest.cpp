@@ -17,8 +17,8 @@ constexpr const wchar_t* kPath = L"C:\\Corvane\\service.exe";
 
 std::size_t BlocksNotGivenBack() { return EngineEmulator::CountOutstanding().memoryBlocks; }
 
-std::wstring Text(const FWP_BYTE_BLOB& blob) {
-  return {reinterpret_cast<const wchar_t*>(blob.data), blob.size / sizeof(wchar_t)};
+std::u16string Text(const FWP_BYTE_BLOB& blob) {
+  return {reinterpret_cast<const char16_t*>(blob.data), blob.size / sizeof(char16_t)};
 }
 
 class AppIdTest : public EngineTest {
@@ -32,7 +32,7 @@ class AppIdTest : public EngineTest {
 TEST_F(AppIdTest, PathBecomesTheEnginesIdentifier) {
   const AppId app{std::wstring(kPath)};
   using namespace std::string_literals;
-  EXPECT_EQ(Text(*app.GetValue()), L"\\device\\harddiskvolume1\\corvane\\service.exe\0"s);
+  EXPECT_EQ(Text(*app.GetValue()), u"\\device\\harddiskvolume1\\corvane\\service.exe\0"s);
 }
 
 TEST_F(AppIdTest, FileThatDoesNotExistThrowsWithTheEnginesCode) {

@@ -1,0 +1,89 @@
+#include <stringapiset.h>
+#include <winbase.h>
+#include <winerror.h>
+
+#include <algorithm>
+#include <string>
+#include <string_view>
+
+namespace {
+
+constexpr char32_t kReplacement = 0xFFFD;
+
+bool IsHighSurrogate(char32_t unit) { return unit >= 0xD800 && unit < 0xDC00; }
+bool IsLowSurrogate(char32_t unit) { return unit >= 0xDC00 && unit < 0xE000; }
+bool IsCharacter(char32_t unit) {
+  return unit <= 0x10FFFF && !IsHighSurrogate(unit) && !IsLowSurrogate(unit);
+}
+
+/// The characters of the text; what is none as it stands.
+std::u32string ToCharacters(std::wstring_view text) {
+  std::u32string characters;
+  for (const wchar_t wide : text) {
+    const auto unit = static_cast<char32_t>(wide);
+    if (!characters.empty() && IsHighSurrogate(characters.back()) && IsLowSurrogate(unit)) {
+      characters.back() = 0x10000 + ((characters.back() - 0xD800) << 10) + (unit - 0xDC00);
+    } else {
+      characters += unit;
+    }
+  }
+  return characters;
+}
+
+void AppendUtf8(std::string& text, char32_t character) {
+  const auto append = [&text](char32_t byte) { text += static_cast<char>(byte); };
+  const auto continuation = [&](int shift) { append(0x80 | ((character >> shift) & 0x3F)); };
+  if (character < 0x80) {
+    append(character);
+  } else if (character < 0x800) {
+    append(0xC0 | character >> 6);
+    continuation(0);
+  } else if (character < 0x10000) {
+    append(0xE0 | character >> 12);
+    continuation(6);
+    continuation(0);
+  } else {
+    append(0xF0 | character >> 18);
+    continuation(12);
+    continuation(6);
+    continuation(0);
+  }
+}
+
+std::string ToUtf8(std::u32string_view characters) {
+  std::string utf8;
+  for (const char32_t character : characters) {
+    AppendUtf8(utf8, IsCharacter(character) ? character : kReplacement);
+  }
+  return utf8;
+}
+
+int Fail(DWORD code) {
+  SetLastError(code);
+  return 0;
+}
+
+}  // namespace
+
+int WideCharToMultiByte(UINT codePage, DWORD flags, LPCWSTR text, int length, LPSTR buffer, int size,
+                        LPCSTR defaultCharacter, BOOL* usedDefault) {
+  if (codePage != CP_UTF8 || (flags & ~DWORD{WC_ERR_INVALID_CHARS}) != 0 || text == nullptr || length == 0 ||
+      length < -1 || size < 0 || defaultCharacter != nullptr || usedDefault != nullptr) {
+    return Fail(ERROR_INVALID_PARAMETER);
+  }
+  const std::u32string characters =
+      ToCharacters(length == -1 ? std::wstring_view(text, std::wstring_view(text).size() + 1)
+                                : std::wstring_view(text, static_cast<std::size_t>(length)));
+  const bool strict = (flags & WC_ERR_INVALID_CHARS) != 0;
+  if (strict && !std::all_of(characters.begin(), characters.end(), IsCharacter)) {
+    return Fail(ERROR_NO_UNICODE_TRANSLATION);
+  }
+  const std::string utf8 = ToUtf8(characters);
+  if (size != 0 && static_cast<std::size_t>(size) < utf8.size()) {
+    return Fail(ERROR_INSUFFICIENT_BUFFER);
+  }
+  if (size != 0) {
+    std::copy(utf8.begin(), utf8.end(), buffer);
+  }
+  return static_cast<int>(utf8.size());
+}

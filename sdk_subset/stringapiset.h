@@ -1,0 +1,32 @@
+/**
+ * @file
+ * Conversion of wide text.
+ */
+#pragma once
+
+#include <windef.h>
+
+#define CP_UTF8 65001
+#define WC_ERR_INVALID_CHARS 0x80
+
+#ifdef __cplusplus
+extern "C" {
+#endif
+
+/**
+ * Wide text to UTF-8. A unit is a character; a pair of surrogates is one too, so that text taken unit by
+ * unit from UTF-16 converts as on the platform. What is no character becomes U+FFFD, or with
+ * WC_ERR_INVALID_CHARS fails the call.
+ * @param codePage CP_UTF8.
+ * @param length -1 if the text ends at its zero, which is then converted too.
+ * @param buffer not used if size is 0.
+ * @param defaultCharacter, usedDefault null, as this code page demands.
+ * @return the number of bytes of the result; 0 after a failure, with the last error
+ *         ERROR_INVALID_PARAMETER, ERROR_INSUFFICIENT_BUFFER or ERROR_NO_UNICODE_TRANSLATION.
+ */
+int WINAPI WideCharToMultiByte(UINT codePage, DWORD flags, LPCWSTR text, int length, LPSTR buffer, int size,
+                               LPCSTR defaultCharacter, BOOL* usedDefault);
+
+#ifdef __cplusplus
+}
+#endif

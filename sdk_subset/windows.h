@@ -1,0 +1,12 @@
+/**
+ * @file
+ * The platform's base, as much of it as the sources use.
+ */
+#pragma once
+
+#include <stringapiset.h>
+#include <winbase.h>
+#include <windef.h>
+#include <winerror.h>
+#include <winnt.h>
+#include <winreg.h>
