@@ -1,0 +1,50 @@
+/**
+ * @file
+ * From the rules to what one run of a command must show.
+ */
+#pragma once
+
+#include <optional>
+#include <string>
+#include <vector>
+
+#include "Commands.h"
+#include "Rules.h"
+#include "StartingStates.h"
+
+/// A call during a command: the nth of its function, from 1.
+struct Occurrence {
+  std::string function;
+  std::size_t nth;
+};
+
+struct Expectation {
+  std::uint64_t result;
+  Texts log;
+  Facts facts;
+  bool leaksSession;
+};
+
+/// A command in a starting state, with the rules for that pair.
+class Expectations {
+ public:
+  Expectations(const Command& command, const StartingState& state);
+
+  /// Fails the test and gives nothing unless there is just one rule without a fault.
+  [[nodiscard]] std::optional<Expectation> WithoutFault() const;
+  /// The same for a call that fails.
+  [[nodiscard]] std::optional<Expectation> WithFault(const Occurrence& call, const Code& code) const;
+  /// Fails the test for every rule that names calls which the command does not make.
+  void ExpectCallsOfEveryRule(const std::vector<Occurrence>& calls) const;
+
+ private:
+  [[nodiscard]] Texts LogOfSuccess() const;
+  [[nodiscard]] Texts Log(const Outcome& outcome, const char* loggedCode) const;
+  [[nodiscard]] RuleSetFacts Change(RuleSetFacts facts, const RuleSetChange& change,
+                                    std::size_t callsBefore) const;
+  [[nodiscard]] Expectation Expect(const Outcome& outcome, std::size_t callsBefore, const Code& code) const;
+
+  const Command& command_;
+  const StartingState& state_;
+  std::vector<Rule> rules_;
+};

@@ -1,0 +1,208 @@
+#include <gmock/gmock.h>
+
+#include <algorithm>
+#include <iostream>
+#include <map>
+#include <optional>
+#include <set>
+#include <sstream>
+#include <string>
+#include <tuple>
+#include <vector>
+
+#include "Commands.h"
+#include "Expectation.h"
+#include "ExportedFunctions.h"
+#include "Facts.h"
+#include "Rules.h"
+#include "StartingStates.h"
+#include "api/ModuleState.h"
+#include "emulator/Control.h"
+
+namespace {
+
+using CommandAndState = std::tuple<std::size_t, std::size_t>;
+
+/// FwpmFreeMemory0 has no result and so cannot fail.
+std::vector<Occurrence> Count(const std::vector<EngineEmulator::Call>& calls) {
+  std::map<std::string, std::size_t> counts;
+  std::vector<Occurrence> occurrences;
+  for (const EngineEmulator::Call& call : calls) {
+    if (call.function != "FwpmFreeMemory0") {
+      occurrences.push_back({call.function, ++counts[call.function]});
+    }
+  }
+  return occurrences;
+}
+
+void ExpectInEngine(const Facts& facts) {
+  const EngineEmulator::Snapshot engine = EngineEmulator::TakeSnapshot();
+  EXPECT_EQ(engine.providers.size(), facts.provider ? 1U : 0U);
+  std::size_t sublayers = 0;
+  std::size_t filters = 0;
+  for (const RuleSet& ruleSet : kRuleSets) {
+    const int expected = (facts.*ruleSet.facts).filters;
+    const auto isIts = [&](const auto& sublayer) { return sublayer.key == ruleSet.key; };
+    const auto isInIt = [&](const auto& filter) { return filter.subLayerKey == ruleSet.key; };
+    const bool present = std::any_of(engine.sublayers.begin(), engine.sublayers.end(), isIts);
+    const auto count = std::count_if(engine.filters.begin(), engine.filters.end(), isInIt);
+    EXPECT_EQ(present ? count : kAbsent, expected) << "filters of the " << ruleSet.name;
+    sublayers += present ? 1 : 0;
+    filters += static_cast<std::size_t>(count);
+  }
+  EXPECT_EQ(engine.sublayers.size(), sublayers);
+  EXPECT_EQ(engine.filters.size(), filters);
+}
+
+class FaultMatrix : public ModuleTest, public testing::WithParamInterface<CommandAndState> {
+ public:
+  static void TearDownTestSuite();
+
+ protected:
+  void TearDown() override;
+
+  /// Gives the calls that the command makes.
+  std::vector<Occurrence> RunWithoutFault();
+  void RunWithFault(const Occurrence& call, const Code& code);
+
+  const Command& command_ = Commands()[std::get<0>(GetParam())];
+  const StartingState& state_ = StartingStates()[std::get<1>(GetParam())];
+  const Expectations expectations_{command_, state_};
+
+  inline static std::size_t pairs_ = 0;
+  inline static std::size_t cases_ = 0;
+
+ private:
+  void Enter();
+  std::vector<EngineEmulator::Call> RunAndExpect(const Expectation& expected);
+  void Expect(const Facts& facts) const;
+  void CloseAndExpectNothingLeft(bool leaksSession) const;
+};
+
+void FaultMatrix::TearDown() {
+  EngineEmulator::Reset();
+  ModuleTest::TearDown();
+}
+
+/// A fresh module, brought into the starting state.
+void FaultMatrix::Enter() {
+  Module() = {};
+  ModuleTest::SetUp();
+  PrepareMachine();
+  InitializeModule();
+  state_.enter(Log);
+  TakeLog();
+  const testing::ScopedTrace trace(__FILE__, __LINE__, "the starting state");
+  Expect(state_.facts);
+}
+
+void FaultMatrix::Expect(const Facts& facts) const {
+  EXPECT_STREQ(GetErrorText(), facts.errorText);
+  for (const RuleSet& ruleSet : kRuleSets) {
+    const bool registered = ruleSet.query() == ruleSet.answerWhenRegistered;
+    EXPECT_EQ(registered, (facts.*ruleSet.facts).registered) << "query of the " << ruleSet.name;
+  }
+  ExpectInEngine(facts);
+  const EngineEmulator::Outstanding outstanding = EngineEmulator::CountOutstanding();
+  EXPECT_EQ(outstanding.sessions, facts.session ? 1U : 0U);
+  EXPECT_EQ(outstanding.openTransactions, facts.transaction ? 1U : 0U);
+  EXPECT_EQ(outstanding.enumHandles, 0U);
+}
+
+/// Gives the calls that the command made.
+std::vector<EngineEmulator::Call> FaultMatrix::RunAndExpect(const Expectation& expected) {
+  const auto callsBefore = static_cast<std::ptrdiff_t>(EngineEmulator::Journal().size());
+  EXPECT_EQ(command_.run(Log), expected.result);
+  EXPECT_EQ(TakeLog(), expected.log);
+  Expect(expected.facts);
+  const std::vector<EngineEmulator::Call> journal = EngineEmulator::Journal();
+  CloseAndExpectNothingLeft(expected.leaksSession);
+  return {journal.begin() + callsBefore, journal.end()};
+}
+
+/// A new Initialize drops the firewall of the one before. Only records of providers that were found are
+/// kept for good.
+void FaultMatrix::CloseAndExpectNothingLeft(bool leaksSession) const {
+  InitializeModule();
+  const testing::ScopedTrace trace(__FILE__, __LINE__, "after closing");
+  const EngineEmulator::Outstanding outstanding = EngineEmulator::CountOutstanding();
+  EXPECT_EQ(outstanding.sessions, leaksSession ? 1U : 0U);
+  EXPECT_EQ(outstanding.enumHandles, 0U);
+  const std::vector<EngineEmulator::Call> journal = EngineEmulator::Journal();
+  const auto kept = std::count_if(journal.begin(), journal.end(), [](const EngineEmulator::Call& call) {
+    return call.function == "FwpmProviderGetByKey0" && call.result == ERROR_SUCCESS;
+  });
+  EXPECT_EQ(outstanding.memoryBlocks, static_cast<std::size_t>(kept));
+  if (!leaksSession) {
+    EXPECT_EQ(outstanding.openTransactions, 0U);
+    ExpectInEngine({.provider = state_.besideProvider});
+  }
+}
+
+std::vector<Occurrence> FaultMatrix::RunWithoutFault() {
+  const testing::ScopedTrace trace(__FILE__, __LINE__, "without a fault");
+  const std::optional<Expectation> expected = expectations_.WithoutFault();
+  if (!expected) {
+    return {};
+  }
+  Enter();
+  return Count(RunAndExpect(*expected));
+}
+
+void FaultMatrix::RunWithFault(const Occurrence& call, const Code& code) {
+  std::ostringstream fault;
+  fault << call.function << " number " << call.nth << " gives " << code.value;
+  const testing::ScopedTrace trace(__FILE__, __LINE__, fault.str());
+  const std::optional<Expectation> expected = expectations_.WithFault(call, code);
+  if (!expected) {
+    return;
+  }
+  Enter();
+  EngineEmulator::FailCall(call.function, call.nth, code.value);
+  std::vector<EngineEmulator::Call> calls = RunAndExpect(*expected);
+  std::erase_if(calls, [&](const EngineEmulator::Call& made) { return made.function != call.function; });
+  ASSERT_GE(calls.size(), call.nth);
+  EXPECT_EQ(calls[call.nth - 1].result, code.value);
+  ++cases_;
+}
+
+void FaultMatrix::TearDownTestSuite() {
+  RecordProperty("cases", std::to_string(cases_));
+  std::cout << "Fault matrix: " << cases_ << " cases of command, state, call and code; " << pairs_
+            << " pairs of command and state\n";
+  if (pairs_ == Commands().size() * StartingStates().size()) {
+    EXPECT_GE(cases_, 10000U);
+  }
+}
+
+TEST_P(FaultMatrix, FollowsTheRulesWhicheverCallFails) {
+  const std::vector<Occurrence> calls = RunWithoutFault();
+  expectations_.ExpectCallsOfEveryRule(calls);
+  for (const Occurrence& call : calls) {
+    for (const Code& code : kCodes) {
+      RunWithFault(call, code);
+      if (HasFailure()) {
+        return;  // One failure says it all; the hundreds like it would bury it.
+      }
+    }
+  }
+  ++pairs_;
+}
+
+INSTANTIATE_TEST_SUITE_P(EveryCommandInEveryState, FaultMatrix,
+                         testing::Combine(testing::Range(std::size_t{0}, Commands().size()),
+                                          testing::Range(std::size_t{0}, StartingStates().size())),
+                         [](const testing::TestParamInfo<CommandAndState>& pair) {
+                           return std::string(Commands()[std::get<0>(pair.param)].name) + "From" +
+                                  StartingStates()[std::get<1>(pair.param)].name;
+                         });
+
+TEST(FaultMatrixTable, HasEachExportedFunction) {
+  std::set<std::string> functions;
+  for (const Command& command : Commands()) {
+    functions.insert(command.function);
+  }
+  EXPECT_THAT(functions, testing::UnorderedElementsAreArray(kExportedFunctions));
+}
+
+}  // namespace

@@ -1,0 +1,29 @@
+#include "RuleWords.h"
+
+namespace {
+
+constexpr Rule kRules[]{
+    // Initialize makes one call, to close the session before. The engine's refusal leaves the session to
+    // the engine.
+    {kInitialize,
+     kAllStates & ~kOffBesideProvider,
+     nullptr,
+     {},
+     {.killSwitch = {false, kAbsent},
+      .dhcp = {false, kAbsent},
+      .session = false,
+      .provider = false,
+      .transaction = false}},
+    {kInitialize, kOffBesideProvider, nullptr, {}, kNothingHappens},
+    {kInitialize,
+     kAllStates & ~kWithoutSession,
+     "FwpmEngineClose0",
+     kOnce,
+     {.killSwitch = {.registered = false}, .dhcp = {.registered = false}, .leaksSession = true}},
+
+    {kQueries, kAllStates, nullptr, {}, kNothingHappens},
+};
+
+}  // namespace
+
+std::span<const Rule> ModuleRules() { return kRules; }

@@ -1,0 +1,47 @@
+/**
+ * @file
+ * What the tables of rules have in common: codes, texts, groups of states.
+ */
+#pragma once
+
+#include "Commands.h"
+#include "Rules.h"
+#include "StartingStates.h"
+
+constexpr Code kOne{1, "1"};
+constexpr Code kAlreadyExists{0x80320009, "-2144206839"};
+constexpr Code kInUse{0x8032000a, "-2144206838"};
+constexpr Code kTransactionInProgress{0x8032000e, "-2144206834"};
+
+constexpr const char* kOpenFails = "Error opening engine.";
+constexpr const char* kProviderFails = "Failed to add provider";
+constexpr const char* kSublayerFails = "Error creating sublayer.";
+constexpr const char* kFilterFails = "Failed to add filter to firewall.";
+constexpr const char* kRemovalFails = "Failed to remove provider.";
+constexpr const char* kBeginFails = "Failed to begin transaction.";
+constexpr const char* kCommitFails = "Failed to commit transaction.";
+constexpr const char* kAppFails = "Failed to retrieve app blob";
+
+constexpr const char* kRemoveLine = "NATIVE: Remove killswitch layer";
+constexpr const char* kCreateLine = "NATIVE: create killswitch layer";
+
+constexpr unsigned kAllStates = (kReplacementFailed << 1U) - 1;
+constexpr unsigned kBothOff = kOff | kOffAgain | kOffBesideProvider;
+constexpr unsigned kKillSwitchInEngine = kKillSwitchOn | kKillSwitchWithAppsOn | kBothOn | kKillSwitchTorso;
+constexpr unsigned kReplaceable = kKillSwitchInEngine | kKillSwitchUnopened;
+constexpr unsigned kKillSwitchRegistered = kReplaceable | kReplacementFailed;
+constexpr unsigned kDhcpInEngine = kDhcpOn | kBothOn | kDhcpTorso;
+constexpr unsigned kDhcpRegistered = kDhcpInEngine | kDhcpUnopened;
+constexpr unsigned kWithoutSession = kOff | kOffBesideProvider | kKillSwitchUnopened | kDhcpUnopened;
+/// DHCP was switched on before, and comes first when rule sets are applied.
+constexpr unsigned kDhcpInEngineFirst = kDhcpOn | kDhcpTorso;
+/// The same for the kill switch.
+constexpr unsigned kKillSwitchInEngineFirst = kKillSwitchOn | kKillSwitchWithAppsOn | kKillSwitchTorso;
+constexpr unsigned kKillSwitchStillToAdd = kKillSwitchUnopened | kReplacementFailed;
+
+constexpr Range kOnce{1, 1};
+constexpr Range kSecond{2, 2};
+constexpr Range kEach{1, kLast};
+
+constexpr Outcome kNothingHappens{};
+constexpr Outcome kHarmless{.asWithoutFault = true};

@@ -1,0 +1,35 @@
+/**
+ * @file
+ * The states of the module from which the fault matrix starts its commands.
+ */
+#pragma once
+
+#include <span>
+
+#include "Facts.h"
+
+/// A state is one bit, so that a rule can name several.
+enum StateBits : unsigned {
+  kOff = 1U << 0,
+  kOffAgain = 1U << 1,
+  kOffBesideProvider = 1U << 2,
+  kKillSwitchOn = 1U << 3,
+  kKillSwitchWithAppsOn = 1U << 4,
+  kDhcpOn = 1U << 5,
+  kBothOn = 1U << 6,
+  kKillSwitchUnopened = 1U << 7,
+  kKillSwitchTorso = 1U << 8,
+  kDhcpUnopened = 1U << 9,
+  kDhcpTorso = 1U << 10,
+  kReplacementFailed = 1U << 11,
+};
+
+struct StartingState {
+  const char* name;
+  unsigned bit;
+  void (*enter)(LogCallback log);  ///< from Initialize
+  Facts facts;                     ///< thereafter
+  bool besideProvider = false;     ///< the engine has the provider without the library
+};
+
+std::span<const StartingState> StartingStates();
