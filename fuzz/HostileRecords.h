@@ -1,0 +1,104 @@
+/**
+ * @file
+ * Records of the engine such as no sane client makes.
+ */
+#pragma once
+
+#include <WfpPlatform.h>
+
+#include <memory>
+#include <type_traits>
+#include <utility>
+#include <vector>
+
+#include "fuzz/Input.h"
+
+namespace Fuzz {
+
+/// Makes records from a case's bytes and keeps alive what they point at. Pointers are null or valid;
+/// everything else may be anything. A count or size is that of what is there, or far beyond reason.
+class HostileRecords {
+ public:
+  explicit HostileRecords(Input& input) : input_(input) {}
+
+  /// One of a few that records of any kind share, so that they meet.
+  GUID Key();
+  GUID* KeyPointer();
+  wchar_t* Text();
+
+  FWP_VALUE0 Value();
+  /// Null, or a SID in room for the longest that its count can claim.
+  SID* Sid();
+  /// Null, or a list in room for the longest that its size can claim.
+  ACL* AccessList();
+  /// Null, or a self-relative descriptor whose parts are in its room.
+  PSECURITY_DESCRIPTOR SecurityDescriptor();
+
+  /// Null or a record: one that the private part can fill.
+  template <class Record>
+  Record* Pointer() {
+    if (!input_.TakeFlag()) {
+      return nullptr;
+    }
+    auto* record = Keep(Record{});
+    Fill(*record);
+    return record;
+  }
+
+ private:
+  template <class T>
+  T* Keep(T value) {
+    auto kept = std::make_shared<T>(std::move(value));
+    kept_.push_back(kept);
+    return kept.get();
+  }
+
+  /// A number behind a pointer, or null.
+  template <class Plain>
+  Plain* PlainPointer() {
+    return input_.TakeFlag() ? Keep(input_.Take<Plain>()) : nullptr;
+  }
+
+  /// How many there are, or a count that nobody can mean.
+  UINT32 Count(std::size_t count) {
+    return input_.TakeIndex(8) == 7 ? 0xFFFFFFFF : static_cast<UINT32>(count);
+  }
+
+  GUID LayerKey();
+  FWPM_DISPLAY_DATA0 DisplayData();
+  FWP_BYTE_BLOB Blob();
+  FWP_BYTE_BLOB* BlobPointer();
+  FWP_TOKEN_INFORMATION* Token();
+  template <class NativeValue>
+  void FillData(NativeValue& value);
+  FWP_CONDITION_VALUE0 ConditionValue();
+  std::vector<FWPM_FILTER_CONDITION0>& Conditions();
+
+  void Fill(FWPM_SESSION0& session);
+  void Fill(FWPM_PROVIDER0& provider);
+  void Fill(FWPM_SUBLAYER0& sublayer);
+  void Fill(FWPM_CALLOUT0& callout);
+  void Fill(FWPM_FILTER0& filter);
+  void Fill(FWPM_SESSION_ENUM_TEMPLATE0& criteria);
+  void Fill(FWPM_LAYER_ENUM_TEMPLATE0& criteria);
+  void Fill(FWPM_PROVIDER_ENUM_TEMPLATE0& criteria);
+  void Fill(FWPM_SUBLAYER_ENUM_TEMPLATE0& criteria);
+  void Fill(FWPM_CALLOUT_ENUM_TEMPLATE0& criteria);
+  void Fill(FWPM_FILTER_ENUM_TEMPLATE0& criteria);
+  void Fill(FWPM_PROVIDER_SUBSCRIPTION0& subscription);
+  void Fill(FWPM_SUBLAYER_SUBSCRIPTION0& subscription);
+  void Fill(FWPM_CALLOUT_SUBSCRIPTION0& subscription);
+  void Fill(FWPM_FILTER_SUBSCRIPTION0& subscription);
+
+  template <class Subscription>
+  void FillSubscription(Subscription& subscription) {
+    subscription.enumTemplate = Pointer<std::remove_pointer_t<decltype(subscription.enumTemplate)>>();
+    subscription.flags = input_.Take<UINT8>();
+    subscription.sessionKey = Key();
+  }
+
+  Input& input_;
+  std::vector<std::shared_ptr<void>> kept_;
+};
+
+}  // namespace Fuzz

@@ -1,0 +1,189 @@
+#!/usr/bin/env python3
+"""Writes the seeds in corpus/: cases that reach deep, for the fuzzers to start from.
+
+The layout of a case is that of the target's own source, bytes from front to back; choices from a table are one
+byte, its index. Run it again when a table's order changes.
+"""
+import re
+import shutil
+from pathlib import Path
+
+HERE = Path(__file__).parent
+
+
+def names_in(header, pattern):
+    return re.findall(pattern, (HERE.parent / header).read_text(), re.MULTILINE)
+
+
+FIELDS = names_in("catalog/Fields.h", r'^    \{"(\w+)", "[0-9a-f-]{36}"_guid')
+LAYERS = names_in("catalog/Layers.cpp", r'^    \{"(\w+)", "[0-9a-f-]{36}"_guid')
+
+
+def number(value, size):
+    return value.to_bytes(size, "little")
+
+
+def text(characters):
+    return bytes([len(characters)]) + characters.encode()
+
+
+def wide(characters):
+    return bytes([len(characters)]) + characters.encode("utf-16-le")
+
+
+# registry_property: type, data
+REGISTRY = {
+    "nothing": b"\x00",
+    "string": b"\x01" + "Tunnel\0".encode("utf-32-le"),
+    "expandable": b"\x02" + "%a%\0tail".encode("utf-16-le"),
+    "binary": b"\x03\x01\x02\x03",
+    "number": b"\x04\x78\x56\x34\x12",
+    "short_number": b"\x04\x78\x56",
+    "big_endian": b"\x05\x12\x34\x56\x78",
+    "list": b"\x07" + "one\0two\0\0".encode("utf-32-le"),
+    "long_number": b"\x0b" + number(0x0123456789ABCDEF, 8),
+    "unknown": b"\x63\x01",
+}
+
+
+# address_texts: address, mask, prefix length, number, bytes
+def addresses(address, mask="", prefix=0, as_number=0, as_bytes=b""):
+    return text(address) + text(mask) + number(prefix, 1) + number(as_number, 4) + as_bytes
+
+
+ADDRESSES = {
+    "ipv4": addresses("192.168.0.0", "255.255.0.0", 16, 0x7F000001),
+    "broadcast": addresses("255.255.255.255", "0.0.0.0", 0, 0xFFFFFFFF),
+    "ipv6": addresses("fe80::1", "", 64, 0, bytes(range(16))),
+    "mapped": addresses("::ffff:10.0.0.1", "", 128, 0, bytes(10) + b"\xff\xff\x0a\x00\x00\x01"),
+    "malformed": addresses("1.2.3", "1.2.3.4.5", 255),
+    "empty": addresses(""),
+}
+
+
+# filter_from_native: action, layer, flags, weight's type and value, conditions
+def native(layer, *conditions, action=0, flags=0, weight=(1, 15)):
+    return bytes([action, LAYERS.index(layer), flags, *weight]) + b"".join(conditions)
+
+
+def condition(field, data_type, data, match=0):
+    return bytes([FIELDS.index(field), match]) + number(data_type, 2) + b"\x01" + data.ljust(32, b"\0")
+
+
+FILTERS = {
+    "block": native("ALE_AUTH_CONNECT_V4"),
+    "override": native("ALE_AUTH_CONNECT_V6", action=1, flags=8, weight=(0, 0)),
+    "forward_v6": native("IPFORWARD_V6"),
+    "app": native("ALE_AUTH_CONNECT_V4", condition("ALE_APP_ID", 12, number(4, 8))),
+    "interface": native("ALE_AUTH_CONNECT_V4", condition("IP_LOCAL_INTERFACE", 4, number(6 << 48, 8), match=10)),
+    "dhcp": native("ALE_AUTH_CONNECT_V4", condition("IP_PROTOCOL", 1, b""), condition("IP_LOCAL_PORT", 2, b""),
+                   condition("IP_REMOTE_PORT", 2, b"", match=1)),
+    "networks": native("ALE_AUTH_CONNECT_V4", condition("IP_REMOTE_ADDRESS", 256, bytes(8)),
+                       condition("IP_REMOTE_ADDRESS", 257, bytes(17)), condition("IP_LOCAL_ADDRESS", 3, b"")),
+    "indexes": native("INBOUND_IPPACKET_V4", condition("INTERFACE_INDEX", 3, b""),
+                      condition("SUB_INTERFACE_INDEX", 3, b""), condition("FLAGS", 3, b"")),
+    "range": native("ALE_AUTH_CONNECT_V4", condition("IP_REMOTE_PORT", 258, bytes(32), match=5)),
+    "unknown_field": native("ALE_AUTH_CONNECT_V4", condition("ALE_USER_ID", 14, number(4, 8))),
+}
+
+# command_sequence: the provider's name, then commands; each after a planned fault or none
+def disable_internet(apps=b"", interfaces=None, machine=b"\0\0\0"):
+    names = interfaces or b""
+    return (b"\0" + machine + number(len(apps), 1) + apps + number(len(names), 1) + names +
+            number(interfaces is not None, 1))
+
+
+ENABLE_INTERNET, ENABLE_DHCP, DISABLE_DHCP = b"\x01", b"\x02", b"\x03"
+INITIALIZE = b"\x04" + wide("again")
+OPEN, ADD_PROVIDER, ADD_SUBLAYER, ADD_FILTER, DELETE_SUBLAYER, BEGIN, COMMIT, APP_ID = range(4, 12)
+
+
+def calm(command):
+    return b"\0" + command
+
+
+def failing(call, command, nth=1):
+    return bytes([1, call, nth - 1, 0]) + command
+
+
+COMMANDS = {
+    "kill_switch": [calm(disable_internet()), calm(ENABLE_INTERNET)],
+    "apps": [calm(disable_internet(apps=b"\0\1")), calm(disable_internet(apps=b"\1")), calm(ENABLE_INTERNET)],
+    "missing_app": [calm(disable_internet()), calm(disable_internet(apps=b"\2")), calm(disable_internet())],
+    "interfaces": [calm(disable_internet(interfaces=b"\0\3", machine=b"\1\1\0")), calm(disable_internet())],
+    "no_adapters": [calm(disable_internet(interfaces=b"\1", machine=b"\0\0\1\6\0\3"))],
+    "dhcp": [calm(ENABLE_DHCP), calm(ENABLE_DHCP), calm(DISABLE_DHCP), calm(DISABLE_DHCP)],
+    "both": [calm(ENABLE_DHCP), calm(disable_internet()), calm(INITIALIZE), calm(ENABLE_DHCP)],
+    "open": [failing(OPEN, ENABLE_DHCP), calm(disable_internet())],
+    "provider": [failing(ADD_PROVIDER, disable_internet()), calm(ENABLE_INTERNET)],
+    "sublayer": [failing(ADD_SUBLAYER, ENABLE_DHCP), calm(DISABLE_DHCP)],
+    "filter": [failing(ADD_FILTER, disable_internet(), nth=17), calm(ENABLE_INTERNET)],
+    "remove": [calm(ENABLE_DHCP), failing(DELETE_SUBLAYER, DISABLE_DHCP), calm(DISABLE_DHCP)],
+    "begin": [calm(disable_internet()), failing(BEGIN, disable_internet())],
+    "commit": [calm(disable_internet()), failing(COMMIT, disable_internet()), calm(disable_internet())],
+    "app_id": [failing(APP_ID, disable_internet(apps=b"\0\1"), nth=2), calm(ENABLE_INTERNET)],
+}
+
+
+# emulator_calls: whether lenient, then calls, the first byte of each its place in the target's table
+NULL, NO_BLOB = b"\0", b"\0\0\0"
+NAME = b"\x01" + wide("name") + NULL
+OPEN_STATIC = bytes([0, 0, 0]) + NULL + b"\0"
+OPEN_DYNAMIC = bytes([0, 0, 0]) + b"\x01" + b"\0" + NULL + NULL + b"\x01\x01" + NULL + NULL + b"\0" + b"\0"
+
+
+def add_provider(key, session=0):
+    return bytes([5, 1, key]) + NAME + b"\0" + NO_BLOB + NULL + bytes([session]) + NULL
+
+
+def add_sublayer(key, session=0):
+    return bytes([6, 1, key]) + NAME + b"\0" + NULL + NO_BLOB + number(7, 2) + bytes([session]) + NULL
+
+
+def add_filter(layer, *tests, sublayer=4, session=0):
+    return (bytes([8, 1, 0]) + NAME + b"\0" + NULL + NO_BLOB + bytes([LAYERS.index(layer), sublayer]) +
+            b"\x01" + number(15, 4) + bytes([len(tests)]) + b"".join(tests) + b"\0" + b"\x01" + b"\x01" +
+            b"\0\0\0" + bytes([session]) + NULL + b"\0")
+
+
+def test(field, data_type, data, match=0):
+    return bytes([FIELDS.index(field), match, data_type]) + data
+
+
+def begin(session=0):
+    return bytes([2, session, 0])
+
+
+def every_filter(session=0):
+    create = bytes([12, 2, session, 0]) + NULL + b"\0"
+    read = bytes([12, 2, session, 1, 0, 1, 0, 0])
+    destroy = bytes([12, 2, session, 2, 0])
+    return create + read + read + destroy
+
+
+CALLS = {
+    "objects": [OPEN_STATIC, add_provider(1), add_sublayer(2), add_filter("ALE_AUTH_CONNECT_V4", sublayer=2),
+                every_filter()],
+    "conditions": [OPEN_STATIC, add_filter("ALE_AUTH_CONNECT_V4",
+                                           test("IP_REMOTE_PORT", 2, number(53, 4)),
+                                           test("IP_REMOTE_ADDRESS", 16, b"\x01" + bytes(8)),
+                                           test("IP_LOCAL_INTERFACE", 4, b"\x01" + number(1, 8), match=10)),
+                   every_filter()],
+    "transactions": [OPEN_DYNAMIC, OPEN_STATIC, begin(), add_sublayer(3), begin(session=1), bytes([3, 0]),
+                     begin(), add_filter("IPFORWARD_V4", sublayer=3), bytes([4, 0]), bytes([1, 0]), every_filter()],
+    "wrong_types": [OPEN_STATIC, add_filter("ALE_AUTH_CONNECT_V6", test("IP_PROTOCOL", 2, number(17, 4)),
+                                            test("IP_REMOTE_ADDRESS", 18, b"\x01\x01\x01\x02\x01\x02"))],
+}
+
+for target, seeds in {
+        "registry_property": REGISTRY,
+        "address_texts": ADDRESSES,
+        "filter_from_native": FILTERS,
+        "command_sequence": {name: wide("corvane") + b"".join(steps) for name, steps in COMMANDS.items()},
+        "emulator_calls": {name: b"\0" + b"".join(calls) for name, calls in CALLS.items()},
+}.items():
+    folder = HERE / "corpus" / target
+    shutil.rmtree(folder, ignore_errors=True)
+    folder.mkdir(parents=True)
+    for name, case in seeds.items():
+        (folder / name).write_bytes(case)
