@@ -3,11 +3,15 @@
 #include <optional>
 #include <string>
 #include <string_view>
+#include <utility>
+#include <vector>
 
 #include "api/ModuleState.h"
 #include "corvane/native_firewall.h"
 #include "emulator/Control.h"
 #include "fuzz/Input.h"
+#include "helpers/NetworkInfoException.h"
+#include "support/AppBlock.h"
 #include "support/FakePlatform.h"
 
 namespace {
@@ -25,14 +29,19 @@ constexpr GUID kProviderKey = Key(1);
 constexpr GUID kKillSwitchKey = Key(2);
 constexpr GUID kDhcpKey = Key(3);
 constexpr GUID kOtherKey = Key(4);
+constexpr GUID kDnsLeakKey = Key(5);
+constexpr GUID kFirewallCopyKey = Key(6);
+constexpr GUID kInterfaceLeakKey = Key(7);
+constexpr GUID kLeakKeys[]{kDnsLeakKey, kFirewallCopyKey, kInterfaceLeakKey};
 
 constexpr const wchar_t* kExistingApps[]{L"C:\\a.exe", L"C:\\Program Files\\b.exe"};
 constexpr const wchar_t* kApps[]{kExistingApps[0], kExistingApps[1], L"C:\\missing.exe", L"", L"\xD800"};
 constexpr const wchar_t* kInterfaceNames[]{L"Tunnel", L"tunnel", L"", L"No such adapter", L"\xDC00"};
 
 /// Looked up, or tried without caring, so that a failure by itself fails no command.
-constexpr const char* kToleratedCalls[]{"FwpmProviderGetByKey0", "FwpmSubLayerGetByKey0",
-                                        "FwpmFilterDeleteById0", "FwpmFreeMemory0"};
+constexpr const char* kToleratedCalls[]{
+    "FwpmProviderGetByKey0",       "FwpmSubLayerGetByKey0", "FwpmFilterDeleteById0",       "FwpmFreeMemory0",
+    "FwpmFilterCreateEnumHandle0", "FwpmFilterEnum0",       "FwpmFilterDestroyEnumHandle0"};
 constexpr const char* kPlatformCalls[]{"SetupDiGetClassDevsW", "SetupDiEnumDeviceInfo",
                                        "SetupDiOpenDevRegKey", "SetupDiGetDeviceRegistryPropertyW",
                                        "RegQueryValueExW",     "FormatMessageA",
@@ -61,9 +70,16 @@ struct Failure {
   std::uint32_t code;
 };
 
+using Calls = std::vector<EngineEmulator::Call>;
+
+bool IsFailedRemoval(const EngineEmulator::Call& call) {
+  return call.function == "FwpmSubLayerDeleteByKey0" && call.result != ERROR_SUCCESS &&
+         call.result != 0x80320005;
+}
+
 /// The first failed call that the command cannot do without.
-std::optional<Failure> FirstFailure() {
-  for (const EngineEmulator::Call& call : EngineEmulator::Journal()) {
+std::optional<Failure> FirstFailure(const Calls& calls = EngineEmulator::Journal()) {
+  for (const EngineEmulator::Call& call : calls) {
     const auto* rule = std::ranges::find(kFailureTexts, call.function, &FailureText::function);
     const bool sublayerWasGone = call.function == "FwpmSubLayerDeleteByKey0" && call.result == 0x80320005;
     if (call.result != ERROR_SUCCESS && rule != std::end(kFailureTexts) && !sublayerWasGone) {
@@ -71,6 +87,18 @@ std::optional<Failure> FirstFailure() {
     }
   }
   return std::nullopt;
+}
+
+/// The calls without which EnableLeakProtection cannot do when it does not replace anything: neither
+/// those of the DNS rules, nor the session that the copy is read in, nor the removal of what failed.
+Calls EssentialCallsOfFirstEnable() {
+  Calls calls = EngineEmulator::Journal();
+  std::erase_if(calls, [readerSeen = false](const EngineEmulator::Call& call) mutable {
+    const bool isReader = call.function == "FwpmEngineOpen0" && !std::exchange(readerSeen, true);
+    return isReader || call.function == "FwpmGetAppIdFromFileName0" ||
+           call.function == "FwpmSubLayerDeleteByKey0";
+  });
+  return calls;
 }
 
 std::string& LastLine() {
@@ -94,24 +122,27 @@ class Host {
     for (const wchar_t* app : kExistingApps) {
       EngineEmulator::PretendFileExists(app);
     }
+    AppBlock(L"C:\\blocked.exe").Add();
   }
 
   void Run() {
     Initialize();
     for (int i = 0; i < kMostCommands && !input_.IsEmpty(); ++i) {
-      constexpr void (Host::*kCommands[])(){&Host::DisableInternet, &Host::EnableInternet, &Host::EnableDhcp,
-                                            &Host::DisableDhcp, &Host::Initialize};
+      constexpr void (Host::*kCommands[])(){
+          &Host::DisableInternet,      &Host::EnableInternet,        &Host::EnableDhcp, &Host::DisableDhcp,
+          &Host::EnableLeakProtection, &Host::DisableLeakProtection, &Host::Initialize};
       PlanFault();
       EngineEmulator::ClearJournal();
       (this->*input_.TakeOneOf(kCommands))();
+      CountKeptMemory();
       RequireAnswers();
       RequireEngine();
     }
     Module() = {};
     const EngineEmulator::Outstanding outstanding = EngineEmulator::CountOutstanding();
     Require(outstanding.sessions == 0 && outstanding.openTransactions == 0 && outstanding.enumHandles == 0 &&
-                outstanding.memoryBlocks == 0,
-            "everything is given back in the end");
+                outstanding.memoryBlocks == keptBlocks_,
+            "everything but enumerated filters is given back in the end");
   }
 
  private:
@@ -152,8 +183,8 @@ class Host {
     const auto text = input_.TakeWideText();
     const wchar_t* const name = text.c_str();
     ::Initialize(&kProviderKey, name, name, &kKillSwitchKey, name, name, &kOtherKey, name, name, &kDhcpKey,
-                 name, name, &kOtherKey, name, name, &kOtherKey, name, name, &kOtherKey, name, name,
-                 &kOtherKey, name, name, name);
+                 name, name, &kDnsLeakKey, name, name, &kInterfaceLeakKey, name, name, &kFirewallCopyKey,
+                 name, name, &kOtherKey, name, name, input_.TakeFlag() ? name : kExistingApps[0]);
     Require(EngineEmulator::CountOutstanding().sessions == 0, "a fresh start has no session");
     killSwitch_ = dhcp_ = failed_ = false;
     apps_ = 0;
@@ -202,6 +233,57 @@ class Host {
     RequireLastLine(wasOn ? "NATIVE: dhcp disabled successfully." : "NATIVE: disabling dhcp", failure);
   }
 
+  void EnableLeakProtection() {
+    SetUpMachine();
+    const auto names = TakeTexts(kInterfaceNames);
+    const std::string server = input_.TakeText();
+    const std::uint64_t luid = input_.TakeFlag() ? input_.Take<std::uint64_t>() : 0;
+    std::vector<std::uint32_t> permitted(input_.TakeIndex(4));
+    std::ranges::generate(permitted, [&] { return input_.Take<std::uint32_t>(); });
+    const bool replaces = IsRegistered(kInterfaceLeakKey);
+    std::uint64_t result = 0;
+    try {
+      result =
+          ::EnableLeakProtection(server.c_str(), Log, names.data(), static_cast<std::uint32_t>(names.size()),
+                                 luid, permitted.data(), permitted.size());
+    } catch (const WfpFirewall::Helpers::NetworkInfoException&) {
+      Require(luid == 0, "adapters are searched only without a LUID");
+      RequireIdleUnless(false);
+      return;
+    }
+    std::ranges::fill(permitted, 0U);
+    const auto failure = replaces ? FirstFailure() : FirstFailure(EssentialCallsOfFirstEnable());
+    Require(result == (failure ? failure->code : 0), "the result is that of the first call needed");
+    Require((LastLine() == "NATIVE: LeakProtection applying finished.") == !failure,
+            "the log ends with the outcome");
+    Require(failure || IsRegistered(kInterfaceLeakKey), "interface rules can always be built");
+    RequireRemovedIf(failure.has_value());
+    filtersPerInterface_ = permitted.empty() ? 20 : 21;
+    failed_ = failed_ || failure || IsLeakProtectionEnabled() == 0;
+  }
+
+  void DisableLeakProtection() {
+    const bool wasOn = IsAnyLeakRuleRegistered();
+    Require(::DisableLeakProtection() == 0, "switching leak protection off never fails");
+    RequireIdleUnless(wasOn);
+    RequireRemovedIf(true);
+  }
+
+  static bool IsAnyLeakRuleRegistered() { return std::ranges::any_of(kLeakKeys, IsRegistered); }
+
+  static void RequireRemovedIf(bool removed) {
+    Require(!removed || !IsAnyLeakRuleRegistered() ||
+                std::ranges::any_of(EngineEmulator::Journal(), IsFailedRemoval),
+            "only what cannot be removed stays");
+  }
+
+  void CountKeptMemory() {
+    keptBlocks_ += static_cast<std::size_t>(
+        std::ranges::count_if(EngineEmulator::Journal(), [](const EngineEmulator::Call& call) {
+          return call.function == "FwpmFilterEnum0" && call.result == ERROR_SUCCESS;
+        }));
+  }
+
   std::optional<Failure> RequireResult(std::uint64_t result) {
     const auto failure = FirstFailure();
     Require(result == (failure ? failure->code : 0), "a command's result is that of its first failed call");
@@ -224,6 +306,8 @@ class Host {
   void RequireAnswers() const {
     Require(IsInternetEnabled() == (killSwitch_ ? 0 : 1), "the registry says whether there is a kill switch");
     Require(IsDhcpEnabled() == (dhcp_ ? 1 : 0), "the registry says whether DHCP is let through");
+    Require(IsLeakProtectionEnabled() == (std::ranges::all_of(kLeakKeys, IsRegistered) ? 1 : 0),
+            "leak protection is on when all of it is");
     Require(GetErrorText() == errorText_, "the text of the last failure stays");
   }
 
@@ -232,7 +316,9 @@ class Host {
       return;
     }
     const EngineEmulator::Snapshot engine = EngineEmulator::TakeSnapshot();
-    Require(engine.sublayers.size() == (killSwitch_ ? 1U : 0U) + (dhcp_ ? 1U : 0U), "one sublayer a feature");
+    const bool leak = IsLeakProtectionEnabled() == 1;
+    Require(engine.sublayers.size() == (killSwitch_ ? 1U : 0U) + (dhcp_ ? 1U : 0U) + (leak ? 3U : 0U),
+            "one sublayer a rule set");
     const auto filtersOf = [&](const GUID& key) -> std::uint64_t {
       return static_cast<std::uint64_t>(
           std::ranges::count(engine.filters, key, &EngineEmulator::FilterObject::subLayerKey));
@@ -240,6 +326,12 @@ class Host {
     Require(filtersOf(kDhcpKey) == (dhcp_ ? kDhcpFilters : 0), "the DHCP rules are whole or gone");
     Require(filtersOf(kKillSwitchKey) == (killSwitch_ ? kKillSwitchFilters + kFiltersPerApp * apps_ : 0),
             "the kill switch is whole or gone");
+    Require(filtersOf(kFirewallCopyKey) == (leak ? 1 : 0), "each application block is copied once");
+    Require(
+        leak ? filtersOf(kDnsLeakKey) >= 8 && filtersOf(kDnsLeakKey) % 4 == 0 : filtersOf(kDnsLeakKey) == 0,
+        "the DNS rules are whole or gone");
+    Require(filtersOf(kInterfaceLeakKey) % filtersPerInterface_ == 0,
+            "the interface rules are whole or gone");
     Require(EngineEmulator::CountOutstanding().openTransactions == 0, "no transaction is left open");
   }
 
@@ -247,6 +339,8 @@ class Host {
   bool killSwitch_ = false;
   bool dhcp_ = false;
   std::size_t apps_ = 0;
+  std::uint64_t filtersPerInterface_ = 20;
+  std::size_t keptBlocks_ = 0;
   std::string errorText_;
   bool faultsPlanned_ = false;
   bool failed_ = false;

@@ -94,8 +94,16 @@ def disable_internet(apps=b"", interfaces=None, machine=b"\0\0\0"):
 
 
 ENABLE_INTERNET, ENABLE_DHCP, DISABLE_DHCP = b"\x01", b"\x02", b"\x03"
-INITIALIZE = b"\x04" + wide("again")
-OPEN, ADD_PROVIDER, ADD_SUBLAYER, ADD_FILTER, DELETE_SUBLAYER, BEGIN, COMMIT, APP_ID = range(4, 12)
+DISABLE_LEAK_PROTECTION = b"\x05"
+INITIALIZE = b"\x06" + wide("again") + b"\0"
+ENUMERATE = 5
+OPEN, ADD_PROVIDER, ADD_SUBLAYER, ADD_FILTER, DELETE_SUBLAYER, BEGIN, COMMIT, APP_ID = range(7, 15)
+
+
+def enable_leak_protection(luid=7, names=b"", permitted=(), machine=b"\0\0\0"):
+    return (b"\x04" + machine + number(len(names), 1) + names + text("198.51.100.7") +
+            (b"\x01" + number(luid, 8) if luid else b"\0") + number(len(permitted), 1) +
+            b"".join(number(address, 4) for address in permitted))
 
 
 def calm(command):
@@ -121,6 +129,18 @@ COMMANDS = {
     "remove": [calm(ENABLE_DHCP), failing(DELETE_SUBLAYER, DISABLE_DHCP), calm(DISABLE_DHCP)],
     "begin": [calm(disable_internet()), failing(BEGIN, disable_internet())],
     "commit": [calm(disable_internet()), failing(COMMIT, disable_internet()), calm(disable_internet())],
+    "leak": [calm(enable_leak_protection()), calm(enable_leak_protection(permitted=(1, 0xFFFFFFFF))),
+             calm(DISABLE_LEAK_PROTECTION), calm(enable_leak_protection(luid=1 << 63))],
+    "leak_names": [calm(enable_leak_protection(0, b"\0", machine=b"\1\1\0")), calm(enable_leak_protection(0))],
+    "leak_no_adapters": [calm(enable_leak_protection(0, b"\1", machine=b"\0\0\1\6\0\3"))],
+    "leak_without_dns": [failing(APP_ID, enable_leak_protection()), calm(enable_leak_protection()),
+                         calm(enable_leak_protection())],
+    "leak_without_copy": [failing(OPEN, enable_leak_protection()), calm(DISABLE_LEAK_PROTECTION)],
+    "leak_empty_copy": [failing(ENUMERATE, enable_leak_protection()), calm(enable_leak_protection())],
+    "leak_torso": [failing(ADD_FILTER, enable_leak_protection(), nth=14), calm(enable_leak_protection()),
+                   failing(ADD_SUBLAYER, enable_leak_protection()), calm(enable_leak_protection())],
+    "leak_left": [calm(enable_leak_protection()), failing(DELETE_SUBLAYER, DISABLE_LEAK_PROTECTION, nth=2),
+                  calm(enable_leak_protection()), calm(DISABLE_LEAK_PROTECTION)],
     "app_id": [failing(APP_ID, disable_internet(apps=b"\0\1"), nth=2), calm(ENABLE_INTERNET)],
 }
 
@@ -179,7 +199,7 @@ for target, seeds in {
         "registry_property": REGISTRY,
         "address_texts": ADDRESSES,
         "filter_from_native": FILTERS,
-        "command_sequence": {name: wide("corvane") + b"".join(steps) for name, steps in COMMANDS.items()},
+        "command_sequence": {name: wide("corvane") + b"\0" + b"".join(steps) for name, steps in COMMANDS.items()},
         "emulator_calls": {name: b"\0" + b"".join(calls) for name, calls in CALLS.items()},
 }.items():
     folder = HERE / "corpus" / target

@@ -8,7 +8,7 @@ install_packages libbenchmark-dev
 
 step "Build"
 cmake --preset native-release >/dev/null
-cmake --build --preset native-release
+cmake --build --preset native-release --target benchmarks
 
 if [ $# -gt 0 ]; then programs=("$@"); else mapfile -t programs < <(cd build/native-release/bin && ls *_benchmark); fi
 for program in "${programs[@]}"; do

@@ -1,5 +1,6 @@
 #!/bin/bash
-# Sets up, builds the library and watches it cut a machine off the network, on the emulated engine.
+# Sets up, builds the library and watches it cut a machine off the network and keep its traffic in a tunnel,
+# on the emulated engine.
 set -eu
 . "$(dirname "$0")/common.sh"
 cd "$root"
@@ -13,8 +14,18 @@ cmake --build --preset windows --target corvane_native_firewall fwpuclnt corvane
 step "Start Wine"
 start_wine
 
+run_tool() {
+  echo "corvane-firewall --engine emulated $*"
+  echo
+  scripts/wine.sh build/windows/bin/corvane-firewall.exe --engine emulated "$@"
+}
+
 step "Cut the machine off, list what the engine holds, and let it back on"
-steps=(disable-internet status list enable-internet status list)
-echo "corvane-firewall --engine emulated ${steps[*]}"
-echo
-scripts/wine.sh build/windows/bin/corvane-firewall.exe --engine emulated "${steps[@]}"
+run_tool disable-internet status list enable-internet status list
+
+step "Keep traffic in a tunnel, permit other addresses than before, and let it out again"
+enable=(enable-leak-protection --server 198.51.100.7 --luid 1689399632855040)
+run_tool --dns-app 'C:\windows\system32\svchost.exe' --block-app 'C:\unwanted.exe' \
+  "${enable[@]}" --allow 192.0.2.1 status list \
+  "${enable[@]}" --allow 203.0.113.1 --allow 203.0.113.2 list \
+  disable-leak-protection status list

@@ -31,7 +31,7 @@ forbid() { # forbid FOLDER... -- PATTERN
 }
 forbid src/filtering -- '(sublayers|helpers|api)/|engine/(Engine|Firewall|Provider|Sublayer)\.h'
 forbid src/engine -- '(sublayers|helpers|api)/'
-forbid src/sublayers -- '(helpers|api)/'
+forbid src/sublayers -- 'helpers/|api/[^R]' # the rule sets' identities are in api/RuleSetIdentity.h
 forbid src/helpers -- '(engine|sublayers|api)/'
 forbid src include -- '(catalog|emulator|policy|tools|tests)/'
 forbid catalog emulator sdk_subset -- '(filtering|engine|sublayers|helpers|api|corvane|src)/'

@@ -100,6 +100,34 @@ CORVANE_API uint64_t CORVANE_CALL EnableDhcp(LogCallback log);
 /** Removes the DHCP rules. */
 CORVANE_API uint64_t CORVANE_CALL DisableDhcp(LogCallback log);
 
+/** 1 while all three rule sets of the leak protection are installed, else 0. */
+CORVANE_API uint64_t CORVANE_CALL IsLeakProtectionEnabled(void);
+
+/**
+ * Keeps traffic inside the tunnel, by three rule sets: name look-ups leave over the allowed interfaces
+ * only, outgoing connections too, and what Windows Firewall blocks stays blocked. Called again, it only
+ * replaces the rules of outgoing connections, in a single engine transaction.
+ *
+ * A rule set that cannot be built is left out: the result is 0 nonetheless, the log and
+ * IsLeakProtectionEnabled tell. After any other failure all three are removed. GetErrorText keeps what it
+ * had. A failure to list the network adapters leaves as a C++ exception.
+ *
+ * @param serverAddress the VPN server in dotted decimal; stays reachable over any interface.
+ * @param interfaceNames texts to look for, in their letter case, in the descriptions of the network
+ *        adapters, when interfaceLuid is 0; may be null when interfaceCount is 0.
+ * @param interfaceLuid the NET_LUID of the one interface to allow, or 0.
+ * @param permittedAddresses IPv4 addresses in host byte order that stay reachable over any interface; may
+ *        be null.
+ */
+CORVANE_API uint64_t CORVANE_CALL EnableLeakProtection(const char* serverAddress, LogCallback log,
+                                                       const wchar_t* const* interfaceNames,
+                                                       uint32_t interfaceCount, uint64_t interfaceLuid,
+                                                       const uint32_t* permittedAddresses,
+                                                       uint64_t permittedAddressCount);
+
+/** Removes the leak protection. What cannot be removed stays on; the result is 0 nonetheless. */
+CORVANE_API uint64_t CORVANE_CALL DisableLeakProtection(void);
+
 #ifdef __cplusplus
 }
 #endif

@@ -39,3 +39,13 @@ std::vector<std::uint64_t> GetInterfaceLuids(const std::vector<std::wstring>& na
   }
   return luids;
 }
+
+std::vector<std::uint64_t> ChooseInterfaceLuids(const std::vector<std::wstring>& names, std::uint64_t luid,
+                                                LogCallback log) {
+  if (luid != 0) {
+    log(("NATIVE: Allowing interface by LUID " + std::to_string(luid)).c_str());
+    return {luid};
+  }
+  log("NATIVE: Using adapters search by name");
+  return GetInterfaceLuids(names, log);
+}

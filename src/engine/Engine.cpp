@@ -1,8 +1,24 @@
 #include "engine/Engine.h"
 
 #include "engine/FirewallException.h"
+#include "filtering/EngineKeys.h"
 
 namespace WfpFirewall {
+namespace {
+
+/// Null when the engine refuses it: the enumeration then finds nothing.
+std::shared_ptr<void> CreateFilterEnumHandle(const std::shared_ptr<void>& engine) {
+  HANDLE handle = nullptr;
+  FwpmFilterCreateEnumHandle0(engine.get(), nullptr, &handle);
+  return {handle, [engine](HANDLE enumHandle) { FwpmFilterDestroyEnumHandle0(engine.get(), enumHandle); }};
+}
+
+bool BlocksOneApp(const FWPM_FILTER0& filter) {
+  return filter.numFilterConditions == 1 && filter.action.type == FWP_ACTION_BLOCK &&
+         filter.filterCondition[0].fieldKey == Filtering::kConditionAleAppId;
+}
+
+}  // namespace
 
 std::shared_ptr<void> Engine::OpenEngine() {
   FWPM_SESSION0 session{};
@@ -13,6 +29,25 @@ std::shared_ptr<void> Engine::OpenEngine() {
     throw FirewallException("Error opening engine.", result);
   }
   return {handle, [](HANDLE engine) { FwpmEngineClose0(engine); }};
+}
+
+std::vector<Filter> Engine::GetAllBlockedAppsFilters() {
+  const std::shared_ptr<void> engine = OpenEngine();
+  const std::shared_ptr<void> enumHandle = CreateFilterEnumHandle(engine);
+
+  FWPM_FILTER0** records = nullptr;
+  UINT32 count = 0;
+  // Deliberate: a failing enumeration is not reported, it finds nothing. And the records are never given
+  // back: the copies' application identifiers point into them.
+  FwpmFilterEnum0(engine.get(), enumHandle.get(), INFINITE, &records, &count);
+
+  std::vector<Filter> filters;
+  for (UINT32 i = 0; records != nullptr && i < count; ++i) {
+    if (BlocksOneApp(*records[i])) {
+      filters.push_back(Filter::BuildFromNative(records[i]));
+    }
+  }
+  return filters;
 }
 
 }  // namespace WfpFirewall

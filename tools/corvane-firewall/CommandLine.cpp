@@ -6,8 +6,6 @@
 
 namespace {
 
-std::string RejectEmpty(const std::string& value) { return value.empty() ? "the value is empty" : ""; }
-
 /// The global options are understood everywhere, so each part of the command line gets them.
 void AddGlobalOptions(CLI::App& app, Plan& plan) {
   app.prefix_command();
@@ -23,6 +21,14 @@ void AddGlobalOptions(CLI::App& app, Plan& plan) {
       ->type_name("system|emulated");
   app.add_option("--dns-app", plan.dnsApp, "Application whose name look-ups may bypass the tunnel")
       ->type_name("PATH");
+  app.add_option_function<std::vector<std::string>>(
+         "--block-app",
+         [&plan](const std::vector<std::string>& apps) {
+           plan.blockedApps.insert(plan.blockedApps.end(), apps.begin(), apps.end());
+         },
+         "Application that another owner blocks in the emulated engine; the file need not exist")
+      ->type_name("PATH")
+      ->allow_extra_args(false);
   app.add_flag("--json", plan.json, "One JSON document on stdout");
   app.add_flag("--no-hold", plan.noHold, "End after the last step, and with it all rules, without waiting");
   for (CLI::Option* option : app.get_options()) {
@@ -74,10 +80,14 @@ std::vector<std::string> ParseStep(const Step& step, std::vector<std::string> ar
   AddGlobalOptions(app, plan);
   StepOptions options;
   for (const StepOption& option : step.options) {
-    app.add_option(option.name, options.*option.values, option.help)
-        ->type_name(option.placeholder)
-        ->allow_extra_args(false)
-        ->check(CLI::Validator(RejectEmpty, ""));
+    CLI::Option* added =
+        app.add_option(option.name, options.*option.values, option.help)
+            ->type_name(option.placeholder)
+            ->allow_extra_args(false)
+            ->check([reject = option.reject](const std::string& value) { return reject(value); });
+    if (option.times != Times::Any) {
+      added->expected(1)->required(option.times == Times::Once);
+    }
   }
   std::vector<std::string> rest = Parse(app, std::move(arguments), plan);
   plan.steps.push_back({&step, std::move(options)});
@@ -115,6 +125,9 @@ Plan ParseCommandLine(const std::vector<std::string>& arguments) {
       throw Unknown(rest.front(), plan.steps);
     }
     rest = ParseStep(*step, {rest.begin() + 1, rest.end()}, plan);
+  }
+  if (!plan.blockedApps.empty() && plan.engine != Engine::Emulated) {
+    throw UsageError("--block-app is for the emulated engine", "it goes with --engine emulated");
   }
   if (plan.steps.empty() && plan.information.empty()) {
     throw UsageError("No steps are given", "give at least one of " + StepNames());

@@ -16,6 +16,7 @@ struct PlannedStep {
 struct Plan {
   Engine engine = Engine::System;
   std::string dnsApp;
+  std::vector<std::string> blockedApps;
   bool json = false;
   bool noHold = false;
   std::vector<PlannedStep> steps;

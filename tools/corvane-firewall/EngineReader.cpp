@@ -7,9 +7,8 @@
 #include <memory>
 #include <string>
 
-#include "Failure.h"
+#include "EngineClient.h"
 #include "Identities.h"
-#include "LoadedModule.h"
 #include "Text.h"
 #include "catalog/Describe.h"
 #include "catalog/Names.h"
@@ -38,31 +37,17 @@ struct Filters {
   static constexpr const char* kDestroyHandle = "FwpmFilterDestroyEnumHandle0";
 };
 
-void Check(DWORD result, const char* function) {
-  if (result != ERROR_SUCCESS) {
-    throw Failure(result, std::string(function) + " failed");
-  }
-}
-
-/// A session of its own. The program must not import the engine's client library, or it would bind to
-/// the system's before the emulated one can be loaded: every function is looked up when it is needed.
+/// A session of its own.
 class EngineSession {
  public:
-  EngineSession() : session_(nullptr, Find<decltype(&::FwpmEngineClose0)>("FwpmEngineClose0")) {
-    HANDLE session = nullptr;
-    const auto open = Find<decltype(&::FwpmEngineOpen0)>("FwpmEngineOpen0");
-    Check(open(nullptr, RPC_C_AUTHN_WINNT, nullptr, nullptr, &session), "FwpmEngineOpen0");
-    session_.reset(session);
-  }
-
   [[nodiscard]] std::optional<ListedProvider> ReadProvider(const GUID& key) const {
     FWPM_PROVIDER0* found = nullptr;
-    const auto getByKey = Find<decltype(&::FwpmProviderGetByKey0)>("FwpmProviderGetByKey0");
+    const auto getByKey = FindInEngine<decltype(&::FwpmProviderGetByKey0)>("FwpmProviderGetByKey0");
     const DWORD result = getByKey(session_.get(), &key, &found);
     if (result == static_cast<DWORD>(FWP_E_PROVIDER_NOT_FOUND)) {
       return std::nullopt;
     }
-    Check(result, "FwpmProviderGetByKey0");
+    CheckEngine(result, "FwpmProviderGetByKey0");
     const auto provider = Own(found);
     return ListedProvider{Catalog::FormatGuid(key), Text(provider->displayData.name),
                           Text(provider->displayData.description)};
@@ -71,17 +56,17 @@ class EngineSession {
   /// Visits every object of a kind, page by page.
   template <typename Kind>
   void ForEach(const std::function<void(const typename Kind::Record&)>& visit) const {
-    const auto create = Find<typename Kind::CreateHandle>(Kind::kCreateHandle);
-    const auto enumerate = Find<typename Kind::Enumerate>(Kind::kEnumerate);
-    const auto destroy = Find<typename Kind::DestroyHandle>(Kind::kDestroyHandle);
+    const auto create = FindInEngine<typename Kind::CreateHandle>(Kind::kCreateHandle);
+    const auto enumerate = FindInEngine<typename Kind::Enumerate>(Kind::kEnumerate);
+    const auto destroy = FindInEngine<typename Kind::DestroyHandle>(Kind::kDestroyHandle);
     const auto close = [this, destroy](HANDLE enumeration) { destroy(session_.get(), enumeration); };
 
     HANDLE opened = nullptr;
-    Check(create(session_.get(), nullptr, &opened), Kind::kCreateHandle);
+    CheckEngine(create(session_.get(), nullptr, &opened), Kind::kCreateHandle);
     const std::unique_ptr<void, decltype(close)> enumeration(opened, close);
     for (UINT32 count = kPageSize; count == kPageSize;) {
       typename Kind::Record** found = nullptr;
-      Check(enumerate(session_.get(), enumeration.get(), kPageSize, &found, &count), Kind::kEnumerate);
+      CheckEngine(enumerate(session_.get(), enumeration.get(), kPageSize, &found, &count), Kind::kEnumerate);
       const auto page = Own(found);
       std::for_each_n(page.get(), count, [&](const auto* record) { visit(*record); });
     }
@@ -91,22 +76,7 @@ class EngineSession {
   static std::string Text(const wchar_t* text) { return text == nullptr ? std::string() : ToUtf8(text); }
 
  private:
-  struct FreeMemory {
-    decltype(&::FwpmFreeMemory0) free;
-    void operator()(void* memory) const { free(&memory); }
-  };
-
-  template <typename Function>
-  static Function Find(const char* function) {
-    return FindFunction<Function>(GetModuleHandleW(L"fwpuclnt.dll"), function);
-  }
-
-  template <typename Memory>
-  static std::unique_ptr<Memory, FreeMemory> Own(Memory* memory) {
-    return {memory, FreeMemory{Find<decltype(&::FwpmFreeMemory0)>("FwpmFreeMemory0")}};
-  }
-
-  std::unique_ptr<void, decltype(&::FwpmEngineClose0)> session_;
+  EngineHandle session_ = OpenEngine();
 };
 
 std::string DescribeWeight(const FWP_VALUE0& weight) {

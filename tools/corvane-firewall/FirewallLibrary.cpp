@@ -38,7 +38,13 @@ FirewallLibrary::FirewallLibrary(Engine engine, const std::wstring& dnsAppPath)
       disableInternet_(FindFunction<decltype(disableInternet_)>(module_.get(), "DisableInternet")),
       isDhcpEnabled_(FindFunction<decltype(isDhcpEnabled_)>(module_.get(), "IsDhcpEnabled")),
       enableDhcp_(FindFunction<decltype(enableDhcp_)>(module_.get(), "EnableDhcp")),
-      disableDhcp_(FindFunction<decltype(disableDhcp_)>(module_.get(), "DisableDhcp")) {
+      disableDhcp_(FindFunction<decltype(disableDhcp_)>(module_.get(), "DisableDhcp")),
+      isLeakProtectionEnabled_(
+          FindFunction<decltype(isLeakProtectionEnabled_)>(module_.get(), "IsLeakProtectionEnabled")),
+      enableLeakProtection_(
+          FindFunction<decltype(enableLeakProtection_)>(module_.get(), "EnableLeakProtection")),
+      disableLeakProtection_(
+          FindFunction<decltype(disableLeakProtection_)>(module_.get(), "DisableLeakProtection")) {
   Initialize(dnsAppPath);
 }
 
@@ -64,6 +70,17 @@ void FirewallLibrary::DisableInternet(const std::vector<std::wstring>& apps,
   Check(disableInternet_(appPointers.data(), static_cast<std::uint32_t>(appPointers.size()),
                          interfacePointers.empty() ? nullptr : interfacePointers.data(),
                          static_cast<std::uint32_t>(interfacePointers.size()), log));
+}
+
+void FirewallLibrary::EnableLeakProtection(const LeakProtectionRequest& request, LogCallback log) const {
+  const std::vector<const wchar_t*> interfacePointers = Pointers(request.interfaceNames);
+  const std::uint64_t result =
+      enableLeakProtection_(request.server.c_str(), log, interfacePointers.data(),
+                            static_cast<std::uint32_t>(interfacePointers.size()), request.luid,
+                            request.permittedAddresses.data(), request.permittedAddresses.size());
+  if (result != 0) {
+    throw Failure(result, "Leak protection cannot be installed");
+  }
 }
 
 void FirewallLibrary::Check(std::uint64_t result) const {

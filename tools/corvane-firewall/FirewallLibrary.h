@@ -8,6 +8,14 @@
 #include "LoadedModule.h"
 #include "corvane/native_firewall.h"
 
+/// What EnableLeakProtection is given.
+struct LeakProtectionRequest {
+  std::string server;
+  std::vector<std::wstring> interfaceNames;
+  std::uint64_t luid = 0;
+  std::vector<std::uint32_t> permittedAddresses;
+};
+
 /// Corvane.Native.Firewall.dll, loaded and initialised with the tool's identities. What was installed
 /// through it is gone when this object is.
 class FirewallLibrary {
@@ -19,6 +27,7 @@ class FirewallLibrary {
 
   [[nodiscard]] bool IsInternetEnabled() const { return isInternetEnabled_() == 1; }
   [[nodiscard]] bool IsDhcpEnabled() const { return isDhcpEnabled_() == 1; }
+  [[nodiscard]] bool IsLeakProtectionEnabled() const { return isLeakProtectionEnabled_() == 1; }
 
   /// The commands throw Failure with the code and the text of the library.
   void EnableInternet() const { Check(enableInternet_()); }
@@ -26,6 +35,9 @@ class FirewallLibrary {
                        LogCallback log) const;
   void EnableDhcp(LogCallback log) const { Check(enableDhcp_(log)); }
   void DisableDhcp(LogCallback log) const { Check(disableDhcp_(log)); }
+  /// The library keeps no text of this command's failures.
+  void EnableLeakProtection(const LeakProtectionRequest& request, LogCallback log) const;
+  void DisableLeakProtection() const { Check(disableLeakProtection_()); }
 
  private:
   void Initialize(const std::wstring& dnsAppPath) const;
@@ -40,4 +52,7 @@ class FirewallLibrary {
   decltype(&::IsDhcpEnabled) isDhcpEnabled_;
   decltype(&::EnableDhcp) enableDhcp_;
   decltype(&::DisableDhcp) disableDhcp_;
+  decltype(&::IsLeakProtectionEnabled) isLeakProtectionEnabled_;
+  decltype(&::EnableLeakProtection) enableLeakProtection_;
+  decltype(&::DisableLeakProtection) disableLeakProtection_;
 };

@@ -42,8 +42,9 @@ void JsonReporter::BeginStep(const std::string& step) {
 
 void JsonReporter::Log(const std::string& line) { Step()["log"].push_back(line); }
 
-void JsonReporter::ShowStatus(bool internet, bool dhcp) {
-  Step()["status"] = {{"internet", internet}, {"dhcp", dhcp}};
+void JsonReporter::ShowStatus(const Status& status) {
+  Step()["status"] = {
+      {"internet", status.internet}, {"dhcp", status.dhcp}, {"leakProtection", status.leakProtection}};
 }
 
 void JsonReporter::ShowAdapters(const std::vector<ListedAdapter>& adapters) {

@@ -11,7 +11,7 @@ class JsonReporter : public Reporter {
 
   void BeginStep(const std::string& step) override;
   void Log(const std::string& line) override;
-  void ShowStatus(bool internet, bool dhcp) override;
+  void ShowStatus(const Status& status) override;
   void ShowAdapters(const std::vector<ListedAdapter>& adapters) override;
   void ShowListing(const Listing& listing) override;
   void EndStep() override;

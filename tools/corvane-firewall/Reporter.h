@@ -14,6 +14,13 @@ struct ListedAdapter {
   std::uint64_t luid;
 };
 
+/// What is switched on.
+struct Status {
+  bool internet;
+  bool dhcp;
+  bool leakProtection;
+};
+
 /// Receives what happens while a plan runs, in this order: per step BeginStep, anything that the step
 /// shows, EndStep or Fail; at the end of it all Finish. Fail may also come before any step.
 class Reporter {
@@ -23,7 +30,7 @@ class Reporter {
   virtual void BeginStep(const std::string& step) = 0;
   /// A line of the library.
   virtual void Log(const std::string& line) = 0;
-  virtual void ShowStatus(bool internet, bool dhcp) = 0;
+  virtual void ShowStatus(const Status& status) = 0;
   virtual void ShowAdapters(const std::vector<ListedAdapter>& adapters) = 0;
   virtual void ShowListing(const Listing& listing) = 0;
   virtual void EndStep() = 0;

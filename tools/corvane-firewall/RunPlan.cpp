@@ -4,6 +4,7 @@
 #include <iostream>
 #include <memory>
 
+#include "ForeignBlocks.h"
 #include "JsonReporter.h"
 #include "Text.h"
 #include "TextReporter.h"
@@ -34,6 +35,9 @@ int RunPlan(const Plan& plan) {
   const std::unique_ptr<Reporter> reporter = MakeReporter(plan);
   try {
     const FirewallLibrary library(plan.engine, ToWide(plan.dnsApp));
+    if (!plan.blockedApps.empty()) {
+      AddForeignBlocks(ToWide(plan.blockedApps));
+    }
     for (const PlannedStep& planned : plan.steps) {
       reporter->BeginStep(planned.step->name);
       planned.step->run({library, *reporter}, planned.options);

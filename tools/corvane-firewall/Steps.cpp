@@ -27,18 +27,9 @@ class LogRoute {
   }
 };
 
-std::vector<std::wstring> WideTexts(const std::vector<std::string>& texts) {
-  std::vector<std::wstring> wide;
-  wide.reserve(texts.size());
-  for (const std::string& text : texts) {
-    wide.push_back(ToWide(text));
-  }
-  return wide;
-}
-
 void DisableInternetStep(const StepContext& context, const StepOptions& options) {
   const LogRoute route(context.reporter);
-  context.library.DisableInternet(WideTexts(options.apps), WideTexts(options.interfaces), &LogRoute::Receive);
+  context.library.DisableInternet(ToWide(options.apps), ToWide(options.interfaces), &LogRoute::Receive);
 }
 
 void EnableInternetStep(const StepContext& context, const StepOptions&) { context.library.EnableInternet(); }
@@ -53,19 +44,45 @@ void DisableDhcpStep(const StepContext& context, const StepOptions&) {
   context.library.DisableDhcp(&LogRoute::Receive);
 }
 
+/// Runs what searches the adapters. @throws Failure when they cannot be listed.
+template <typename Search>
+void SearchAdapters(const Search& search) {
+  try {
+    search();
+  } catch (const WfpFirewall::Helpers::NetworkInfoException& error) {
+    throw Failure(static_cast<std::uint32_t>(error.GetErrorCode()), error.what());
+  }
+}
+
+void EnableLeakProtectionStep(const StepContext& context, const StepOptions& options) {
+  LeakProtectionRequest request{options.server.front(), ToWide(options.interfaces), 0, {}};
+  for (const std::string& luid : options.luid) {
+    request.luid = ParseLuid(luid).value();
+  }
+  for (const std::string& address : options.allowed) {
+    request.permittedAddresses.push_back(ParseIpV4(address).value());
+  }
+  const LogRoute route(context.reporter);
+  SearchAdapters([&] { context.library.EnableLeakProtection(request, &LogRoute::Receive); });
+}
+
+void DisableLeakProtectionStep(const StepContext& context, const StepOptions&) {
+  context.library.DisableLeakProtection();
+}
+
 void StatusStep(const StepContext& context, const StepOptions&) {
-  context.reporter.ShowStatus(context.library.IsInternetEnabled(), context.library.IsDhcpEnabled());
+  const FirewallLibrary& library = context.library;
+  context.reporter.ShowStatus(
+      {library.IsInternetEnabled(), library.IsDhcpEnabled(), library.IsLeakProtectionEnabled()});
 }
 
 void AdaptersStep(const StepContext& context, const StepOptions&) {
   std::vector<ListedAdapter> adapters;
-  try {
+  SearchAdapters([&] {
     for (const auto& adapter : WfpFirewall::Helpers::NetworkInfo::GetInterfaces()) {
       adapters.push_back({ToUtf8(adapter.GetName()), ToUtf8(adapter.GetDescription()), adapter.GetLuid()});
     }
-  } catch (const WfpFirewall::Helpers::NetworkInfoException& error) {
-    throw Failure(static_cast<std::uint32_t>(error.GetErrorCode()), error.what());
-  }
+  });
   context.reporter.ShowAdapters(adapters);
 }
 
@@ -78,12 +95,27 @@ constexpr StepOption kDisableInternetOptions[]{
      &StepOptions::interfaces},
 };
 
+constexpr StepOption kEnableLeakProtectionOptions[]{
+    {"--server", "IPV4", "The VPN server, which stays reachable over any adapter", &StepOptions::server,
+     Times::Once, RejectAllButIpV4},
+    {"--interface", "TEXT",
+     "Adapters whose description contains this, in its letter case, are allowed; not used with --luid",
+     &StepOptions::interfaces},
+    {"--luid", "NUMBER", "The one adapter that is allowed", &StepOptions::luid, Times::AtMostOnce,
+     RejectAllButLuid},
+    {"--allow", "IPV4", "Address that stays reachable over any adapter", &StepOptions::allowed, Times::Any,
+     RejectAllButIpV4},
+};
+
 constexpr Step kSteps[]{
     {"disable-internet", "Install the kill switch, or replace it", kDisableInternetOptions, true,
      DisableInternetStep},
     {"enable-internet", "Remove the kill switch", {}, false, EnableInternetStep},
     {"enable-dhcp", "Install the rules that let DHCP through", {}, true, EnableDhcpStep},
     {"disable-dhcp", "Remove the DHCP rules", {}, false, DisableDhcpStep},
+    {"enable-leak-protection", "Keep name look-ups and connections on the allowed adapters",
+     kEnableLeakProtectionOptions, true, EnableLeakProtectionStep},
+    {"disable-leak-protection", "Remove the leak protection", {}, false, DisableLeakProtectionStep},
     {"status", "Tell what is switched on", {}, false, StatusStep},
     {"adapters", "List the network adapters as the firewall sees them", {}, false, AdaptersStep},
     {"list", "List what the engine holds of ours", {}, false, ListStep},

@@ -17,3 +17,12 @@ std::wstring ToWide(std::string_view text) {
   MultiByteToWideChar(CP_UTF8, 0, text.data(), length, wide.data(), size);
   return wide;
 }
+
+std::vector<std::wstring> ToWide(const std::vector<std::string>& texts) {
+  std::vector<std::wstring> wide;
+  wide.reserve(texts.size());
+  for (const std::string& text : texts) {
+    wide.push_back(ToWide(text));
+  }
+  return wide;
+}

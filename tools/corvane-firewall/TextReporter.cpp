@@ -36,8 +36,9 @@ void TextReporter::BeginStep(const std::string& step) {
 
 void TextReporter::Log(const std::string& line) { std::cout << "  " << line << std::endl; }
 
-void TextReporter::ShowStatus(bool internet, bool dhcp) {
-  std::cout << "  internet: " << OnOrOff(internet) << "\n  dhcp rules: " << OnOrOff(dhcp) << "\n";
+void TextReporter::ShowStatus(const Status& status) {
+  std::cout << "  internet: " << OnOrOff(status.internet) << "\n  dhcp rules: " << OnOrOff(status.dhcp)
+            << "\n  leak protection: " << OnOrOff(status.leakProtection) << "\n";
 }
 
 void TextReporter::ShowAdapters(const std::vector<ListedAdapter>& adapters) {

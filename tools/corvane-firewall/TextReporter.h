@@ -9,7 +9,7 @@ class TextReporter : public Reporter {
 
   void BeginStep(const std::string& step) override;
   void Log(const std::string& line) override;
-  void ShowStatus(bool internet, bool dhcp) override;
+  void ShowStatus(const Status& status) override;
   void ShowAdapters(const std::vector<ListedAdapter>& adapters) override;
   void ShowListing(const Listing& listing) override;
   void EndStep() override;

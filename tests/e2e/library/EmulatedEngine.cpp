@@ -27,7 +27,9 @@ EmulatedEngine::EmulatedEngine()
     : module_(ProgramFolder() + L"emulator\\fwpuclnt.dll"),
       Reset(module_.Find<decltype(&EngineEmulatorReset)>("EngineEmulatorReset")),
       FailCall(module_.Find<decltype(&EngineEmulatorFailCall)>("EngineEmulatorFailCall")),
-      ClearJournal(module_.Find<decltype(&EngineEmulatorClearJournal)>("EngineEmulatorClearJournal")) {}
+      ClearJournal(module_.Find<decltype(&EngineEmulatorClearJournal)>("EngineEmulatorClearJournal")),
+      PretendFileExists(
+          module_.Find<decltype(&EngineEmulatorPretendFileExists)>("EngineEmulatorPretendFileExists")) {}
 
 Texts EmulatedEngine::Journal() const {
   Texts functions = Lines(module_.Find<decltype(&EngineEmulatorJournalText)>("EngineEmulatorJournalText"));

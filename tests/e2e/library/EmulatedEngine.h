@@ -20,6 +20,7 @@ class EmulatedEngine {
   const decltype(&EngineEmulatorReset) Reset;
   const decltype(&EngineEmulatorFailCall) FailCall;
   const decltype(&EngineEmulatorClearJournal) ClearJournal;
+  const decltype(&EngineEmulatorPretendFileExists) PretendFileExists;
 
   /// The functions called.
   [[nodiscard]] Texts Journal() const;

@@ -9,4 +9,7 @@ FirewallLibrary::FirewallLibrary()
       DisableInternet(module_.Find<decltype(&::DisableInternet)>("DisableInternet")),
       IsDhcpEnabled(module_.Find<decltype(&::IsDhcpEnabled)>("IsDhcpEnabled")),
       EnableDhcp(module_.Find<decltype(&::EnableDhcp)>("EnableDhcp")),
-      DisableDhcp(module_.Find<decltype(&::DisableDhcp)>("DisableDhcp")) {}
+      DisableDhcp(module_.Find<decltype(&::DisableDhcp)>("DisableDhcp")),
+      IsLeakProtectionEnabled(module_.Find<decltype(&::IsLeakProtectionEnabled)>("IsLeakProtectionEnabled")),
+      EnableLeakProtection(module_.Find<decltype(&::EnableLeakProtection)>("EnableLeakProtection")),
+      DisableLeakProtection(module_.Find<decltype(&::DisableLeakProtection)>("DisableLeakProtection")) {}

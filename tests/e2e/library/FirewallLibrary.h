@@ -20,4 +20,7 @@ class FirewallLibrary {
   const decltype(&::IsDhcpEnabled) IsDhcpEnabled;
   const decltype(&::EnableDhcp) EnableDhcp;
   const decltype(&::DisableDhcp) DisableDhcp;
+  const decltype(&::IsLeakProtectionEnabled) IsLeakProtectionEnabled;
+  const decltype(&::EnableLeakProtection) EnableLeakProtection;
+  const decltype(&::DisableLeakProtection) DisableLeakProtection;
 };

@@ -21,8 +21,9 @@ TEST_F(LibraryImage, ExportsTheFunctionsUndecorated) {
     return name.starts_with("_Z") || name.starts_with('?');
   };
   std::erase_if(names, isDecorated);
-  EXPECT_THAT(names, ElementsAre("DisableDhcp", "DisableInternet", "EnableDhcp", "EnableInternet",
-                                 "GetErrorText", "Initialize", "IsDhcpEnabled", "IsInternetEnabled"));
+  EXPECT_THAT(names, ElementsAre("DisableDhcp", "DisableInternet", "DisableLeakProtection", "EnableDhcp",
+                                 "EnableInternet", "EnableLeakProtection", "GetErrorText", "Initialize",
+                                 "IsDhcpEnabled", "IsInternetEnabled", "IsLeakProtectionEnabled"));
 }
 
 TEST_F(LibraryImage, ExportsTheClasses) {

@@ -21,17 +21,17 @@ void LibraryTest::TearDown() {
   const EngineEmulatorOutstanding outstanding = engine_.CountOutstanding();
   EXPECT_EQ(outstanding.sessions, 0U);
   EXPECT_EQ(outstanding.openTransactions, 0U);
-  EXPECT_EQ(outstanding.memoryBlocks, 0U);
+  EXPECT_EQ(outstanding.memoryBlocks, memoryBlocks_);
 }
 
 void LibraryTest::Initialize() const {
-  library_->Initialize(&kProviderKey, L"provider name", L"provider description",           //
-                       &kKillSwitchKey, L"kill switch name", L"kill switch description",   //
-                       &kOtherKey, L"local network name", L"local network description",    //
-                       &kDhcpKey, L"dhcp name", L"dhcp description",                       //
-                       &kOtherKey, L"dns leak name", L"dns leak description",              //
-                       &kOtherKey, L"interface leak name", L"interface leak description",  //
-                       &kOtherKey, L"firewall copy name", L"firewall copy description",    //
+  library_->Initialize(&kProviderKey, L"provider name", L"provider description",                   //
+                       &kKillSwitchKey, L"kill switch name", L"kill switch description",           //
+                       &kOtherKey, L"local network name", L"local network description",            //
+                       &kDhcpKey, L"dhcp name", L"dhcp description",                               //
+                       &kDnsLeakKey, L"dns leak name", L"dns leak description",                    //
+                       &kInterfaceLeakKey, L"interface leak name", L"interface leak description",  //
+                       &kFirewallCopyKey, L"firewall copy name", L"firewall copy description",     //
                        &kOtherKey, L"skein name", L"skein description", L"C:\\dns.exe");
 }
 

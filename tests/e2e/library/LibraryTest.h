@@ -11,6 +11,9 @@
 constexpr GUID kProviderKey{0xc0de0000, 0x0001, 0x4001, {0x80, 0, 0, 0, 0, 0, 0, 1}};
 constexpr GUID kKillSwitchKey{0xc0de0000, 0x0002, 0x4002, {0x80, 0, 0, 0, 0, 0, 0, 2}};
 constexpr GUID kDhcpKey{0xc0de0000, 0x0004, 0x4004, {0x80, 0, 0, 0, 0, 0, 0, 4}};
+constexpr GUID kDnsLeakKey{0xc0de0000, 0x0005, 0x4005, {0x80, 0, 0, 0, 0, 0, 0, 5}};
+constexpr GUID kInterfaceLeakKey{0xc0de0000, 0x0006, 0x4006, {0x80, 0, 0, 0, 0, 0, 0, 6}};
+constexpr GUID kFirewallCopyKey{0xc0de0000, 0x0007, 0x4007, {0x80, 0, 0, 0, 0, 0, 0, 7}};
 constexpr GUID kOtherKey{0xc0de0000, 0x0009, 0x4009, {0x80, 0, 0, 0, 0, 0, 0, 9}};
 
 /// The DLL freshly loaded, over a fresh engine.
@@ -21,6 +24,8 @@ class LibraryTest : public testing::Test {
 
   /// Hands over the keys above, each with a name and a description of its own.
   void Initialize() const;
+  /// Deliberately not given back by this test.
+  void ExpectOutstandingMemory(std::size_t blocks) { memoryBlocks_ = blocks; }
   /// DisableInternet without apps and interface names.
   std::uint64_t DisableInternet() const;
 
@@ -33,4 +38,7 @@ class LibraryTest : public testing::Test {
 
   EmulatedEngine& engine_;
   std::optional<FirewallLibrary> library_;
+
+ private:
+  std::size_t memoryBlocks_ = 0;
 };

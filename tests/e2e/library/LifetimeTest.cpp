@@ -50,7 +50,7 @@ TEST_F(LibraryUnload, ClosesTheSessionAndWithItGoesEverything) {
 TEST_F(LibraryUnload, EndsATransactionThatAFailureLeftOpen) {
   Initialize();
   ASSERT_EQ(DisableInternet(), 0U);
-  engine_.FailCall("FwpmTransactionCommit0", 1, 5);
+  engine_.FailCall("FwpmFilterAdd0", 51, 5);
   ASSERT_EQ(DisableInternet(), 5U);
   library_.reset();
   EXPECT_EQ(engine_.CountOutstanding().sessions, 0U);

@@ -47,6 +47,27 @@ const WrongUse kWrongUses[]{
     {{L"--engine", L"emulated", L"status", L"disable-internet", L"--interface", L""},
      "the value is empty",
      "options go after the step"},
+    {{L"--engine", L"emulated", L"enable-leak-protection", L"--luid", L"7"},
+     "--server is required",
+     "options go after the step"},
+    {{L"--engine", L"emulated", L"enable-leak-protection", L"--server", L"vpn.example"},
+     "vpn.example is no IPv4 address",
+     "options go after the step"},
+    {{L"--engine", L"emulated", L"enable-leak-protection", L"--server", L"1.2.3.4", L"--server", L"1.2.3.5"},
+     "--server",
+     "options go after the step"},
+    {{L"--engine", L"emulated", L"enable-leak-protection", L"--server", L"1.2.3.4", L"--luid", L"0x7"},
+     "0x7 is no LUID",
+     "options go after the step"},
+    {{L"--engine", L"emulated", L"enable-leak-protection", L"--server", L"1.2.3.4", L"--luid", L"0"},
+     "0 is no LUID",
+     "options go after the step"},
+    {{L"--engine", L"emulated", L"enable-leak-protection", L"--server", L"1.2.3.4", L"--allow", L"1.2.3"},
+     "1.2.3 is no IPv4 address",
+     "options go after the step"},
+    {{L"--block-app", L"C:\\bad.exe", L"status"},
+     "--block-app is for the emulated engine",
+     "it goes with --engine emulated"},
     {{L"--engine", L"pretended", L"status"},
      "--engine: pretended not in {system,emulated}",
      "options go after the step"},
@@ -58,8 +79,10 @@ TEST(CommandLine, HelpTellsTheStepsAndExitsWithZero) {
   const ToolRun run = RunTool({L"--help"});
   EXPECT_EQ(run.exitCode, 0u);
   EXPECT_EQ(run.errors, "");
-  for (const char* text : {"disable-internet", "--interface TEXT", "enable-internet", "enable-dhcp",
-                           "disable-dhcp", "status", "adapters", "list", "--engine", "--json", "--no-hold"}) {
+  for (const char* text :
+       {"disable-internet", "--interface TEXT", "enable-internet", "enable-dhcp", "disable-dhcp",
+        "enable-leak-protection", "--server IPV4", "--luid NUMBER", "--allow IPV4", "disable-leak-protection",
+        "status", "adapters", "list", "--engine", "--dns-app", "--block-app", "--json", "--no-hold"}) {
     EXPECT_THAT(run.output, HasSubstr(text));
   }
 }
@@ -89,7 +112,9 @@ TEST(CommandLine, ValueThatIsTheNameOfAStepIsAValue) {
   EXPECT_EQ(run.exitCode, 0u);
   EXPECT_THAT(run.output, HasSubstr("  NATIVE: DisableInternet: list\n"));
   EXPECT_THAT(run.output, Not(HasSubstr("\nlist\n")));
-  EXPECT_THAT(run.output, testing::EndsWith("status\n  internet: off\n  dhcp rules: off\n  done\n"));
+  EXPECT_THAT(
+      run.output,
+      testing::EndsWith("status\n  internet: off\n  dhcp rules: off\n  leak protection: off\n  done\n"));
 }
 
 TEST(CommandLine, ValuesKeepTheirOrderAndBrackets) {

@@ -23,7 +23,7 @@ TEST(JsonOutput, HasEveryStepWithItsLogLines) {
     "steps": [
       {"step": "enable-dhcp", "ok": true,
        "log": ["NATIVE: enabling dhcp", "NATIVE: dhcp enabled successfully."]},
-      {"step": "status", "ok": true, "log": [], "status": {"internet": true, "dhcp": true}},
+      {"step": "status", "ok": true, "log": [], "status": {"internet": true, "dhcp": true, "leakProtection": false}},
       {"step": "enable-dhcp", "ok": true, "log": ["NATIVE: enabling dhcp"]}
     ]
   })json"));

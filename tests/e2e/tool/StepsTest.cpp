@@ -30,6 +30,7 @@ TEST(Steps, RunInTheOrderGivenAsOftenAsGiven) {
             "status\n"
             "  internet: on\n"
             "  dhcp rules: off\n"
+            "  leak protection: off\n"
             "  done\n"
             "enable-dhcp\n"
             "  NATIVE: enabling dhcp\n"
@@ -38,6 +39,7 @@ TEST(Steps, RunInTheOrderGivenAsOftenAsGiven) {
             "status\n"
             "  internet: on\n"
             "  dhcp rules: on\n"
+            "  leak protection: off\n"
             "  done\n"
             "disable-internet\n"
             "  NATIVE: DisableInternet\n"
@@ -53,12 +55,14 @@ TEST(Steps, RunInTheOrderGivenAsOftenAsGiven) {
             "status\n"
             "  internet: off\n"
             "  dhcp rules: off\n"
+            "  leak protection: off\n"
             "  done\n"
             "enable-internet\n"
             "  done\n"
             "status\n"
             "  internet: on\n"
             "  dhcp rules: off\n"
+            "  leak protection: off\n"
             "  done\n");
 }
 

@@ -1,6 +1,7 @@
 #include "Commands.h"
 
 #include "emulator/Control.h"
+#include "support/AppBlock.h"
 #include "support/FakePlatform.h"
 
 namespace {
@@ -37,6 +38,18 @@ std::uint64_t RunEnableDhcp(LogCallback log) { return EnableDhcp(log); }
 
 std::uint64_t RunDisableDhcp(LogCallback log) { return DisableDhcp(log); }
 
+std::uint64_t RunEnableLeakProtection(LogCallback log) {
+  constexpr std::uint32_t kPermitted[]{0x01020304};
+  return EnableLeakProtection("198.51.100.7", log, nullptr, 0, 7, kPermitted, 1);
+}
+
+std::uint64_t RunDisableLeakProtection(LogCallback) { return DisableLeakProtection(); }
+
+std::uint64_t RunIsLeakProtectionEnabled(LogCallback) {
+  IsLeakProtectionEnabled();
+  return 0;
+}
+
 std::uint64_t RunIsInternetEnabled(LogCallback) {
   IsInternetEnabled();
   return 0;
@@ -59,6 +72,14 @@ const std::vector<Command>& Commands() {
       {"Initialize", "Initialize", kInitialize, RunInitialize, nullptr, 0, {}, {}},
       {"IsInternetEnabled", "IsInternetEnabled", kQueries, RunIsInternetEnabled, nullptr, 0, {}, {}},
       {"IsDhcpEnabled", "IsDhcpEnabled", kQueries, RunIsDhcpEnabled, nullptr, 0, {}, {}},
+      {"IsLeakProtectionEnabled",
+       "IsLeakProtectionEnabled",
+       kQueries,
+       RunIsLeakProtectionEnabled,
+       nullptr,
+       0,
+       {},
+       {}},
       {"GetErrorText", "GetErrorText", kQueries, RunGetErrorText, nullptr, 0, {}, {}},
       {"EnableInternet",
        "EnableInternet",
@@ -138,6 +159,31 @@ const std::vector<Command>& Commands() {
        6,
        {{"NATIVE: disabling dhcp"}, {"NATIVE: dhcp disabled successfully.", When::Registered}},
        {"NATIVE: failed to enable dhcp. ", kMessageLine}},
+      {"EnableLeakProtection",
+       "EnableLeakProtection",
+       kEnableLeakProtection,
+       RunEnableLeakProtection,
+       &Facts::interfaceLeak,
+       21,
+       {{"NATIVE: Enabling leak protection v3"},
+        {"NATIVE: Enabling leak protection. Allowed interface: "},
+        {"NATIVE: Allowing interface by LUID 7"},
+        {"NATIVE: LeakProtection already enabled - changing only whitelisted IP.", When::Registered},
+        {"NATIVE: LeakProtection dnsLeakSublayer set weight", When::NotRegistered},
+        {"NATIVE: LeakProtection - apply firewall."},
+        {"NATIVE: LeakProtection - transaction commit."},
+        {"NATIVE: LeakProtection applying finished."}},
+       {},
+       true},
+      {"DisableLeakProtection",
+       "DisableLeakProtection",
+       kDisableLeakProtection,
+       RunDisableLeakProtection,
+       &Facts::interfaceLeak,
+       21,
+       {},
+       {},
+       true},
   };
   return commands;
 }
@@ -147,4 +193,7 @@ void PrepareMachine() {
   for (const wchar_t* app : kApps) {
     EngineEmulator::PretendFileExists(app);
   }
+  EngineEmulator::PretendFileExists(L"C:\\dns.exe");
+  AppBlock(L"C:\\blocked.exe").Add();
+  AppBlock(L"C:\\blocked too.exe").Add();
 }

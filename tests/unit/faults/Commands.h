@@ -20,9 +20,13 @@ enum CommandBits : unsigned {
   kEnableDhcp = 1U << 6,
   kDisableDhcp = 1U << 7,
   kQueries = 1U << 8,
+  kEnableLeakProtection = 1U << 9,
+  kDisableLeakProtection = 1U << 10,
 };
 constexpr unsigned kDisableInternet =
     kDisablePlain | kDisableWithApps | kDisableWithInterfaces | kDisableWithUnknownInterfaces;
+
+constexpr unsigned kLeakProtectionCommands = kEnableLeakProtection | kDisableLeakProtection;
 
 enum class When { Always, Registered, NotRegistered };
 
@@ -45,11 +49,12 @@ struct Command {
   int filters;                            ///< which that rule set has
   std::vector<LogLine> log;               ///< of a success; only the last line is logged after the work
   Texts failureLog;                       ///< what follows in place of the last line
+  bool keepsErrorText = false;            ///< also when it fails
 };
 
 const std::vector<Command>& Commands();
 
 constexpr const wchar_t* kApps[]{L"C:\\a.exe", L"C:\\b.exe"};
 
-/// A machine with one adapter, on which the applications above exist.
+/// A machine with one adapter, on which the applications above exist and Windows Firewall blocks two more.
 void PrepareMachine();

@@ -25,7 +25,7 @@ std::optional<Rule> OnlyRule(std::vector<Rule> rules) {
 
 Expectations::Expectations(const Command& command, const StartingState& state)
     : command_(command), state_(state) {
-  for (const auto& table : {ModuleRules(), InternetRules(), DhcpRules()}) {
+  for (const auto& table : {ModuleRules(), InternetRules(), DhcpRules(), LeakProtectionRules()}) {
     std::copy_if(table.begin(), table.end(), std::back_inserter(rules_), [&](const Rule& rule) {
       return (rule.commands & command.bit) != 0 && (rule.states & state.bit) != 0;
     });
@@ -48,8 +48,14 @@ std::optional<Expectation> Expectations::WithFault(const Occurrence& call, const
   if (!rule) {
     return std::nullopt;
   }
-  return rule->outcome.asWithoutFault ? WithoutFault()
-                                      : Expect(rule->outcome, call.nth - rule->calls.first, code);
+  if (!rule->outcome.asWithoutFault) {
+    return Expect(rule->outcome, call.nth - rule->calls.first, code);
+  }
+  std::optional<Expectation> expected = WithoutFault();
+  if (expected) {
+    expected->leaksReadingSession = rule->outcome.leaksReadingSession;
+  }
+  return expected;
 }
 
 void Expectations::ExpectCallsOfEveryRule(const std::vector<Occurrence>& calls) const {
@@ -77,6 +83,10 @@ Texts Expectations::LogOfSuccess() const {
 
 Texts Expectations::Log(const Outcome& outcome, const char* loggedCode) const {
   Texts lines = LogOfSuccess();
+  if (outcome.log.line != nullptr) {
+    const auto line = std::find(lines.begin(), lines.end(), outcome.log.line);
+    lines.insert(outcome.log.stays ? line + 1 : lines.erase(line), outcome.log.added);
+  }
   if (outcome.message == nullptr) {
     return lines;
   }
@@ -111,8 +121,13 @@ Expectation Expectations::Expect(const Outcome& outcome, std::size_t callsBefore
           {.session = outcome.session.value_or(before.session),
            .provider = outcome.provider.value_or(before.provider),
            .transaction = outcome.transaction.value_or(before.transaction),
-           .errorText = outcome.message == nullptr ? before.errorText : outcome.message,
+           .errorText =
+               outcome.message == nullptr || command_.keepsErrorText ? before.errorText : outcome.message,
            .killSwitch = Change(before.killSwitch, outcome.killSwitch, callsBefore),
-           .dhcp = Change(before.dhcp, outcome.dhcp, callsBefore)},
-          outcome.leaksSession};
+           .dhcp = Change(before.dhcp, outcome.dhcp, callsBefore),
+           .dnsLeak = Change(before.dnsLeak, outcome.dnsLeak, callsBefore),
+           .firewallCopy = Change(before.firewallCopy, outcome.firewallCopy, callsBefore),
+           .interfaceLeak = Change(before.interfaceLeak, outcome.interfaceLeak, callsBefore)},
+          outcome.leaksSession,
+          outcome.leaksReadingSession};
 }

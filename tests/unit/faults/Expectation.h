@@ -23,6 +23,7 @@ struct Expectation {
   Texts log;
   Facts facts;
   bool leaksSession;
+  bool leaksReadingSession;
 };
 
 /// A command in a starting state, with the rules for that pair.

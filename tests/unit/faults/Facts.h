@@ -13,8 +13,8 @@
 constexpr int kAbsent = -1;
 
 struct RuleSetFacts {
-  bool registered = false;  ///< what the query tells
-  int filters = kAbsent;    ///< in the engine
+  bool registered = false;
+  int filters = kAbsent;  ///< in the engine
 };
 
 struct Facts {
@@ -24,17 +24,24 @@ struct Facts {
   const char* errorText = "";
   RuleSetFacts killSwitch = {};
   RuleSetFacts dhcp = {};
+  RuleSetFacts dnsLeak = {};
+  RuleSetFacts firewallCopy = {};
+  RuleSetFacts interfaceLeak = {};
 };
 
 struct RuleSet {
   const char* name;
   GUID key;
   RuleSetFacts Facts::*facts;
-  std::uint64_t(CORVANE_CALL* query)();
-  std::uint64_t answerWhenRegistered;
 };
 
 constexpr RuleSet kRuleSets[]{
-    {"kill switch", kKillSwitchKey, &Facts::killSwitch, IsInternetEnabled, 0},
-    {"DHCP rules", kDhcpKey, &Facts::dhcp, IsDhcpEnabled, 1},
+    {"kill switch", kKillSwitchKey, &Facts::killSwitch},
+    {"DHCP rules", kDhcpKey, &Facts::dhcp},
+    {"DNS rules", kDnsLeakKey, &Facts::dnsLeak},
+    {"copy of Windows Firewall's blocks", kFirewallCopyKey, &Facts::firewallCopy},
+    {"interface rules", kInterfaceLeakKey, &Facts::interfaceLeak},
 };
+
+/// The filters of another owner that the engine has throughout: blocks of one application each.
+constexpr int kForeignBlocks = 2;

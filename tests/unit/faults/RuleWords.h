@@ -25,7 +25,7 @@ constexpr const char* kAppFails = "Failed to retrieve app blob";
 constexpr const char* kRemoveLine = "NATIVE: Remove killswitch layer";
 constexpr const char* kCreateLine = "NATIVE: create killswitch layer";
 
-constexpr unsigned kAllStates = (kReplacementFailed << 1U) - 1;
+constexpr unsigned kAllStates = (kLeakReplacementFailed << 1U) - 1;
 constexpr unsigned kBothOff = kOff | kOffAgain | kOffBesideProvider;
 constexpr unsigned kKillSwitchInEngine = kKillSwitchOn | kKillSwitchWithAppsOn | kBothOn | kKillSwitchTorso;
 constexpr unsigned kReplaceable = kKillSwitchInEngine | kKillSwitchUnopened;
@@ -38,10 +38,17 @@ constexpr unsigned kDhcpInEngineFirst = kDhcpOn | kDhcpTorso;
 /// The same for the kill switch.
 constexpr unsigned kKillSwitchInEngineFirst = kKillSwitchOn | kKillSwitchWithAppsOn | kKillSwitchTorso;
 constexpr unsigned kKillSwitchStillToAdd = kKillSwitchUnopened | kReplacementFailed;
+/// Nothing is registered, in a session that a transaction may be open in.
+constexpr unsigned kAllOff = kBothOff | kLeakReplacementFailed;
 
 constexpr Range kOnce{1, 1};
 constexpr Range kSecond{2, 2};
+constexpr Range kThird{3, 3};
+constexpr Range kFourth{4, 4};
 constexpr Range kEach{1, kLast};
+
+constexpr RuleSetChange kGone{false, kAbsent};
+constexpr RuleSetChange kForgotten{.registered = false};  ///< but still in the engine, if it was
 
 constexpr Outcome kNothingHappens{};
 constexpr Outcome kHarmless{.asWithoutFault = true};

@@ -33,17 +33,29 @@ struct RuleSetChange {
   std::optional<int> filters = std::nullopt;
 };
 
+/// What the failure of a step that the command does without changes in the log of a success.
+struct LogChange {
+  const char* line = nullptr;
+  bool stays = true;
+  const char* added = nullptr;  ///< behind that line
+};
+
 struct Outcome {
   const char* message = nullptr;   ///< of the failure; null: the command succeeds
   const Code* code = nullptr;      ///< of the failure; null: that of the call
   const char* lastLine = nullptr;  ///< before the failure log; null: all but the last of a success
   RuleSetChange killSwitch = {};
   RuleSetChange dhcp = {};
+  RuleSetChange dnsLeak = {};
+  RuleSetChange firewallCopy = {};
+  RuleSetChange interfaceLeak = {};
   std::optional<bool> session = std::nullopt;
   std::optional<bool> provider = std::nullopt;
   std::optional<bool> transaction = std::nullopt;
-  bool asWithoutFault = false;  ///< the rest does not count
-  bool leaksSession = false;    ///< for good
+  bool asWithoutFault = false;       ///< the rest does not count
+  bool leaksSession = false;         ///< for good
+  bool leaksReadingSession = false;  ///< for good: that of an enumeration
+  LogChange log = {};
 };
 
 constexpr std::size_t kLast = std::numeric_limits<std::size_t>::max();
@@ -67,3 +79,4 @@ struct Rule {
 std::span<const Rule> ModuleRules();
 std::span<const Rule> InternetRules();
 std::span<const Rule> DhcpRules();
+std::span<const Rule> LeakProtectionRules();

@@ -13,6 +13,10 @@ namespace {
 using EngineEmulator::FailCall;
 
 constexpr DWORD kAccessDenied = 5;
+constexpr std::uint32_t kPermitted[]{0x01020304};
+
+constexpr unsigned kInternetAndDhcpCommands = kEnableInternet | kDisableInternet | kEnableDhcp | kDisableDhcp;
+constexpr unsigned kDisableVariants = kDisableInternet & ~kDisablePlain;
 
 void Disable(LogCallback log) { DisableInternet(nullptr, 0, nullptr, 0, log); }
 
@@ -66,6 +70,33 @@ void FailToReplace(LogCallback log) {
   Disable(log);
 }
 
+void TurnLeakProtectionOn(LogCallback log) {
+  EnableLeakProtection("198.51.100.7", log, nullptr, 0, 7, kPermitted, 1);
+}
+
+void FailToCopy(LogCallback log) {
+  FailCall("FwpmEngineOpen0", 1, kAccessDenied);
+  TurnLeakProtectionOn(log);
+}
+
+void FailToApplyAndToRemove(LogCallback log) {
+  FailCall("FwpmFilterAdd0", 3, kAccessDenied);
+  FailCall("FwpmSubLayerDeleteByKey0", 1, kAccessDenied);
+  TurnLeakProtectionOn(log);
+}
+
+void FailToRemoveInterfaceRules(LogCallback log) {
+  TurnLeakProtectionOn(log);
+  FailCall("FwpmSubLayerDeleteByKey0", 1, kAccessDenied);
+  DisableLeakProtection();
+}
+
+void FailToReplaceInterfaceRules(LogCallback log) {
+  TurnLeakProtectionOn(log);
+  FailCall("FwpmSubLayerAdd0", 1, kAccessDenied);
+  TurnLeakProtectionOn(log);
+}
+
 constexpr const char* kOpenFailed = "Error opening engine.";
 constexpr const char* kFilterFailed = "Failed to add filter to firewall.";
 
@@ -77,12 +108,21 @@ constexpr StartingState kStates[]{
     {"KillSwitchWithAppsOn",
      kKillSwitchWithAppsOn,
      TurnKillSwitchWithAppsOn,
-     {.session = true, .provider = true, .killSwitch = {true, 63}}},
-    {"DhcpOn", kDhcpOn, TurnDhcpOn, {.session = true, .provider = true, .dhcp = {true, 6}}},
+     {.session = true, .provider = true, .killSwitch = {true, 63}},
+     false,
+     kLeakProtectionCommands},
+    {"DhcpOn",
+     kDhcpOn,
+     TurnDhcpOn,
+     {.session = true, .provider = true, .dhcp = {true, 6}},
+     false,
+     kLeakProtectionCommands},
     {"BothOn",
      kBothOn,
      TurnBothOn,
-     {.session = true, .provider = true, .killSwitch = {true, 51}, .dhcp = {true, 6}}},
+     {.session = true, .provider = true, .killSwitch = {true, 51}, .dhcp = {true, 6}},
+     false,
+     kLeakProtectionCommands},
     {"KillSwitchUnopened",
      kKillSwitchUnopened,
      FailToOpen<Disable>,
@@ -90,15 +130,21 @@ constexpr StartingState kStates[]{
     {"KillSwitchTorso",
      kKillSwitchTorso,
      FailAtThirdFilter<Disable>,
-     {.session = true, .provider = true, .errorText = kFilterFailed, .killSwitch = {true, 2}}},
+     {.session = true, .provider = true, .errorText = kFilterFailed, .killSwitch = {true, 2}},
+     false,
+     kLeakProtectionCommands},
     {"DhcpUnopened",
      kDhcpUnopened,
      FailToOpen<TurnDhcpOn>,
-     {.errorText = kOpenFailed, .dhcp = {true, kAbsent}}},
+     {.errorText = kOpenFailed, .dhcp = {true, kAbsent}},
+     false,
+     kLeakProtectionCommands},
     {"DhcpTorso",
      kDhcpTorso,
      FailAtThirdFilter<TurnDhcpOn>,
-     {.session = true, .provider = true, .errorText = kFilterFailed, .dhcp = {true, 2}}},
+     {.session = true, .provider = true, .errorText = kFilterFailed, .dhcp = {true, 2}},
+     false,
+     kLeakProtectionCommands},
     {"ReplacementFailed",
      kReplacementFailed,
      FailToReplace,
@@ -107,6 +153,40 @@ constexpr StartingState kStates[]{
       .transaction = true,
       .errorText = "Error creating sublayer.",
       .killSwitch = {true, kAbsent}}},
+    {"LeakProtectionOn",
+     kLeakProtectionOn,
+     TurnLeakProtectionOn,
+     {.session = true,
+      .provider = true,
+      .dnsLeak = {true, 12},
+      .firewallCopy = {true, 2},
+      .interfaceLeak = {true, 21}},
+     false,
+     kDisableVariants},
+    {"FirewallCopyMissing",
+     kFirewallCopyMissing,
+     FailToCopy,
+     {.session = true, .provider = true, .dnsLeak = {true, 12}, .interfaceLeak = {true, 21}},
+     false,
+     kInternetAndDhcpCommands},
+    {"OnlyDnsRulesLeft",
+     kOnlyDnsRulesLeft,
+     FailToApplyAndToRemove,
+     {.session = true, .provider = true, .dnsLeak = {true, 0}},
+     false,
+     kInternetAndDhcpCommands},
+    {"OnlyInterfaceRulesLeft",
+     kOnlyInterfaceRulesLeft,
+     FailToRemoveInterfaceRules,
+     {.session = true, .provider = true, .interfaceLeak = {true, 0}},
+     false,
+     kInternetAndDhcpCommands},
+    {"LeakReplacementFailed",
+     kLeakReplacementFailed,
+     FailToReplaceInterfaceRules,
+     {.session = true, .provider = true, .transaction = true},
+     false,
+     kDisableVariants},
 };
 
 }  // namespace

@@ -22,6 +22,11 @@ enum StateBits : unsigned {
   kDhcpUnopened = 1U << 9,
   kDhcpTorso = 1U << 10,
   kReplacementFailed = 1U << 11,
+  kLeakProtectionOn = 1U << 12,
+  kFirewallCopyMissing = 1U << 13,
+  kOnlyDnsRulesLeft = 1U << 14,
+  kOnlyInterfaceRulesLeft = 1U << 15,
+  kLeakReplacementFailed = 1U << 16,
 };
 
 struct StartingState {
@@ -30,6 +35,7 @@ struct StartingState {
   void (*enter)(LogCallback log);  ///< from Initialize
   Facts facts;                     ///< thereafter
   bool besideProvider = false;     ///< the engine has the provider without the library
+  unsigned skips = 0;              ///< commands that would meet nothing here that other states do not have
 };
 
 std::span<const StartingState> StartingStates();

@@ -1,0 +1,266 @@
+#include "RuleWords.h"
+
+namespace {
+
+constexpr const char* kLuidLine = "NATIVE: Allowing interface by LUID 7";
+constexpr const char* kReplaceLine = "NATIVE: LeakProtection already enabled - changing only whitelisted IP.";
+constexpr const char* kDnsLine = "NATIVE: LeakProtection dnsLeakSublayer set weight";
+constexpr const char* kApplyLine = "NATIVE: LeakProtection - apply firewall.";
+constexpr const char* kCommitLine = "NATIVE: LeakProtection - transaction commit.";
+
+constexpr LogChange kWithoutDnsRules{kDnsLine, false, "NATIVE: DNS leak FirewallException"};
+constexpr LogChange kWithoutCopy{kDnsLine, true, "NATIVE: Win Firewall Copy FirewallException"};
+
+/// Nothing of leak protection is registered, and there is nothing to install but it.
+constexpr unsigned kJustLeakProtection = kAllOff | kKillSwitchOn;
+constexpr unsigned kFirst = kJustLeakProtection | kKillSwitchStillToAdd | kOnlyDnsRulesLeft;
+constexpr unsigned kReplacing = kLeakProtectionOn | kFirewallCopyMissing | kOnlyInterfaceRulesLeft;
+constexpr unsigned kInterfaceRulesWhole = kLeakProtectionOn | kFirewallCopyMissing;
+
+constexpr RuleSetChange kDns{true, 12};
+constexpr RuleSetChange kCopy{true, 2};
+/// In a transaction that is open, the enumeration's own session still sees the copies removed in it.
+constexpr RuleSetChange kCopyOfCopies{true, 4};
+constexpr RuleSetChange kEmpty{true, 0};
+constexpr RuleSetChange kInterface{true, 21};
+constexpr RuleSetChange kOneFilterLeft{.filters = 1};
+constexpr RuleSetChange kNoFilterLeft{.filters = 0};
+
+/// A first installation in which none or one of the rule sets could not be built.
+constexpr Outcome Installed(const RuleSetChange& dns, const RuleSetChange& copy, const LogChange& log = {},
+                            const RuleSetChange& killSwitch = {}) {
+  return {.killSwitch = killSwitch,
+          .dnsLeak = dns,
+          .firewallCopy = copy,
+          .interfaceLeak = kInterface,
+          .session = true,
+          .provider = true,
+          .log = log};
+}
+
+/// The end of a first installation: nothing of it stays.
+constexpr Outcome NotInstalled(const char* message, const Code* code = nullptr,
+                               const RuleSetChange& killSwitch = {}) {
+  return {.message = message,
+          .code = code,
+          .lastLine = kApplyLine,
+          .killSwitch = killSwitch,
+          .dnsLeak = kGone,
+          .session = true,
+          .provider = true};
+}
+
+/// The end of a replacement: of the other two rule sets nothing stays, nor, as a rule, of the interface
+/// rules.
+constexpr Outcome NotReplaced(const char* message, const char* lastLine, const Code* code = nullptr,
+                              const RuleSetChange& interfaceRules = kGone) {
+  return {.message = message,
+          .code = code,
+          .lastLine = lastLine,
+          .dnsLeak = kGone,
+          .firewallCopy = kGone,
+          .interfaceLeak = interfaceRules,
+          .transaction = true};
+}
+
+/// All that there was is gone, except for what is said.
+constexpr Outcome Disabled(const RuleSetChange& interfaceRules, const RuleSetChange& dns = kGone,
+                           const RuleSetChange& copy = kGone) {
+  return {.dnsLeak = dns, .firewallCopy = copy, .interfaceLeak = interfaceRules};
+}
+
+constexpr RuleSetChange kKillSwitchAdded{true, 51};
+constexpr RuleSetChange kEmptyAndForgotten{false, 0};
+
+constexpr Rule kRules[]{
+    // EnableLeakProtection, first. A rule set that cannot be built is left out.
+    {kEnableLeakProtection, kBothOff | kKillSwitchOn, nullptr, {}, Installed(kDns, kCopy)},
+    {kEnableLeakProtection, kLeakReplacementFailed, nullptr, {}, Installed(kDns, kCopyOfCopies)},
+    {kEnableLeakProtection, kKillSwitchStillToAdd, nullptr, {}, Installed(kDns, kCopy, {}, kKillSwitchAdded)},
+    // The sublayer that is still there is taken to be whole.
+    {kEnableLeakProtection, kOnlyDnsRulesLeft, nullptr, {}, Installed(kEmpty, kCopy)},
+    {kEnableLeakProtection,
+     kBothOff | kKillSwitchOn | kOnlyDnsRulesLeft,
+     "FwpmGetAppIdFromFileName0",
+     {1, 4},
+     Installed(kGone, kCopy, kWithoutDnsRules)},
+    {kEnableLeakProtection,
+     kLeakReplacementFailed,
+     "FwpmGetAppIdFromFileName0",
+     {1, 4},
+     Installed(kGone, kCopyOfCopies, kWithoutDnsRules)},
+    {kEnableLeakProtection,
+     kKillSwitchStillToAdd,
+     "FwpmGetAppIdFromFileName0",
+     {1, 4},
+     Installed(kGone, kCopy, kWithoutDnsRules, kKillSwitchAdded)},
+    {kEnableLeakProtection, kJustLeakProtection, "FwpmEngineOpen0", kOnce,
+     Installed(kDns, kGone, kWithoutCopy)},
+    {kEnableLeakProtection, kKillSwitchStillToAdd, "FwpmEngineOpen0", kOnce,
+     Installed(kDns, kGone, kWithoutCopy, kKillSwitchAdded)},
+    {kEnableLeakProtection, kOnlyDnsRulesLeft, "FwpmEngineOpen0", kOnce,
+     Installed(kEmpty, kGone, kWithoutCopy)},
+    // An enumeration that fails finds nothing to copy.
+    {kEnableLeakProtection, kJustLeakProtection, "FwpmFilterCreateEnumHandle0", kOnce,
+     Installed(kDns, kEmpty)},
+    {kEnableLeakProtection, kJustLeakProtection, "FwpmFilterEnum0", kOnce, Installed(kDns, kEmpty)},
+    {kEnableLeakProtection, kKillSwitchStillToAdd, "FwpmFilterCreateEnumHandle0", kOnce,
+     Installed(kDns, kEmpty, {}, kKillSwitchAdded)},
+    {kEnableLeakProtection, kKillSwitchStillToAdd, "FwpmFilterEnum0", kOnce,
+     Installed(kDns, kEmpty, {}, kKillSwitchAdded)},
+    {kEnableLeakProtection, kOnlyDnsRulesLeft, "FwpmFilterCreateEnumHandle0", kOnce,
+     Installed(kEmpty, kEmpty)},
+    {kEnableLeakProtection, kOnlyDnsRulesLeft, "FwpmFilterEnum0", kOnce, Installed(kEmpty, kEmpty)},
+    {kEnableLeakProtection, kFirst, "FwpmFilterDestroyEnumHandle0", kOnce, kHarmless},
+    {kEnableLeakProtection,
+     kFirst,
+     "FwpmEngineClose0",
+     kOnce,
+     {.asWithoutFault = true, .leaksReadingSession = true}},
+    // Applying. What cannot be installed whole is removed again.
+    {kEnableLeakProtection,
+     kWithoutSession,
+     "FwpmEngineOpen0",
+     kSecond,
+     {.message = kOpenFails, .lastLine = kApplyLine}},
+    {kEnableLeakProtection, kOff | kKillSwitchUnopened, "FwpmProviderGetByKey0", kOnce, kHarmless},
+    {kEnableLeakProtection,
+     kOffBesideProvider,
+     "FwpmProviderGetByKey0",
+     kOnce,
+     {.message = kProviderFails, .code = &kOne, .lastLine = kApplyLine, .session = true}},
+    {kEnableLeakProtection,
+     kOff | kKillSwitchUnopened,
+     "FwpmProviderAdd0",
+     kOnce,
+     {.message = kProviderFails, .code = &kOne, .lastLine = kApplyLine, .session = true}},
+    {kEnableLeakProtection, kAllOff, "FwpmSubLayerGetByKey0", {1, 3}, kHarmless},
+    {kEnableLeakProtection, kKillSwitchOn, "FwpmSubLayerGetByKey0", kOnce,
+     NotInstalled(kSublayerFails, &kAlreadyExists)},
+    {kEnableLeakProtection, kKillSwitchOn, "FwpmSubLayerGetByKey0", {2, 4}, kHarmless},
+    {kEnableLeakProtection, kKillSwitchStillToAdd, "FwpmSubLayerGetByKey0", {1, 4}, kHarmless},
+    {kEnableLeakProtection,
+     kOnlyDnsRulesLeft,
+     "FwpmSubLayerGetByKey0",
+     {1, 2},
+     NotInstalled(kSublayerFails, &kAlreadyExists)},
+    {kEnableLeakProtection, kOnlyDnsRulesLeft, "FwpmSubLayerGetByKey0", {3, 4}, kHarmless},
+    {kEnableLeakProtection, kJustLeakProtection, "FwpmSubLayerAdd0", {1, 3}, NotInstalled(kSublayerFails)},
+    {kEnableLeakProtection, kOnlyDnsRulesLeft, "FwpmSubLayerAdd0", {1, 2}, NotInstalled(kSublayerFails)},
+    {kEnableLeakProtection, kKillSwitchStillToAdd, "FwpmSubLayerAdd0", kOnce, NotInstalled(kSublayerFails)},
+    {kEnableLeakProtection,
+     kKillSwitchStillToAdd,
+     "FwpmSubLayerAdd0",
+     {2, 4},
+     NotInstalled(kSublayerFails, nullptr, kKillSwitchAdded)},
+    {kEnableLeakProtection, kJustLeakProtection | kOnlyDnsRulesLeft, "FwpmFilterAdd0", kEach,
+     NotInstalled(kFilterFails)},
+    {kEnableLeakProtection,
+     kKillSwitchStillToAdd,
+     "FwpmFilterAdd0",
+     {1, 51},
+     NotInstalled(kFilterFails, nullptr, {true, kAddedSoFar})},
+    {kEnableLeakProtection,
+     kKillSwitchStillToAdd,
+     "FwpmFilterAdd0",
+     {52, kLast},
+     NotInstalled(kFilterFails, nullptr, kKillSwitchAdded)},
+
+    // EnableLeakProtection again: a transaction, which ends only if all three were registered.
+    {kEnableLeakProtection, kLeakProtectionOn, nullptr, {}, kNothingHappens},
+    {kEnableLeakProtection, kFirewallCopyMissing, nullptr, {}, {.transaction = true}},
+    {kEnableLeakProtection,
+     kOnlyInterfaceRulesLeft,
+     nullptr,
+     {},
+     {.interfaceLeak = kInterface, .transaction = true}},
+    {kEnableLeakProtection,
+     kReplacing,
+     "FwpmTransactionBegin0",
+     kOnce,
+     {.message = kBeginFails,
+      .lastLine = kLuidLine,
+      .dnsLeak = kGone,
+      .firewallCopy = kGone,
+      .interfaceLeak = kGone}},
+    // What is not removed is taken to be installed already.
+    {kEnableLeakProtection, kInterfaceRulesWhole, "FwpmSubLayerGetByKey0", kOnce, kHarmless},
+    {kEnableLeakProtection, kOnlyInterfaceRulesLeft, "FwpmSubLayerGetByKey0", kOnce, {.transaction = true}},
+    {kEnableLeakProtection, kInterfaceRulesWhole, "FwpmFilterDeleteById0", kEach,
+     NotReplaced(kRemovalFails, kReplaceLine, &kInUse, kOneFilterLeft)},
+    {kEnableLeakProtection, kReplacing, "FwpmSubLayerDeleteByKey0", kOnce,
+     NotReplaced(kRemovalFails, kReplaceLine)},
+    {kEnableLeakProtection,
+     kLeakProtectionOn,
+     "FwpmSubLayerDeleteByKey0",
+     kOnce,
+     {.interfaceLeak = kNoFilterLeft},
+     kProviderNotFound.value},
+    {kEnableLeakProtection,
+     kReplacing & ~kLeakProtectionOn,
+     "FwpmSubLayerDeleteByKey0",
+     kOnce,
+     {.interfaceLeak = kNoFilterLeft, .transaction = true},
+     kProviderNotFound.value},
+    {kEnableLeakProtection,
+     kLeakProtectionOn,
+     "FwpmSubLayerGetByKey0",
+     {2, 3},
+     NotReplaced(kSublayerFails, kApplyLine, &kAlreadyExists)},
+    {kEnableLeakProtection, kLeakProtectionOn, "FwpmSubLayerGetByKey0", kFourth, kHarmless},
+    {kEnableLeakProtection, kFirewallCopyMissing, "FwpmSubLayerGetByKey0", kSecond,
+     NotReplaced(kSublayerFails, kApplyLine, &kAlreadyExists)},
+    {kEnableLeakProtection, kFirewallCopyMissing, "FwpmSubLayerGetByKey0", kThird, kHarmless},
+    {kEnableLeakProtection, kOnlyInterfaceRulesLeft, "FwpmSubLayerGetByKey0", kSecond, kHarmless},
+    {kEnableLeakProtection, kReplacing, "FwpmSubLayerAdd0", kOnce, NotReplaced(kSublayerFails, kApplyLine)},
+    {kEnableLeakProtection, kReplacing, "FwpmFilterAdd0", kEach, NotReplaced(kFilterFails, kApplyLine)},
+    // The engine then undoes the replacement, and the module does not know the filters that are back.
+    {kEnableLeakProtection,
+     kLeakProtectionOn,
+     "FwpmTransactionCommit0",
+     kOnce,
+     {.message = kCommitFails, .lastLine = kCommitLine, .dnsLeak = kGone, .firewallCopy = kGone}},
+
+    // DisableLeakProtection removes what it can: interface rules, DNS rules, copy.
+    {kDisableLeakProtection, kAllStates, nullptr, {}, Disabled(kGone)},
+    {kDisableLeakProtection, kReplacing, "FwpmSubLayerGetByKey0", kOnce, Disabled(kForgotten)},
+    {kDisableLeakProtection, kInterfaceRulesWhole, "FwpmSubLayerGetByKey0", kSecond,
+     Disabled(kGone, kForgotten)},
+    {kDisableLeakProtection, kOnlyDnsRulesLeft, "FwpmSubLayerGetByKey0", kOnce, Disabled(kGone, kForgotten)},
+    {kDisableLeakProtection, kLeakProtectionOn, "FwpmSubLayerGetByKey0", kThird,
+     Disabled(kGone, kGone, kForgotten)},
+    {kDisableLeakProtection,
+     kInterfaceRulesWhole,
+     "FwpmFilterDeleteById0",
+     {1, 21},
+     Disabled(kOneFilterLeft)},
+    {kDisableLeakProtection,
+     kInterfaceRulesWhole,
+     "FwpmFilterDeleteById0",
+     {22, 33},
+     Disabled(kGone, kOneFilterLeft)},
+    {kDisableLeakProtection,
+     kLeakProtectionOn,
+     "FwpmFilterDeleteById0",
+     {34, 35},
+     Disabled(kGone, kGone, kOneFilterLeft)},
+    {kDisableLeakProtection, kReplacing, "FwpmSubLayerDeleteByKey0", kOnce, Disabled(kNoFilterLeft)},
+    {kDisableLeakProtection, kReplacing, "FwpmSubLayerDeleteByKey0", kOnce, Disabled(kEmptyAndForgotten),
+     kProviderNotFound.value},
+    {kDisableLeakProtection, kInterfaceRulesWhole, "FwpmSubLayerDeleteByKey0", kSecond,
+     Disabled(kGone, kNoFilterLeft)},
+    {kDisableLeakProtection, kInterfaceRulesWhole, "FwpmSubLayerDeleteByKey0", kSecond,
+     Disabled(kGone, kEmptyAndForgotten), kProviderNotFound.value},
+    {kDisableLeakProtection, kOnlyDnsRulesLeft, "FwpmSubLayerDeleteByKey0", kOnce,
+     Disabled(kGone, kNoFilterLeft)},
+    {kDisableLeakProtection, kOnlyDnsRulesLeft, "FwpmSubLayerDeleteByKey0", kOnce,
+     Disabled(kGone, kEmptyAndForgotten), kProviderNotFound.value},
+    {kDisableLeakProtection, kLeakProtectionOn, "FwpmSubLayerDeleteByKey0", kThird,
+     Disabled(kGone, kGone, kNoFilterLeft)},
+    {kDisableLeakProtection, kLeakProtectionOn, "FwpmSubLayerDeleteByKey0", kThird,
+     Disabled(kGone, kGone, kEmptyAndForgotten), kProviderNotFound.value},
+};
+
+}  // namespace
+
+std::span<const Rule> LeakProtectionRules() { return kRules; }

@@ -1,0 +1,33 @@
+#pragma once
+
+#include <WfpPlatform.h>
+
+#include <memory>
+
+#include "LoadedModule.h"
+
+/// A function of the engine's client library that this process is bound to. The program must not import
+/// that library, or it would bind to the system's before the emulated one can be loaded: every function is
+/// looked up when it is needed.
+template <typename Function>
+Function FindInEngine(const char* function) {
+  return FindFunction<Function>(GetModuleHandleW(L"fwpuclnt.dll"), function);
+}
+
+/// @throws Failure with the code, unless it is that of success.
+void CheckEngine(DWORD result, const char* function);
+
+struct FreeEngineMemory {
+  decltype(&::FwpmFreeMemory0) free;
+  void operator()(void* memory) const { free(&memory); }
+};
+
+/// Takes over what the engine handed out.
+template <typename Memory>
+std::unique_ptr<Memory, FreeEngineMemory> Own(Memory* memory) {
+  return {memory, FreeEngineMemory{FindInEngine<decltype(&::FwpmFreeMemory0)>("FwpmFreeMemory0")}};
+}
+
+/// A session that does not take what it added with it when it closes.
+using EngineHandle = std::unique_ptr<void, decltype(&::FwpmEngineClose0)>;
+EngineHandle OpenEngine();
