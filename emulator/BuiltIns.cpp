@@ -83,8 +83,8 @@ std::vector<ObjectPtr<FWPM_LAYER0>> MakeLayers() {
 }  // namespace
 
 const std::vector<ObjectPtr<FWPM_LAYER0>>& Layers() {
-  static const std::vector<ObjectPtr<FWPM_LAYER0>> layers = MakeLayers();
-  return layers;
+  static const std::vector<ObjectPtr<FWPM_LAYER0>> kLayers = MakeLayers();
+  return kLayers;
 }
 
 std::vector<ObjectPtr<FWPM_SUBLAYER0>> MakeBuiltInSublayers(const Rules& rules) {
