@@ -13,28 +13,26 @@ step "Build ${targets[*]}"
 cmake --preset fuzz >/dev/null
 cmake --build --preset fuzz --target "${targets[@]}"
 
-findings=build/fuzz/findings
-mkdir -p "$findings"
-export UBSAN_OPTIONS=print_stacktrace=1
-summary=
-broken=0
-for target in "${targets[@]}"; do
-  step "$target: $seconds s"
-  corpus=build/fuzz/corpus/$target
-  log=build/fuzz/$target.log
+export UBSAN_OPTIONS=print_stacktrace=1 seconds
+mkdir -p build/fuzz/findings
+
+fuzz() { # fuzz TARGET: leaves a line in its summary
+  local corpus=build/fuzz/corpus/$1 log=build/fuzz/$1.log verdict=clean executions
   mkdir -p "$corpus"
-  verdict=clean
-  build/fuzz/bin/"$target" -max_total_time="$seconds" -timeout=10 -print_final_stats=1 \
-    -artifact_prefix="$findings/$target-" "$corpus" "fuzz/corpus/$target" >"$log" 2>&1 || {
+  build/fuzz/bin/"$1" -max_total_time="$seconds" -timeout=10 -print_final_stats=1 \
+    -artifact_prefix="build/fuzz/findings/$1-" "$corpus" "fuzz/corpus/$1" >"$log" 2>&1 || {
     verdict=$(sed -n 's/.*Test unit written to //p' "$log")
     verdict="FINDING ${verdict:-, see $log}"
-    broken=1
     grep -v '^#' "$log" | tail -n 60
   }
   executions=$(sed -n 's/^stat::number_of_executed_units: *//p' "$log")
-  summary+=$(printf '%-20s %12s executions  %s' "$target" "${executions:-0}" "$verdict")$'\n'
-done
+  printf '%-20s %12s executions  %s\n' "$1" "${executions:-0}" "$verdict" >"build/fuzz/summary-$1"
+}
+export -f fuzz
+
+step "$seconds s each"
+printf '%s\n' "${targets[@]}" | xargs -P "$(nproc)" -I{} bash -c 'fuzz {}'
 
 step "Executions"
-printf '%s' "$summary"
-exit "$broken"
+cat "${targets[@]/#/build/fuzz/summary-}"
+! grep -q FINDING "${targets[@]/#/build/fuzz/summary-}"
