@@ -1,14 +1,15 @@
 // A host that gives any commands in any order, while the engine and the machine fail now and then.
 #include <algorithm>
+#include <array>
 #include <optional>
 #include <string>
 #include <string_view>
-#include <utility>
 #include <vector>
 
 #include "api/ModuleState.h"
 #include "corvane/native_firewall.h"
 #include "emulator/Control.h"
+#include "fuzz/Failure.h"
 #include "fuzz/Input.h"
 #include "helpers/NetworkInfoException.h"
 #include "support/AppBlock.h"
@@ -16,23 +17,33 @@
 
 namespace {
 
+using Fuzz::Calls;
+using Fuzz::CallsBesides;
+using Fuzz::EssentialCallsOfFirstEnable;
+using Fuzz::Failure;
+using Fuzz::FirstFailure;
 using Fuzz::Input;
+using Fuzz::IsFailedRemoval;
+using Fuzz::kFailureTexts;
+using Fuzz::LoggedCode;
 using Fuzz::Require;
 
 constexpr int kMostCommands = 32;
 constexpr std::uint64_t kDhcpFilters = 6;
 constexpr std::uint64_t kKillSwitchFilters = 51;
 constexpr std::uint64_t kFiltersPerApp = 6;
+constexpr std::uint64_t kLocalNetworkFilters = 15;
 
 constexpr GUID Key(UINT32 number) { return {number, 0, 0, {}}; }
 constexpr GUID kProviderKey = Key(1);
 constexpr GUID kKillSwitchKey = Key(2);
 constexpr GUID kDhcpKey = Key(3);
-constexpr GUID kOtherKey = Key(4);
-constexpr GUID kDnsLeakKey = Key(5);
-constexpr GUID kFirewallCopyKey = Key(6);
-constexpr GUID kInterfaceLeakKey = Key(7);
+constexpr GUID kDnsLeakKey = Key(4);
+constexpr GUID kFirewallCopyKey = Key(5);
+constexpr GUID kInterfaceLeakKey = Key(6);
 constexpr GUID kLeakKeys[]{kDnsLeakKey, kFirewallCopyKey, kInterfaceLeakKey};
+constexpr GUID kLocalNetworkKey = Key(7);
+constexpr GUID kSkeinKey = Key(8);
 
 constexpr const wchar_t* kExistingApps[]{L"C:\\a.exe", L"C:\\Program Files\\b.exe"};
 constexpr const wchar_t* kApps[]{kExistingApps[0], kExistingApps[1], L"C:\\missing.exe", L"", L"\xD800"};
@@ -48,70 +59,19 @@ constexpr const char* kPlatformCalls[]{"SetupDiGetClassDevsW", "SetupDiEnumDevic
                                        "GetAdaptersAddresses"};
 constexpr DWORD kCodes[]{0x80320010, 0x80320005, 0x80320007, 0x80320009, 0x80320012, 1753, 5, 1};
 
-/// The engine calls on which commands depend, and the text that each failure leaves.
-struct FailureText {
-  std::string_view function;
-  std::string_view text;
-};
-constexpr FailureText kFailureTexts[]{
-    {"FwpmEngineOpen0", "Error opening engine."},
-    {"FwpmProviderAdd0", "Failed to add provider"},
-    {"FwpmSubLayerAdd0", "Error creating sublayer."},
-    {"FwpmFilterAdd0", "Failed to add filter to firewall."},
-    {"FwpmSubLayerDeleteByKey0", "Failed to remove provider."},
-    {"FwpmTransactionBegin0", "Failed to begin transaction."},
-    {"FwpmTransactionCommit0", "Failed to commit transaction."},
-    {"FwpmGetAppIdFromFileName0", "Failed to retrieve app blob"},
-};
-
-struct Failure {
-  std::string_view function;
-  std::string_view text;
-  std::uint32_t code;
-};
-
-using Calls = std::vector<EngineEmulator::Call>;
-
-bool IsFailedRemoval(const EngineEmulator::Call& call) {
-  return call.function == "FwpmSubLayerDeleteByKey0" && call.result != ERROR_SUCCESS &&
-         call.result != 0x80320005;
+std::vector<std::string>& Lines() {
+  static std::vector<std::string> lines;
+  return lines;
 }
 
-/// The first failed call that the command cannot do without.
-std::optional<Failure> FirstFailure(const Calls& calls = EngineEmulator::Journal()) {
-  for (const EngineEmulator::Call& call : calls) {
-    const auto* rule = std::ranges::find(kFailureTexts, call.function, &FailureText::function);
-    const bool sublayerWasGone = call.function == "FwpmSubLayerDeleteByKey0" && call.result == 0x80320005;
-    if (call.result != ERROR_SUCCESS && rule != std::end(kFailureTexts) && !sublayerWasGone) {
-      return Failure{rule->function, rule->text, call.function == "FwpmProviderAdd0" ? 1 : call.result};
-    }
-  }
-  return std::nullopt;
-}
-
-/// The calls without which EnableLeakProtection cannot do when it does not replace anything: neither
-/// those of the DNS rules, nor the session that the copy is read in, nor the removal of what failed.
-Calls EssentialCallsOfFirstEnable() {
-  Calls calls = EngineEmulator::Journal();
-  std::erase_if(calls, [readerSeen = false](const EngineEmulator::Call& call) mutable {
-    const bool isReader = call.function == "FwpmEngineOpen0" && !std::exchange(readerSeen, true);
-    return isReader || call.function == "FwpmGetAppIdFromFileName0" ||
-           call.function == "FwpmSubLayerDeleteByKey0";
-  });
-  return calls;
-}
-
-std::string& LastLine() {
-  static std::string line;
-  return line;
-}
+std::string LastLine() { return Lines().empty() ? "" : Lines().back(); }
 
 std::uint64_t CORVANE_CALL Log(const char* line) {
-  LastLine() = line;
+  Lines().emplace_back(line);
   return 0;
 }
 
-/// The host, and what it may expect: the two switches, the text of the last failure, and, as long as
+/// The host, and what it may expect: the switches, the text of the last failure, and, as long as
 /// nothing failed, what the engine holds.
 class Host {
  public:
@@ -129,10 +89,13 @@ class Host {
     Initialize();
     for (int i = 0; i < kMostCommands && !input_.IsEmpty(); ++i) {
       constexpr void (Host::*kCommands[])(){
-          &Host::DisableInternet,      &Host::EnableInternet,        &Host::EnableDhcp, &Host::DisableDhcp,
-          &Host::EnableLeakProtection, &Host::DisableLeakProtection, &Host::Initialize};
+          &Host::DisableInternet, &Host::EnableInternet,       &Host::EnableDhcp,
+          &Host::DisableDhcp,     &Host::EnableLeakProtection, &Host::DisableLeakProtection,
+          &Host::Initialize,      &Host::DisableLocalNetwork,  &Host::EnableLocalNetwork,
+          &Host::EnableSkein,     &Host::DisableSkein};
       PlanFault();
       EngineEmulator::ClearJournal();
+      Lines().clear();
       (this->*input_.TakeOneOf(kCommands))();
       CountKeptMemory();
       RequireAnswers();
@@ -182,12 +145,12 @@ class Host {
   void Initialize() {
     const auto text = input_.TakeWideText();
     const wchar_t* const name = text.c_str();
-    ::Initialize(&kProviderKey, name, name, &kKillSwitchKey, name, name, &kOtherKey, name, name, &kDhcpKey,
-                 name, name, &kDnsLeakKey, name, name, &kInterfaceLeakKey, name, name, &kFirewallCopyKey,
-                 name, name, &kOtherKey, name, name, input_.TakeFlag() ? name : kExistingApps[0]);
+    ::Initialize(&kProviderKey, name, name, &kKillSwitchKey, name, name, &kLocalNetworkKey, name, name,
+                 &kDhcpKey, name, name, &kDnsLeakKey, name, name, &kInterfaceLeakKey, name, name,
+                 &kFirewallCopyKey, name, name, &kSkeinKey, name, name,
+                 input_.TakeFlag() ? name : kExistingApps[0]);
     Require(EngineEmulator::CountOutstanding().sessions == 0, "a fresh start has no session");
-    killSwitch_ = dhcp_ = failed_ = false;
-    apps_ = 0;
+    killSwitch_ = dhcp_ = localNetwork_ = skein_ = failed_ = false;
   }
 
   void DisableInternet() {
@@ -204,8 +167,7 @@ class Host {
       return std::ranges::find(kExistingApps, app) == std::end(kExistingApps);
     };
     Require(failure || std::ranges::none_of(apps, isMissing), "every app must be there");
-    const std::string code = failure ? std::to_string(static_cast<std::int32_t>(failure->code)) : "";
-    Require(LastLine() == (failure ? code : "NATIVE: Apply firewall."), "the log ends with the outcome");
+    RequireLastLine("NATIVE: Apply firewall.", failure ? LoggedCode(*failure) : "");
     Require(FakePlatform::GetOpenHandles() == FakePlatform::OpenHandles{},
             "the machine's handles are closed");
   }
@@ -222,7 +184,8 @@ class Host {
     const auto failure = RequireResult(::EnableDhcp(Log));
     dhcp_ = true;
     RequireIdleUnless(!wasOn);
-    RequireLastLine(wasOn ? "NATIVE: enabling dhcp" : "NATIVE: dhcp enabled successfully.", failure);
+    RequireLastLine(wasOn ? "NATIVE: enabling dhcp" : "NATIVE: dhcp enabled successfully.",
+                    failure ? failure->text : "");
   }
 
   void DisableDhcp() {
@@ -230,7 +193,8 @@ class Host {
     const auto failure = RequireResult(::DisableDhcp(Log));
     dhcp_ = wasOn && failure.has_value();
     RequireIdleUnless(wasOn);
-    RequireLastLine(wasOn ? "NATIVE: dhcp disabled successfully." : "NATIVE: disabling dhcp", failure);
+    RequireLastLine(wasOn ? "NATIVE: dhcp disabled successfully." : "NATIVE: disabling dhcp",
+                    failure ? failure->text : "");
   }
 
   void EnableLeakProtection() {
@@ -277,6 +241,62 @@ class Host {
             "only what cannot be removed stays");
   }
 
+  void EnableLocalNetwork() {
+    const bool wasOn = localNetwork_;
+    const auto failure = RequireResult(::EnableLocalNetwork());
+    localNetwork_ = wasOn && failure.has_value();
+    RequireIdleUnless(wasOn);
+  }
+
+  void DisableLocalNetwork() {
+    const bool wasOn = localNetwork_;
+    const auto failure = RequireResult(::DisableLocalNetwork(Log));
+    localNetwork_ = true;
+    RequireIdleUnless(!wasOn);
+    RequireLastLine(wasOn ? "" : "NATIVE: Apply firewall.", failure ? LoggedCode(*failure) : "");
+  }
+
+  void EnableSkein() {
+    SetUpMachine();
+    const auto names = TakeTexts(kInterfaceNames);
+    const std::uint64_t luid = input_.TakeFlag() ? input_.Take<std::uint64_t>() : 0;
+    std::vector<std::uint32_t> peers(input_.TakeIndex(4));
+    std::ranges::generate(peers, [&] { return input_.Take<std::uint32_t>(); });
+    try {
+      const auto result = EnableSkeinFirewallRules(
+          Log, names.data(), static_cast<std::uint32_t>(names.size()), luid, peers.data(), peers.size());
+      LeaveOldSkein();
+      const auto failure = RequireResult(result, CallsBesides("FwpmSubLayerDeleteByKey0"));
+      skein_ = true;
+      RequireLastLine("NATIVE: Apply skein firewall rules.", failure ? LoggedCode(*failure) : "");
+    } catch (const WfpFirewall::Helpers::NetworkInfoException&) {
+      Require(luid == 0, "an interface that is given is not searched");
+      LeaveOldSkein();
+    }
+    const auto isFound = [](const std::string& line) {
+      return line.starts_with("NATIVE: found interface: ");
+    };
+    const auto interfaces = luid == 0 ? std::ranges::count_if(Lines(), isFound) : 1;
+    skeinFilters_ = static_cast<std::uint64_t>(interfaces) * (peers.empty() ? 1 : 2);
+  }
+
+  /// The removal at the beginning of EnableSkein, of which a failure leaves no more than its text.
+  void LeaveOldSkein() {
+    if (const auto failure = FirstFailure(); failure && failure->function == "FwpmSubLayerDeleteByKey0") {
+      failed_ = true;
+      errorText_ = failure->text;
+    } else {
+      skein_ = false;
+    }
+  }
+
+  void DisableSkein() {
+    const bool wasOn = skein_;
+    const auto failure = RequireResult(DisableSkeinFirewallRules());
+    skein_ = wasOn && failure.has_value();
+    RequireIdleUnless(wasOn);
+  }
+
   void CountKeptMemory() {
     keptBlocks_ += static_cast<std::size_t>(
         std::ranges::count_if(EngineEmulator::Journal(), [](const EngineEmulator::Call& call) {
@@ -284,8 +304,8 @@ class Host {
         }));
   }
 
-  std::optional<Failure> RequireResult(std::uint64_t result) {
-    const auto failure = FirstFailure();
+  std::optional<Failure> RequireResult(std::uint64_t result, const Calls& calls = EngineEmulator::Journal()) {
+    const auto failure = FirstFailure(calls);
     Require(result == (failure ? failure->code : 0), "a command's result is that of its first failed call");
     if (failure) {
       failed_ = true;
@@ -299,8 +319,9 @@ class Host {
             "a command with nothing to do leaves the engine alone");
   }
 
-  static void RequireLastLine(const char* line, const std::optional<Failure>& failure) {
-    Require(LastLine() == (failure ? failure->text : line), "the log ends with the outcome");
+  /// @param failureLine empty after a success.
+  static void RequireLastLine(std::string_view line, std::string_view failureLine) {
+    Require(LastLine() == (failureLine.empty() ? line : failureLine), "the log ends with the outcome");
   }
 
   void RequireAnswers() const {
@@ -308,6 +329,8 @@ class Host {
     Require(IsDhcpEnabled() == (dhcp_ ? 1 : 0), "the registry says whether DHCP is let through");
     Require(IsLeakProtectionEnabled() == (std::ranges::all_of(kLeakKeys, IsRegistered) ? 1 : 0),
             "leak protection is on when all of it is");
+    Require(IsLocalNetworkEnabled() == (localNetwork_ ? 0 : 1), "the registry says whether there is a block");
+    Require(IsRegistered(kSkeinKey) == skein_, "the registry says whether there are rules for the network");
     Require(GetErrorText() == errorText_, "the text of the last failure stays");
   }
 
@@ -317,8 +340,9 @@ class Host {
     }
     const EngineEmulator::Snapshot engine = EngineEmulator::TakeSnapshot();
     const bool leak = IsLeakProtectionEnabled() == 1;
-    Require(engine.sublayers.size() == (killSwitch_ ? 1U : 0U) + (dhcp_ ? 1U : 0U) + (leak ? 3U : 0U),
-            "one sublayer a rule set");
+    const auto sublayers =
+        std::ranges::count(std::array{killSwitch_, dhcp_, leak, leak, leak, localNetwork_, skein_}, true);
+    Require(engine.sublayers.size() == static_cast<std::size_t>(sublayers), "one sublayer a rule set");
     const auto filtersOf = [&](const GUID& key) -> std::uint64_t {
       return static_cast<std::uint64_t>(
           std::ranges::count(engine.filters, key, &EngineEmulator::FilterObject::subLayerKey));
@@ -332,14 +356,20 @@ class Host {
         "the DNS rules are whole or gone");
     Require(filtersOf(kInterfaceLeakKey) % filtersPerInterface_ == 0,
             "the interface rules are whole or gone");
+    Require(filtersOf(kLocalNetworkKey) == (localNetwork_ ? kLocalNetworkFilters : 0),
+            "the block of local networks is whole or gone");
+    Require(filtersOf(kSkeinKey) == (skein_ ? skeinFilters_ : 0), "the network's rules are whole or gone");
     Require(EngineEmulator::CountOutstanding().openTransactions == 0, "no transaction is left open");
   }
 
   Input& input_;
   bool killSwitch_ = false;
   bool dhcp_ = false;
+  bool localNetwork_ = false;
+  bool skein_ = false;
   std::size_t apps_ = 0;
   std::uint64_t filtersPerInterface_ = 20;
+  std::uint64_t skeinFilters_ = 0;
   std::size_t keptBlocks_ = 0;
   std::string errorText_;
   bool faultsPlanned_ = false;

@@ -87,23 +87,36 @@ FILTERS = {
 }
 
 # command_sequence: the provider's name, then commands; each after a planned fault or none
+def choices(indexes):
+    return number(len(indexes), 1) + indexes
+
+
 def disable_internet(apps=b"", interfaces=None, machine=b"\0\0\0"):
-    names = interfaces or b""
-    return (b"\0" + machine + number(len(apps), 1) + apps + number(len(names), 1) + names +
-            number(interfaces is not None, 1))
+    return b"\0" + machine + choices(apps) + choices(interfaces or b"") + number(interfaces is not None, 1)
 
 
 ENABLE_INTERNET, ENABLE_DHCP, DISABLE_DHCP = b"\x01", b"\x02", b"\x03"
-DISABLE_LEAK_PROTECTION = b"\x05"
 INITIALIZE = b"\x06" + wide("again") + b"\0"
+DISABLE_LEAK_PROTECTION = b"\x05"
+DISABLE_LOCAL_NETWORK, ENABLE_LOCAL_NETWORK, DISABLE_SKEIN = b"\x07", b"\x08", b"\x0a"
 ENUMERATE = 5
 OPEN, ADD_PROVIDER, ADD_SUBLAYER, ADD_FILTER, DELETE_SUBLAYER, BEGIN, COMMIT, APP_ID = range(7, 15)
 
 
+def only(luid):
+    return b"\x01" + number(luid, 8) if luid else b"\0"
+
+
+def addresses_of(values):
+    return number(len(values), 1) + b"".join(number(value, 4) for value in values)
+
+
 def enable_leak_protection(luid=7, names=b"", permitted=(), machine=b"\0\0\0"):
-    return (b"\x04" + machine + number(len(names), 1) + names + text("198.51.100.7") +
-            (b"\x01" + number(luid, 8) if luid else b"\0") + number(len(permitted), 1) +
-            b"".join(number(address, 4) for address in permitted))
+    return b"\x04" + machine + choices(names) + text("198.51.100.7") + only(luid) + addresses_of(permitted)
+
+
+def enable_skein(luid=0, peers=(), names=b"", machine=b"\0\0\0"):
+    return b"\x09" + machine + choices(names) + only(luid) + addresses_of(peers)
 
 
 def calm(command):
@@ -141,6 +154,15 @@ COMMANDS = {
                    failing(ADD_SUBLAYER, enable_leak_protection()), calm(enable_leak_protection())],
     "leak_left": [calm(enable_leak_protection()), failing(DELETE_SUBLAYER, DISABLE_LEAK_PROTECTION, nth=2),
                   calm(enable_leak_protection()), calm(DISABLE_LEAK_PROTECTION)],
+    "local_network": [calm(DISABLE_LOCAL_NETWORK), calm(DISABLE_LOCAL_NETWORK), calm(ENABLE_LOCAL_NETWORK)],
+    "local_network_filter": [failing(ADD_FILTER, DISABLE_LOCAL_NETWORK, nth=7), calm(ENABLE_LOCAL_NETWORK)],
+    "skein": [calm(enable_skein(7, (0x64400009, 0xcb007105))), calm(enable_skein(8)), calm(DISABLE_SKEIN)],
+    "skein_interfaces": [calm(enable_skein(0, (1, 2, 3), b"\0\2", machine=b"\1\1\0")), calm(DISABLE_SKEIN)],
+    "skein_no_adapters": [calm(enable_skein(7)), calm(enable_skein(names=b"\0", machine=b"\0\0\1\6\0\3"))],
+    "skein_remove": [calm(enable_skein(7)), failing(DELETE_SUBLAYER, enable_skein(8)), calm(DISABLE_SKEIN)],
+    "all": [calm(disable_internet()), calm(ENABLE_DHCP), calm(enable_leak_protection()), calm(DISABLE_LOCAL_NETWORK),
+            calm(enable_skein(7, (1,))), calm(disable_internet()), calm(enable_leak_protection()),
+            calm(ENABLE_LOCAL_NETWORK), calm(DISABLE_SKEIN), calm(DISABLE_LEAK_PROTECTION)],
     "app_id": [failing(APP_ID, disable_internet(apps=b"\0\1"), nth=2), calm(ENABLE_INTERNET)],
 }
 

@@ -28,3 +28,5 @@
 #include "sublayers/KillSwitch.h"
 #include "sublayers/KillSwitchFilteredByInterface.h"
 #include "sublayers/KillSwitchWithWhitelistedApps.h"
+#include "sublayers/LocalNetworkBlock.h"
+#include "sublayers/SkeinFirewallRules.h"

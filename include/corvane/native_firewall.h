@@ -128,6 +128,38 @@ CORVANE_API uint64_t CORVANE_CALL EnableLeakProtection(const char* serverAddress
 /** Removes the leak protection. What cannot be removed stays on; the result is 0 nonetheless. */
 CORVANE_API uint64_t CORVANE_CALL DisableLeakProtection(void);
 
+/** 1 while local networks are not blocked, else 0. */
+CORVANE_API uint64_t CORVANE_CALL IsLocalNetworkEnabled(void);
+
+/** Removes the block of local networks. */
+CORVANE_API uint64_t CORVANE_CALL EnableLocalNetwork(void);
+
+/**
+ * Blocks private, link-local and unique-local networks, except for name look-ups. After a failure the
+ * block counts as installed until EnableLocalNetwork.
+ */
+CORVANE_API uint64_t CORVANE_CALL DisableLocalNetwork(LogCallback log);
+
+/**
+ * Installs the rules of the Skein network: inbound connections from 100.64.0.0/10 over its interfaces are
+ * blocked, but for those from its peers. Removes installed rules first and carries on if that fails; the
+ * text of that failure then stays although the command may succeed. After a failure the rules count as
+ * installed until DisableSkeinFirewallRules.
+ *
+ * @param interfaceNames texts to look for, in their letter case, in the descriptions of the network
+ *        adapters; may be null when interfaceCount is 0. Only logged when there is a LUID.
+ * @param interfaceLuid the NET_LUID of the one interface; 0 to look for the names.
+ * @param peers IPv4 addresses in host byte order (10.0.0.1 is 0x0A000001). Null is the same as a peerCount
+ *        of 0: then no connection from the range is let in.
+ */
+CORVANE_API uint64_t CORVANE_CALL EnableSkeinFirewallRules(LogCallback log,
+                                                           const wchar_t* const* interfaceNames,
+                                                           uint32_t interfaceCount, uint64_t interfaceLuid,
+                                                           const uint32_t* peers, uint64_t peerCount);
+
+/** Removes the rules of the Skein network. */
+CORVANE_API uint64_t CORVANE_CALL DisableSkeinFirewallRules(void);
+
 #ifdef __cplusplus
 }
 #endif

@@ -11,7 +11,8 @@
 /// @throws NetworkInfoException when the adapters cannot be listed.
 std::vector<std::uint64_t> GetInterfaceLuids(const std::vector<std::wstring>& names, LogCallback log);
 
-/// The interface of that LUID alone, or those that GetInterfaceLuids finds when it is 0. Logs which.
+/// The interfaces that a command's arguments choose: the one of the LUID unless that is 0, else those that
+/// GetInterfaceLuids finds. Logs which way it takes.
 /// @throws NetworkInfoException as GetInterfaceLuids.
 std::vector<std::uint64_t> ChooseInterfaceLuids(const std::vector<std::wstring>& names, std::uint64_t luid,
                                                 LogCallback log);

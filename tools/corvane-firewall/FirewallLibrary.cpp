@@ -44,7 +44,14 @@ FirewallLibrary::FirewallLibrary(Engine engine, const std::wstring& dnsAppPath)
       enableLeakProtection_(
           FindFunction<decltype(enableLeakProtection_)>(module_.get(), "EnableLeakProtection")),
       disableLeakProtection_(
-          FindFunction<decltype(disableLeakProtection_)>(module_.get(), "DisableLeakProtection")) {
+          FindFunction<decltype(disableLeakProtection_)>(module_.get(), "DisableLeakProtection")),
+      isLocalNetworkEnabled_(
+          FindFunction<decltype(isLocalNetworkEnabled_)>(module_.get(), "IsLocalNetworkEnabled")),
+      enableLocalNetwork_(FindFunction<decltype(enableLocalNetwork_)>(module_.get(), "EnableLocalNetwork")),
+      disableLocalNetwork_(
+          FindFunction<decltype(disableLocalNetwork_)>(module_.get(), "DisableLocalNetwork")),
+      enableSkein_(FindFunction<decltype(enableSkein_)>(module_.get(), "EnableSkeinFirewallRules")),
+      disableSkein_(FindFunction<decltype(disableSkein_)>(module_.get(), "DisableSkeinFirewallRules")) {
   Initialize(dnsAppPath);
 }
 
@@ -81,6 +88,14 @@ void FirewallLibrary::EnableLeakProtection(const LeakProtectionRequest& request,
   if (result != 0) {
     throw Failure(result, "Leak protection cannot be installed");
   }
+}
+
+void FirewallLibrary::EnableSkein(const std::vector<std::wstring>& interfaceNames,
+                                  std::uint64_t interfaceLuid, const std::vector<std::uint32_t>& peers,
+                                  LogCallback log) const {
+  const std::vector<const wchar_t*> interfacePointers = Pointers(interfaceNames);
+  Check(enableSkein_(log, interfacePointers.data(), static_cast<std::uint32_t>(interfacePointers.size()),
+                     interfaceLuid, peers.data(), peers.size()));
 }
 
 void FirewallLibrary::Check(std::uint64_t result) const {

@@ -28,6 +28,7 @@ class FirewallLibrary {
   [[nodiscard]] bool IsInternetEnabled() const { return isInternetEnabled_() == 1; }
   [[nodiscard]] bool IsDhcpEnabled() const { return isDhcpEnabled_() == 1; }
   [[nodiscard]] bool IsLeakProtectionEnabled() const { return isLeakProtectionEnabled_() == 1; }
+  [[nodiscard]] bool IsLocalNetworkEnabled() const { return isLocalNetworkEnabled_() == 1; }
 
   /// The commands throw Failure with the code and the text of the library.
   void EnableInternet() const { Check(enableInternet_()); }
@@ -36,8 +37,17 @@ class FirewallLibrary {
   void EnableDhcp(LogCallback log) const { Check(enableDhcp_(log)); }
   void DisableDhcp(LogCallback log) const { Check(disableDhcp_(log)); }
   /// The library keeps no text of this command's failures.
+  /// @throws NetworkInfoException too, when the adapters cannot be listed.
   void EnableLeakProtection(const LeakProtectionRequest& request, LogCallback log) const;
   void DisableLeakProtection() const { Check(disableLeakProtection_()); }
+  void EnableLocalNetwork() const { Check(enableLocalNetwork_()); }
+  void DisableLocalNetwork(LogCallback log) const { Check(disableLocalNetwork_(log)); }
+  /// @param interfaceLuid 0 to look for the names.
+  /// @param peers in host byte order.
+  /// @throws NetworkInfoException too, when the adapters cannot be listed.
+  void EnableSkein(const std::vector<std::wstring>& interfaceNames, std::uint64_t interfaceLuid,
+                   const std::vector<std::uint32_t>& peers, LogCallback log) const;
+  void DisableSkein() const { Check(disableSkein_()); }
 
  private:
   void Initialize(const std::wstring& dnsAppPath) const;
@@ -55,4 +65,9 @@ class FirewallLibrary {
   decltype(&::IsLeakProtectionEnabled) isLeakProtectionEnabled_;
   decltype(&::EnableLeakProtection) enableLeakProtection_;
   decltype(&::DisableLeakProtection) disableLeakProtection_;
+  decltype(&::IsLocalNetworkEnabled) isLocalNetworkEnabled_;
+  decltype(&::EnableLocalNetwork) enableLocalNetwork_;
+  decltype(&::DisableLocalNetwork) disableLocalNetwork_;
+  decltype(&::EnableSkeinFirewallRules) enableSkein_;
+  decltype(&::DisableSkeinFirewallRules) disableSkein_;
 };

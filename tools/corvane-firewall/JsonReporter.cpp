@@ -44,7 +44,11 @@ void JsonReporter::Log(const std::string& line) { Step()["log"].push_back(line);
 
 void JsonReporter::ShowStatus(const Status& status) {
   Step()["status"] = {
-      {"internet", status.internet}, {"dhcp", status.dhcp}, {"leakProtection", status.leakProtection}};
+      {"internet", status.internet},
+      {"dhcp", status.dhcp},
+      {"leakProtection", status.leakProtection},
+      {"localNetwork", status.localNetwork},
+  };
 }
 
 void JsonReporter::ShowAdapters(const std::vector<ListedAdapter>& adapters) {

@@ -28,5 +28,5 @@ std::string RejectAllButIpV4(const std::string& value) {
 }
 
 std::string RejectAllButLuid(const std::string& value) {
-  return ParseLuid(value) ? "" : value + " is no LUID";
+  return ParseLuid(value) ? "" : value + " is no LUID, a decimal number above 0";
 }

@@ -14,11 +14,12 @@ struct ListedAdapter {
   std::uint64_t luid;
 };
 
-/// What is switched on.
+/// What the library's queries answer.
 struct Status {
   bool internet;
   bool dhcp;
   bool leakProtection;
+  bool localNetwork;
 };
 
 /// Receives what happens while a plan runs, in this order: per step BeginStep, anything that the step

@@ -54,14 +54,23 @@ void SearchAdapters(const Search& search) {
   }
 }
 
+/// 0 when there is none.
+std::uint64_t LuidOf(const StepOptions& options) {
+  return options.luid.empty() ? 0 : ParseLuid(options.luid.front()).value();
+}
+
+std::vector<std::uint32_t> ToAddresses(const std::vector<std::string>& texts) {
+  std::vector<std::uint32_t> addresses;
+  addresses.reserve(texts.size());
+  for (const std::string& text : texts) {
+    addresses.push_back(ParseIpV4(text).value());
+  }
+  return addresses;
+}
+
 void EnableLeakProtectionStep(const StepContext& context, const StepOptions& options) {
-  LeakProtectionRequest request{options.server.front(), ToWide(options.interfaces), 0, {}};
-  for (const std::string& luid : options.luid) {
-    request.luid = ParseLuid(luid).value();
-  }
-  for (const std::string& address : options.allowed) {
-    request.permittedAddresses.push_back(ParseIpV4(address).value());
-  }
+  const LeakProtectionRequest request{options.server.front(), ToWide(options.interfaces), LuidOf(options),
+                                      ToAddresses(options.allowed)};
   const LogRoute route(context.reporter);
   SearchAdapters([&] { context.library.EnableLeakProtection(request, &LogRoute::Receive); });
 }
@@ -70,10 +79,31 @@ void DisableLeakProtectionStep(const StepContext& context, const StepOptions&) {
   context.library.DisableLeakProtection();
 }
 
+void DisableLocalNetworkStep(const StepContext& context, const StepOptions&) {
+  const LogRoute route(context.reporter);
+  context.library.DisableLocalNetwork(&LogRoute::Receive);
+}
+
+void EnableLocalNetworkStep(const StepContext& context, const StepOptions&) {
+  context.library.EnableLocalNetwork();
+}
+
+void EnableSkeinStep(const StepContext& context, const StepOptions& options) {
+  const LogRoute route(context.reporter);
+  SearchAdapters([&] {
+    context.library.EnableSkein(ToWide(options.interfaces), LuidOf(options), ToAddresses(options.peers),
+                                &LogRoute::Receive);
+  });
+}
+
+void DisableSkeinStep(const StepContext& context, const StepOptions&) { context.library.DisableSkein(); }
+
 void StatusStep(const StepContext& context, const StepOptions&) {
   const FirewallLibrary& library = context.library;
-  context.reporter.ShowStatus(
-      {library.IsInternetEnabled(), library.IsDhcpEnabled(), library.IsLeakProtectionEnabled()});
+  context.reporter.ShowStatus({.internet = library.IsInternetEnabled(),
+                               .dhcp = library.IsDhcpEnabled(),
+                               .leakProtection = library.IsLeakProtectionEnabled(),
+                               .localNetwork = library.IsLocalNetworkEnabled()});
 }
 
 void AdaptersStep(const StepContext& context, const StepOptions&) {
@@ -107,6 +137,16 @@ constexpr StepOption kEnableLeakProtectionOptions[]{
      RejectAllButIpV4},
 };
 
+constexpr StepOption kEnableSkeinOptions[]{
+    {"--interface", "TEXT",
+     "Adapters whose description contains this, in its letter case, carry the network; not used with --luid",
+     &StepOptions::interfaces},
+    {"--luid", "NUMBER", "The one adapter that carries the network", &StepOptions::luid, Times::AtMostOnce,
+     RejectAllButLuid},
+    {"--peer", "IPV4", "Peer that may connect to this machine", &StepOptions::peers, Times::Any,
+     RejectAllButIpV4},
+};
+
 constexpr Step kSteps[]{
     {"disable-internet", "Install the kill switch, or replace it", kDisableInternetOptions, true,
      DisableInternetStep},
@@ -116,6 +156,11 @@ constexpr Step kSteps[]{
     {"enable-leak-protection", "Keep name look-ups and connections on the allowed adapters",
      kEnableLeakProtectionOptions, true, EnableLeakProtectionStep},
     {"disable-leak-protection", "Remove the leak protection", {}, false, DisableLeakProtectionStep},
+    {"disable-local-network", "Block the local networks", {}, true, DisableLocalNetworkStep},
+    {"enable-local-network", "Remove the block of the local networks", {}, false, EnableLocalNetworkStep},
+    {"enable-skein", "Install the rules of the Skein network, or replace them", kEnableSkeinOptions, true,
+     EnableSkeinStep},
+    {"disable-skein", "Remove the rules of the Skein network", {}, false, DisableSkeinStep},
     {"status", "Tell what is switched on", {}, false, StatusStep},
     {"adapters", "List the network adapters as the firewall sees them", {}, false, AdaptersStep},
     {"list", "List what the engine holds of ours", {}, false, ListStep},

@@ -15,6 +15,7 @@ struct StepOptions {
   std::vector<std::string> server;
   std::vector<std::string> luid;
   std::vector<std::string> allowed;
+  std::vector<std::string> peers;
 };
 
 /// How often an option may be given.

@@ -38,7 +38,8 @@ void TextReporter::Log(const std::string& line) { std::cout << "  " << line << s
 
 void TextReporter::ShowStatus(const Status& status) {
   std::cout << "  internet: " << OnOrOff(status.internet) << "\n  dhcp rules: " << OnOrOff(status.dhcp)
-            << "\n  leak protection: " << OnOrOff(status.leakProtection) << "\n";
+            << "\n  leak protection: " << OnOrOff(status.leakProtection)
+            << "\n  local network: " << OnOrOff(status.localNetwork) << "\n";
 }
 
 void TextReporter::ShowAdapters(const std::vector<ListedAdapter>& adapters) {

@@ -12,4 +12,11 @@ FirewallLibrary::FirewallLibrary()
       DisableDhcp(module_.Find<decltype(&::DisableDhcp)>("DisableDhcp")),
       IsLeakProtectionEnabled(module_.Find<decltype(&::IsLeakProtectionEnabled)>("IsLeakProtectionEnabled")),
       EnableLeakProtection(module_.Find<decltype(&::EnableLeakProtection)>("EnableLeakProtection")),
-      DisableLeakProtection(module_.Find<decltype(&::DisableLeakProtection)>("DisableLeakProtection")) {}
+      DisableLeakProtection(module_.Find<decltype(&::DisableLeakProtection)>("DisableLeakProtection")),
+      IsLocalNetworkEnabled(module_.Find<decltype(&::IsLocalNetworkEnabled)>("IsLocalNetworkEnabled")),
+      EnableLocalNetwork(module_.Find<decltype(&::EnableLocalNetwork)>("EnableLocalNetwork")),
+      DisableLocalNetwork(module_.Find<decltype(&::DisableLocalNetwork)>("DisableLocalNetwork")),
+      EnableSkeinFirewallRules(
+          module_.Find<decltype(&::EnableSkeinFirewallRules)>("EnableSkeinFirewallRules")),
+      DisableSkeinFirewallRules(
+          module_.Find<decltype(&::DisableSkeinFirewallRules)>("DisableSkeinFirewallRules")) {}

@@ -23,4 +23,9 @@ class FirewallLibrary {
   const decltype(&::IsLeakProtectionEnabled) IsLeakProtectionEnabled;
   const decltype(&::EnableLeakProtection) EnableLeakProtection;
   const decltype(&::DisableLeakProtection) DisableLeakProtection;
+  const decltype(&::IsLocalNetworkEnabled) IsLocalNetworkEnabled;
+  const decltype(&::EnableLocalNetwork) EnableLocalNetwork;
+  const decltype(&::DisableLocalNetwork) DisableLocalNetwork;
+  const decltype(&::EnableSkeinFirewallRules) EnableSkeinFirewallRules;
+  const decltype(&::DisableSkeinFirewallRules) DisableSkeinFirewallRules;
 };

@@ -21,9 +21,11 @@ TEST_F(LibraryImage, ExportsTheFunctionsUndecorated) {
     return name.starts_with("_Z") || name.starts_with('?');
   };
   std::erase_if(names, isDecorated);
-  EXPECT_THAT(names, ElementsAre("DisableDhcp", "DisableInternet", "DisableLeakProtection", "EnableDhcp",
-                                 "EnableInternet", "EnableLeakProtection", "GetErrorText", "Initialize",
-                                 "IsDhcpEnabled", "IsInternetEnabled", "IsLeakProtectionEnabled"));
+  EXPECT_THAT(names, ElementsAre("DisableDhcp", "DisableInternet", "DisableLeakProtection",
+                                 "DisableLocalNetwork", "DisableSkeinFirewallRules", "EnableDhcp",
+                                 "EnableInternet", "EnableLeakProtection", "EnableLocalNetwork",
+                                 "EnableSkeinFirewallRules", "GetErrorText", "Initialize", "IsDhcpEnabled",
+                                 "IsInternetEnabled", "IsLeakProtectionEnabled", "IsLocalNetworkEnabled"));
 }
 
 TEST_F(LibraryImage, ExportsTheClasses) {

@@ -27,12 +27,12 @@ void LibraryTest::TearDown() {
 void LibraryTest::Initialize() const {
   library_->Initialize(&kProviderKey, L"provider name", L"provider description",                   //
                        &kKillSwitchKey, L"kill switch name", L"kill switch description",           //
-                       &kOtherKey, L"local network name", L"local network description",            //
+                       &kLocalNetworkKey, L"local network name", L"local network description",     //
                        &kDhcpKey, L"dhcp name", L"dhcp description",                               //
                        &kDnsLeakKey, L"dns leak name", L"dns leak description",                    //
                        &kInterfaceLeakKey, L"interface leak name", L"interface leak description",  //
                        &kFirewallCopyKey, L"firewall copy name", L"firewall copy description",     //
-                       &kOtherKey, L"skein name", L"skein description", L"C:\\dns.exe");
+                       &kSkeinKey, L"skein name", L"skein description", L"C:\\dns.exe");
 }
 
 std::uint64_t LibraryTest::DisableInternet() const {

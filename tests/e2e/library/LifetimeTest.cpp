@@ -52,6 +52,7 @@ TEST_F(LibraryUnload, EndsATransactionThatAFailureLeftOpen) {
   ASSERT_EQ(DisableInternet(), 0U);
   engine_.FailCall("FwpmFilterAdd0", 51, 5);
   ASSERT_EQ(DisableInternet(), 5U);
+  ASSERT_EQ(engine_.CountOutstanding().openTransactions, 1U);
   library_.reset();
   EXPECT_EQ(engine_.CountOutstanding().sessions, 0U);
   EXPECT_THAT(engine_.Snapshot(), IsEmpty());

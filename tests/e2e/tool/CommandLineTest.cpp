@@ -65,6 +65,24 @@ const WrongUse kWrongUses[]{
     {{L"--engine", L"emulated", L"enable-leak-protection", L"--server", L"1.2.3.4", L"--allow", L"1.2.3"},
      "1.2.3 is no IPv4 address",
      "options go after the step"},
+    {{L"--engine", L"emulated", L"status", L"enable-skein", L"--peer", L"10.0.0"},
+     "--peer: 10.0.0 is no IPv4 address",
+     "options go after the step"},
+    {{L"--engine", L"emulated", L"status", L"enable-skein", L"--peer", L"::1"},
+     "--peer: ::1 is no IPv4 address",
+     "options go after the step"},
+    {{L"--engine", L"emulated", L"status", L"enable-skein", L"--luid", L"0"},
+     "--luid: 0 is no LUID",
+     "options go after the step"},
+    {{L"--engine", L"emulated", L"status", L"enable-skein", L"--luid", L"18446744073709551616"},
+     "--luid: 18446744073709551616 is no LUID",
+     "options go after the step"},
+    {{L"--engine", L"emulated", L"status", L"enable-skein", L"--luid", L"7 "},
+     "--luid: 7  is no LUID",
+     "options go after the step"},
+    {{L"--engine", L"emulated", L"status", L"enable-skein", L"--luid", L"7", L"--luid", L"8"},
+     "--luid: At Most 1 required but received 2",
+     "options go after the step"},
     {{L"--block-app", L"C:\\bad.exe", L"status"},
      "--block-app is for the emulated engine",
      "it goes with --engine emulated"},
@@ -79,10 +97,29 @@ TEST(CommandLine, HelpTellsTheStepsAndExitsWithZero) {
   const ToolRun run = RunTool({L"--help"});
   EXPECT_EQ(run.exitCode, 0u);
   EXPECT_EQ(run.errors, "");
-  for (const char* text :
-       {"disable-internet", "--interface TEXT", "enable-internet", "enable-dhcp", "disable-dhcp",
-        "enable-leak-protection", "--server IPV4", "--luid NUMBER", "--allow IPV4", "disable-leak-protection",
-        "status", "adapters", "list", "--engine", "--dns-app", "--block-app", "--json", "--no-hold"}) {
+  for (const char* text : {"disable-internet",
+                           "--interface TEXT",
+                           "enable-internet",
+                           "enable-dhcp",
+                           "disable-dhcp",
+                           "enable-leak-protection",
+                           "--server IPV4",
+                           "--luid NUMBER",
+                           "--allow IPV4",
+                           "disable-leak-protection",
+                           "disable-local-network",
+                           "enable-local-network",
+                           "enable-skein",
+                           "--peer IPV4",
+                           "disable-skein",
+                           "status",
+                           "adapters",
+                           "list",
+                           "--engine",
+                           "--dns-app",
+                           "--block-app",
+                           "--json",
+                           "--no-hold"}) {
     EXPECT_THAT(run.output, HasSubstr(text));
   }
 }
@@ -112,9 +149,12 @@ TEST(CommandLine, ValueThatIsTheNameOfAStepIsAValue) {
   EXPECT_EQ(run.exitCode, 0u);
   EXPECT_THAT(run.output, HasSubstr("  NATIVE: DisableInternet: list\n"));
   EXPECT_THAT(run.output, Not(HasSubstr("\nlist\n")));
-  EXPECT_THAT(
-      run.output,
-      testing::EndsWith("status\n  internet: off\n  dhcp rules: off\n  leak protection: off\n  done\n"));
+  EXPECT_THAT(run.output, testing::EndsWith("status\n"
+                                            "  internet: off\n"
+                                            "  dhcp rules: off\n"
+                                            "  leak protection: off\n"
+                                            "  local network: on\n"
+                                            "  done\n"));
 }
 
 TEST(CommandLine, ValuesKeepTheirOrderAndBrackets) {

@@ -23,7 +23,8 @@ TEST(JsonOutput, HasEveryStepWithItsLogLines) {
     "steps": [
       {"step": "enable-dhcp", "ok": true,
        "log": ["NATIVE: enabling dhcp", "NATIVE: dhcp enabled successfully."]},
-      {"step": "status", "ok": true, "log": [], "status": {"internet": true, "dhcp": true, "leakProtection": false}},
+      {"step": "status", "ok": true, "log": [],
+       "status": {"internet": true, "dhcp": true, "leakProtection": false, "localNetwork": true}},
       {"step": "enable-dhcp", "ok": true, "log": ["NATIVE: enabling dhcp"]}
     ]
   })json"));

@@ -37,6 +37,7 @@ TEST(LeakProtectionSteps, GoOnAreReplacedAndGoOff) {
             "  internet: on\n"
             "  dhcp rules: off\n"
             "  leak protection: on\n"
+            "  local network: on\n"
             "  done\n"
             "enable-leak-protection\n"
             "  NATIVE: Enabling leak protection v3\n"
@@ -53,6 +54,7 @@ TEST(LeakProtectionSteps, GoOnAreReplacedAndGoOff) {
             "  internet: on\n"
             "  dhcp rules: off\n"
             "  leak protection: off\n"
+            "  local network: on\n"
             "  done\n");
 }
 
@@ -121,7 +123,7 @@ TEST(LeakProtectionSteps, WithoutAnAppForNameLookUpsStayIncomplete) {
                                L"198.51.100.7", L"--luid", L"7", L"status"});
   EXPECT_EQ(run.exitCode, 0u);
   EXPECT_THAT(run.output, HasSubstr("  NATIVE: DNS leak FirewallException\n"));
-  EXPECT_THAT(run.output, EndsWith("  leak protection: off\n  done\n"));
+  EXPECT_THAT(run.output, EndsWith("  leak protection: off\n  local network: on\n  done\n"));
   EXPECT_THAT(run.output, Not(HasSubstr("dnsLeakSublayer")));
 }
 

@@ -7,6 +7,7 @@ namespace {
 using testing::AllOf;
 using testing::EndsWith;
 using testing::HasSubstr;
+using testing::StartsWith;
 
 ToolRun RunEmulated(std::vector<std::wstring> arguments) {
   arguments.insert(arguments.begin(), {L"--engine", L"emulated"});
@@ -31,6 +32,7 @@ TEST(Steps, RunInTheOrderGivenAsOftenAsGiven) {
             "  internet: on\n"
             "  dhcp rules: off\n"
             "  leak protection: off\n"
+            "  local network: on\n"
             "  done\n"
             "enable-dhcp\n"
             "  NATIVE: enabling dhcp\n"
@@ -40,6 +42,7 @@ TEST(Steps, RunInTheOrderGivenAsOftenAsGiven) {
             "  internet: on\n"
             "  dhcp rules: on\n"
             "  leak protection: off\n"
+            "  local network: on\n"
             "  done\n"
             "disable-internet\n"
             "  NATIVE: DisableInternet\n"
@@ -56,6 +59,7 @@ TEST(Steps, RunInTheOrderGivenAsOftenAsGiven) {
             "  internet: off\n"
             "  dhcp rules: off\n"
             "  leak protection: off\n"
+            "  local network: on\n"
             "  done\n"
             "enable-internet\n"
             "  done\n"
@@ -63,6 +67,7 @@ TEST(Steps, RunInTheOrderGivenAsOftenAsGiven) {
             "  internet: on\n"
             "  dhcp rules: off\n"
             "  leak protection: off\n"
+            "  local network: on\n"
             "  done\n");
 }
 
@@ -170,6 +175,77 @@ TEST(Steps, AdaptersAreThoseThatTheLibrarySearches) {
   EXPECT_THAT(run.output, HasSubstr("  NATIVE: No adapters found.\n"));
   EXPECT_GT(Count(run.output, "\", LUID "), 0u);
   EXPECT_EQ(Count(run.output, "\", LUID "), Count(run.output, "NATIVE available interface : "));
+}
+
+TEST(Steps, LocalNetworksAreBlockedAndFreedAgain) {
+  const ToolRun run = RunEmulated({L"disable-local-network", L"status", L"disable-local-network", L"list",
+                                   L"enable-local-network", L"status"});
+  EXPECT_EQ(run.exitCode, 0u);
+  EXPECT_THAT(run.output, StartsWith("disable-local-network\n"
+                                     "  NATIVE: Apply firewall.\n"
+                                     "  done\n"
+                                     "status\n"
+                                     "  internet: on\n"
+                                     "  dhcp rules: off\n"
+                                     "  leak protection: off\n"
+                                     "  local network: off\n"
+                                     "  done\n"
+                                     "disable-local-network\n"
+                                     "  done\n"
+                                     "list\n"));
+  EXPECT_THAT(run.output, HasSubstr("  sublayer \"Corvane Local Network\" "
+                                    "{c65ec4fb-2f21-4713-b30f-2e770f8afd47}: ; weight 0; filters 15\n"));
+  EXPECT_THAT(run.output,
+              HasSubstr("    ALE_FLOW_ESTABLISHED_V6: BLOCK when IP_REMOTE_PORT NOT_EQUAL UINT16 53 and "
+                        "IP_REMOTE_ADDRESS EQUAL V6_ADDR_MASK fc00::/7; weight UINT8 14\n"));
+  EXPECT_THAT(run.output, EndsWith("enable-local-network\n"
+                                   "  done\n"
+                                   "status\n"
+                                   "  internet: on\n"
+                                   "  dhcp rules: off\n"
+                                   "  leak protection: off\n"
+                                   "  local network: on\n"
+                                   "  done\n"));
+}
+
+TEST(Steps, SkeinLetsPeersInOnTheAdapterOfALuid) {
+  const ToolRun run = RunEmulated({L"enable-skein", L"--luid", L"7", L"--peer", L"100.64.0.9", L"--peer",
+                                   L"203.0.113.5", L"--interface", L"T\u00fcnnel", L"list"});
+  EXPECT_EQ(run.exitCode, 0u);
+  EXPECT_THAT(run.output, StartsWith("enable-skein\n"
+                                     "  NATIVE: Enabling skein firewall rules\n"
+                                     "  NATIVE: Enabling  skein firewall. Allowed interface: T\xc3\xbcnnel\n"
+                                     "  NATIVE: Allowing interface by LUID 7\n"
+                                     "  NATIVE: Apply skein firewall rules.\n"
+                                     "  done\n"));
+  EXPECT_THAT(
+      run.output,
+      EndsWith("Rules of the Skein network; weight 0; filters 2\n"
+               "    ALE_AUTH_RECV_ACCEPT_V4: BLOCK when IP_LOCAL_INTERFACE EQUAL UINT64 7 and "
+               "IP_REMOTE_ADDRESS EQUAL V4_ADDR_MASK 100.64.0.0/255.192.0.0; weight UINT8 14; overrides "
+               "other sublayers\n"
+               "    ALE_AUTH_RECV_ACCEPT_V4: PERMIT when IP_LOCAL_INTERFACE EQUAL UINT64 7 and "
+               "IP_REMOTE_ADDRESS EQUAL UINT32 100.64.0.9 and IP_REMOTE_ADDRESS EQUAL UINT32 203.0.113.5; "
+               "weight UINT8 15; overrides other sublayers\n"
+               "  done\n"));
+}
+
+TEST(Steps, SkeinIsReplacedAndRemoved) {
+  const ToolRun run = RunEmulated({L"enable-skein", L"--luid", L"7", L"enable-skein", L"--luid", L"8",
+                                   L"list", L"disable-skein", L"list"});
+  EXPECT_EQ(run.exitCode, 0u);
+  EXPECT_EQ(Count(run.output, "filters 1\n"), 1u);
+  EXPECT_THAT(run.output, HasSubstr("BLOCK when IP_LOCAL_INTERFACE EQUAL UINT64 8 and "));
+  EXPECT_THAT(run.output, EndsWith("  no sublayers, no filters\n  done\n"));
+}
+
+TEST(Steps, SkeinWithoutAnAdapterHasNoRules) {
+  const ToolRun run =
+      RunEmulated({L"enable-skein", L"--interface", L"no adapter is described like this", L"list"});
+  EXPECT_EQ(run.exitCode, 0u);
+  EXPECT_THAT(run.output, HasSubstr("  NATIVE: Using adapters search by name\n"));
+  EXPECT_THAT(run.output, HasSubstr("  NATIVE: skein firewall luids empty.\n"));
+  EXPECT_THAT(run.output, HasSubstr("filters 0\n"));
 }
 
 }  // namespace

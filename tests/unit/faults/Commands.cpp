@@ -9,6 +9,7 @@ namespace {
 constexpr const wchar_t* kTunnel[]{L"Tunnel"};
 constexpr const wchar_t* kUnknown[]{L"Carrier Pigeon"};
 
+const Texts kSkeinFailure{"NATIVE: Error applying skein firewall.", kCodeLine};
 const Texts kDisableInternetFailure{"NATIVE: Error applying firewall.", kCodeLine};
 
 std::uint64_t RunInitialize(LogCallback) {
@@ -50,6 +51,20 @@ std::uint64_t RunIsLeakProtectionEnabled(LogCallback) {
   return 0;
 }
 
+std::uint64_t RunEnableLocalNetwork(LogCallback) { return EnableLocalNetwork(); }
+
+std::uint64_t RunDisableLocalNetwork(LogCallback log) { return DisableLocalNetwork(log); }
+
+std::uint64_t RunEnableSkein(LogCallback log) {
+  return EnableSkeinFirewallRules(log, nullptr, 0, kSkeinLuid, kSkeinPeers, 1);
+}
+
+std::uint64_t RunEnableSkeinByName(LogCallback log) {
+  return EnableSkeinFirewallRules(log, kTunnel, 1, 0, kSkeinPeers, 1);
+}
+
+std::uint64_t RunDisableSkein(LogCallback) { return DisableSkeinFirewallRules(); }
+
 std::uint64_t RunIsInternetEnabled(LogCallback) {
   IsInternetEnabled();
   return 0;
@@ -57,6 +72,11 @@ std::uint64_t RunIsInternetEnabled(LogCallback) {
 
 std::uint64_t RunIsDhcpEnabled(LogCallback) {
   IsDhcpEnabled();
+  return 0;
+}
+
+std::uint64_t RunIsLocalNetworkEnabled(LogCallback) {
+  IsLocalNetworkEnabled();
   return 0;
 }
 
@@ -76,6 +96,14 @@ const std::vector<Command>& Commands() {
        "IsLeakProtectionEnabled",
        kQueries,
        RunIsLeakProtectionEnabled,
+       nullptr,
+       0,
+       {},
+       {}},
+      {"IsLocalNetworkEnabled",
+       "IsLocalNetworkEnabled",
+       kQueries,
+       RunIsLocalNetworkEnabled,
        nullptr,
        0,
        {},
@@ -174,6 +202,7 @@ const std::vector<Command>& Commands() {
         {"NATIVE: LeakProtection - transaction commit."},
         {"NATIVE: LeakProtection applying finished."}},
        {},
+       false,
        true},
       {"DisableLeakProtection",
        "DisableLeakProtection",
@@ -183,7 +212,52 @@ const std::vector<Command>& Commands() {
        21,
        {},
        {},
+       false,
        true},
+      {"EnableLocalNetwork",
+       "EnableLocalNetwork",
+       kEnableLocalNetwork,
+       RunEnableLocalNetwork,
+       &Facts::localNetwork,
+       15,
+       {},
+       {}},
+      {"DisableLocalNetwork",
+       "DisableLocalNetwork",
+       kDisableLocalNetwork,
+       RunDisableLocalNetwork,
+       &Facts::localNetwork,
+       15,
+       {{"NATIVE: Apply firewall.", When::NotRegistered}},
+       {"NATIVE: Error applying firewall.", kCodeLine},
+       true},
+      {"EnableSkein",
+       "EnableSkeinFirewallRules",
+       kEnableSkein,
+       RunEnableSkein,
+       &Facts::skein,
+       2,
+       {{"NATIVE: Enabling skein firewall rules"},
+        {"NATIVE: Enabling  skein firewall. Allowed interface: "},
+        {"NATIVE: Allowing interface by LUID 7"},
+        {"NATIVE: Apply skein firewall rules."}},
+       kSkeinFailure,
+       true},
+      {"EnableSkeinByName",
+       "EnableSkeinFirewallRules",
+       kEnableSkeinByName,
+       RunEnableSkeinByName,
+       &Facts::skein,
+       2,
+       {{"NATIVE: Enabling skein firewall rules"},
+        {"NATIVE: Enabling  skein firewall. Allowed interface: Tunnel"},
+        {"NATIVE: Using adapters search by name"},
+        {"NATIVE: found interface: A Tunnel:1688849877041152"},
+        {"NATIVE available interface : vpn-A Tunnel"},
+        {"NATIVE: Apply skein firewall rules."}},
+       kSkeinFailure,
+       true},
+      {"DisableSkein", "DisableSkeinFirewallRules", kDisableSkein, RunDisableSkein, &Facts::skein, 2, {}, {}},
   };
   return commands;
 }

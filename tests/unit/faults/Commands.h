@@ -4,6 +4,7 @@
  */
 #pragma once
 
+#include <cstdint>
 #include <span>
 #include <vector>
 
@@ -22,11 +23,24 @@ enum CommandBits : unsigned {
   kQueries = 1U << 8,
   kEnableLeakProtection = 1U << 9,
   kDisableLeakProtection = 1U << 10,
+  kEnableLocalNetwork = 1U << 11,
+  kDisableLocalNetwork = 1U << 12,
+  kEnableSkein = 1U << 13,
+  kEnableSkeinByName = 1U << 14,
+  kDisableSkein = 1U << 15,
 };
 constexpr unsigned kDisableInternet =
     kDisablePlain | kDisableWithApps | kDisableWithInterfaces | kDisableWithUnknownInterfaces;
+constexpr unsigned kAnyEnableSkein = kEnableSkein | kEnableSkeinByName;
 
-constexpr unsigned kLeakProtectionCommands = kEnableLeakProtection | kDisableLeakProtection;
+/// The commands of each feature.
+constexpr unsigned kModule = kInitialize | kQueries;
+constexpr unsigned kInternet = kEnableInternet | kDisableInternet;
+constexpr unsigned kDhcp = kEnableDhcp | kDisableDhcp;
+constexpr unsigned kLeakProtection = kEnableLeakProtection | kDisableLeakProtection;
+constexpr unsigned kLocalNetwork = kEnableLocalNetwork | kDisableLocalNetwork;
+constexpr unsigned kSkein = kAnyEnableSkein | kDisableSkein;
+constexpr unsigned kAllCommands = kModule | kInternet | kDhcp | kLeakProtection | kLocalNetwork | kSkein;
 
 enum class When { Always, Registered, NotRegistered };
 
@@ -49,11 +63,14 @@ struct Command {
   int filters;                            ///< which that rule set has
   std::vector<LogLine> log;               ///< of a success; only the last line is logged after the work
   Texts failureLog;                       ///< what follows in place of the last line
+  bool logsBeforeWork = false;            ///< even the last line, which then stays before a failure log
   bool keepsErrorText = false;            ///< also when it fails
 };
 
 const std::vector<Command>& Commands();
 
+constexpr std::uint64_t kSkeinLuid = 7;
+constexpr std::uint32_t kSkeinPeers[]{0x64400009};
 constexpr const wchar_t* kApps[]{L"C:\\a.exe", L"C:\\b.exe"};
 
 /// A machine with one adapter, on which the applications above exist and Windows Firewall blocks two more.

@@ -25,7 +25,8 @@ std::optional<Rule> OnlyRule(std::vector<Rule> rules) {
 
 Expectations::Expectations(const Command& command, const StartingState& state)
     : command_(command), state_(state) {
-  for (const auto& table : {ModuleRules(), InternetRules(), DhcpRules(), LeakProtectionRules()}) {
+  for (const auto& table :
+       {ModuleRules(), InternetRules(), DhcpRules(), LeakProtectionRules(), LocalNetworkAndSkeinRules()}) {
     std::copy_if(table.begin(), table.end(), std::back_inserter(rules_), [&](const Rule& rule) {
       return (rule.commands & command.bit) != 0 && (rule.states & state.bit) != 0;
     });
@@ -92,7 +93,7 @@ Texts Expectations::Log(const Outcome& outcome, const char* loggedCode) const {
   }
   if (outcome.lastLine != nullptr) {
     lines.erase(std::find(lines.begin(), lines.end(), outcome.lastLine) + 1, lines.end());
-  } else if (!lines.empty()) {
+  } else if (!lines.empty() && !command_.logsBeforeWork) {
     lines.pop_back();
   }
   for (const std::string& line : command_.failureLog) {
@@ -116,18 +117,24 @@ RuleSetFacts Expectations::Change(RuleSetFacts facts, const RuleSetChange& chang
 Expectation Expectations::Expect(const Outcome& outcome, std::size_t callsBefore, const Code& code) const {
   const Code& carried = outcome.code == nullptr ? code : *outcome.code;
   const Facts& before = state_.facts;
-  return {outcome.message == nullptr ? 0 : carried.value,
-          Log(outcome, carried.logged),
-          {.session = outcome.session.value_or(before.session),
-           .provider = outcome.provider.value_or(before.provider),
-           .transaction = outcome.transaction.value_or(before.transaction),
-           .errorText =
-               outcome.message == nullptr || command_.keepsErrorText ? before.errorText : outcome.message,
-           .killSwitch = Change(before.killSwitch, outcome.killSwitch, callsBefore),
-           .dhcp = Change(before.dhcp, outcome.dhcp, callsBefore),
-           .dnsLeak = Change(before.dnsLeak, outcome.dnsLeak, callsBefore),
-           .firewallCopy = Change(before.firewallCopy, outcome.firewallCopy, callsBefore),
-           .interfaceLeak = Change(before.interfaceLeak, outcome.interfaceLeak, callsBefore)},
-          outcome.leaksSession,
-          outcome.leaksReadingSession};
+  Facts after{.session = outcome.session.value_or(before.session),
+              .provider = outcome.provider.value_or(before.provider),
+              .transaction = outcome.transaction.value_or(before.transaction),
+              .errorText = before.errorText,
+              .killSwitch = Change(before.killSwitch, outcome.killSwitch, callsBefore),
+              .dhcp = Change(before.dhcp, outcome.dhcp, callsBefore),
+              .dnsLeak = Change(before.dnsLeak, outcome.dnsLeak, callsBefore),
+              .firewallCopy = Change(before.firewallCopy, outcome.firewallCopy, callsBefore),
+              .interfaceLeak = Change(before.interfaceLeak, outcome.interfaceLeak, callsBefore),
+              .localNetwork = Change(before.localNetwork, outcome.localNetwork, callsBefore),
+              .skein = Change(before.skein, outcome.skein, callsBefore)};
+  if (command_.ruleSet != nullptr) {
+    after.*command_.ruleSet = Change(after.*command_.ruleSet, outcome.own, callsBefore);
+  }
+  const char* text = outcome.message == nullptr ? outcome.leavesText : outcome.message;
+  if (text != nullptr && !command_.keepsErrorText) {
+    after.errorText = text;
+  }
+  return {outcome.message == nullptr ? 0 : carried.value, Log(outcome, carried.logged), after,
+          outcome.leaksSession, outcome.leaksReadingSession};
 }

@@ -6,6 +6,7 @@
 
 #include <WfpPlatform.h>
 
+#include "api/ModuleState.h"
 #include "corvane/native_firewall.h"
 #include "unit/api/ApiTest.h"
 
@@ -27,6 +28,8 @@ struct Facts {
   RuleSetFacts dnsLeak = {};
   RuleSetFacts firewallCopy = {};
   RuleSetFacts interfaceLeak = {};
+  RuleSetFacts localNetwork = {};
+  RuleSetFacts skein = {};
 };
 
 struct RuleSet {
@@ -41,6 +44,8 @@ constexpr RuleSet kRuleSets[]{
     {"DNS rules", kDnsLeakKey, &Facts::dnsLeak},
     {"copy of Windows Firewall's blocks", kFirewallCopyKey, &Facts::firewallCopy},
     {"interface rules", kInterfaceLeakKey, &Facts::interfaceLeak},
+    {"local network block", kLocalNetworkKey, &Facts::localNetwork},
+    {"Skein rules", kSkeinKey, &Facts::skein},
 };
 
 /// The filters of another owner that the engine has throughout: blocks of one application each.

@@ -14,6 +14,8 @@ constexpr Rule kRules[]{
       .dnsLeak = kGone,
       .firewallCopy = kGone,
       .interfaceLeak = kGone,
+      .localNetwork = kGone,
+      .skein = kGone,
       .session = false,
       .provider = false,
       .transaction = false}},
@@ -27,6 +29,8 @@ constexpr Rule kRules[]{
       .dnsLeak = kForgotten,
       .firewallCopy = kForgotten,
       .interfaceLeak = kForgotten,
+      .localNetwork = kForgotten,
+      .skein = kForgotten,
       .leaksSession = true}},
 
     {kQueries, kAllStates, nullptr, {}, kNothingHappens},

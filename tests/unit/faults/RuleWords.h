@@ -25,18 +25,20 @@ constexpr const char* kAppFails = "Failed to retrieve app blob";
 constexpr const char* kRemoveLine = "NATIVE: Remove killswitch layer";
 constexpr const char* kCreateLine = "NATIVE: create killswitch layer";
 
-constexpr unsigned kAllStates = (kLeakReplacementFailed << 1U) - 1;
+constexpr unsigned kAllStates = (kSkeinTorso << 1U) - 1;
 constexpr unsigned kBothOff = kOff | kOffAgain | kOffBesideProvider;
 constexpr unsigned kKillSwitchInEngine = kKillSwitchOn | kKillSwitchWithAppsOn | kBothOn | kKillSwitchTorso;
 constexpr unsigned kReplaceable = kKillSwitchInEngine | kKillSwitchUnopened;
 constexpr unsigned kKillSwitchRegistered = kReplaceable | kReplacementFailed;
 constexpr unsigned kDhcpInEngine = kDhcpOn | kBothOn | kDhcpTorso;
 constexpr unsigned kDhcpRegistered = kDhcpInEngine | kDhcpUnopened;
-constexpr unsigned kWithoutSession = kOff | kOffBesideProvider | kKillSwitchUnopened | kDhcpUnopened;
+constexpr unsigned kWithoutSession =
+    kOff | kOffBesideProvider | kKillSwitchUnopened | kDhcpUnopened | kLocalNetworkUnopened | kSkeinUnopened;
 /// DHCP was switched on before, and comes first when rule sets are applied.
 constexpr unsigned kDhcpInEngineFirst = kDhcpOn | kDhcpTorso;
-/// The same for the kill switch.
-constexpr unsigned kKillSwitchInEngineFirst = kKillSwitchOn | kKillSwitchWithAppsOn | kKillSwitchTorso;
+/// The same for what is not DHCP.
+constexpr unsigned kOtherInEngineFirst =
+    kKillSwitchOn | kKillSwitchWithAppsOn | kKillSwitchTorso | kLocalNetworkOn | kSkeinOn;
 constexpr unsigned kKillSwitchStillToAdd = kKillSwitchUnopened | kReplacementFailed;
 /// Nothing is registered, in a session that a transaction may be open in.
 constexpr unsigned kAllOff = kBothOff | kLeakReplacementFailed;

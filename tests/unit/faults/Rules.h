@@ -41,14 +41,18 @@ struct LogChange {
 };
 
 struct Outcome {
-  const char* message = nullptr;   ///< of the failure; null: the command succeeds
-  const Code* code = nullptr;      ///< of the failure; null: that of the call
-  const char* lastLine = nullptr;  ///< before the failure log; null: all but the last of a success
+  const char* message = nullptr;     ///< of the failure; null: the command succeeds
+  const Code* code = nullptr;        ///< of the failure; null: that of the call
+  const char* lastLine = nullptr;    ///< before the failure log; null: all but the last of a success
+  const char* leavesText = nullptr;  ///< a success that replaces the error text
+  RuleSetChange own = {};            ///< of the command's rule set
   RuleSetChange killSwitch = {};
   RuleSetChange dhcp = {};
   RuleSetChange dnsLeak = {};
   RuleSetChange firewallCopy = {};
   RuleSetChange interfaceLeak = {};
+  RuleSetChange localNetwork = {};
+  RuleSetChange skein = {};
   std::optional<bool> session = std::nullopt;
   std::optional<bool> provider = std::nullopt;
   std::optional<bool> transaction = std::nullopt;
@@ -80,3 +84,4 @@ std::span<const Rule> ModuleRules();
 std::span<const Rule> InternetRules();
 std::span<const Rule> DhcpRules();
 std::span<const Rule> LeakProtectionRules();
+std::span<const Rule> LocalNetworkAndSkeinRules();

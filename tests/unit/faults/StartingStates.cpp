@@ -15,8 +15,8 @@ using EngineEmulator::FailCall;
 constexpr DWORD kAccessDenied = 5;
 constexpr std::uint32_t kPermitted[]{0x01020304};
 
-constexpr unsigned kInternetAndDhcpCommands = kEnableInternet | kDisableInternet | kEnableDhcp | kDisableDhcp;
-constexpr unsigned kDisableVariants = kDisableInternet & ~kDisablePlain;
+/// Where it makes no difference which kill switch is installed.
+constexpr unsigned kOneOfInternet = kEnableInternet | kDisablePlain;
 
 void Disable(LogCallback log) { DisableInternet(nullptr, 0, nullptr, 0, log); }
 
@@ -47,6 +47,10 @@ void TurnKillSwitchWithAppsOn(LogCallback log) { DisableInternet(kApps, 2, nullp
 
 void TurnDhcpOn(LogCallback log) { EnableDhcp(log); }
 
+void TurnLocalNetworkOff(LogCallback log) { DisableLocalNetwork(log); }
+
+void TurnSkeinOn(LogCallback log) { EnableSkeinFirewallRules(log, nullptr, 0, kSkeinLuid, kSkeinPeers, 1); }
+
 void TurnBothOn(LogCallback log) {
   EnableDhcp(log);
   Disable(log);
@@ -58,9 +62,9 @@ void FailToOpen(LogCallback log) {
   turnOn(log);
 }
 
-template <void (*turnOn)(LogCallback)>
-void FailAtThirdFilter(LogCallback log) {
-  FailCall("FwpmFilterAdd0", 3, kAccessDenied);
+template <std::size_t nth, void (*turnOn)(LogCallback)>
+void FailAtFilter(LogCallback log) {
+  FailCall("FwpmFilterAdd0", nth, kAccessDenied);
   turnOn(log);
 }
 
@@ -101,50 +105,49 @@ constexpr const char* kOpenFailed = "Error opening engine.";
 constexpr const char* kFilterFailed = "Failed to add filter to firewall.";
 
 constexpr StartingState kStates[]{
-    {"Off", kOff, StayOff, {}},
-    {"OffAgain", kOffAgain, TurnOnAndOff, {.session = true, .provider = true}},
-    {"OffBesideProvider", kOffBesideProvider, LeaveProvider, {.provider = true}, true},
-    {"KillSwitchOn", kKillSwitchOn, Disable, {.session = true, .provider = true, .killSwitch = {true, 51}}},
+    {"Off", kOff, StayOff, {}, kAllCommands},
+    {"OffAgain", kOffAgain, TurnOnAndOff, {.session = true, .provider = true}, kAllCommands},
+    {"OffBesideProvider", kOffBesideProvider, LeaveProvider, {.provider = true}, kAllCommands, true},
+    {"KillSwitchOn",
+     kKillSwitchOn,
+     Disable,
+     {.session = true, .provider = true, .killSwitch = {true, 51}},
+     kModule | kInternet | kDhcp | kLeakProtection},
     {"KillSwitchWithAppsOn",
      kKillSwitchWithAppsOn,
      TurnKillSwitchWithAppsOn,
      {.session = true, .provider = true, .killSwitch = {true, 63}},
-     false,
-     kLeakProtectionCommands},
+     kModule | kOneOfInternet | kDisableWithApps | kDhcp},
     {"DhcpOn",
      kDhcpOn,
      TurnDhcpOn,
      {.session = true, .provider = true, .dhcp = {true, 6}},
-     false,
-     kLeakProtectionCommands},
+     kAllCommands & ~kLeakProtection},
     {"BothOn",
      kBothOn,
      TurnBothOn,
      {.session = true, .provider = true, .killSwitch = {true, 51}, .dhcp = {true, 6}},
-     false,
-     kLeakProtectionCommands},
+     kModule | kOneOfInternet | kDhcp},
     {"KillSwitchUnopened",
      kKillSwitchUnopened,
      FailToOpen<Disable>,
-     {.errorText = kOpenFailed, .killSwitch = {true, kAbsent}}},
+     {.errorText = kOpenFailed, .killSwitch = {true, kAbsent}},
+     kModule | kInternet | kDhcp | kLeakProtection},
     {"KillSwitchTorso",
      kKillSwitchTorso,
-     FailAtThirdFilter<Disable>,
+     FailAtFilter<3, Disable>,
      {.session = true, .provider = true, .errorText = kFilterFailed, .killSwitch = {true, 2}},
-     false,
-     kLeakProtectionCommands},
+     kModule | kInternet | kDhcp},
     {"DhcpUnopened",
      kDhcpUnopened,
      FailToOpen<TurnDhcpOn>,
      {.errorText = kOpenFailed, .dhcp = {true, kAbsent}},
-     false,
-     kLeakProtectionCommands},
+     kAllCommands & ~kLeakProtection},
     {"DhcpTorso",
      kDhcpTorso,
-     FailAtThirdFilter<TurnDhcpOn>,
+     FailAtFilter<3, TurnDhcpOn>,
      {.session = true, .provider = true, .errorText = kFilterFailed, .dhcp = {true, 2}},
-     false,
-     kLeakProtectionCommands},
+     kModule | kInternet | kDhcp},
     {"ReplacementFailed",
      kReplacementFailed,
      FailToReplace,
@@ -152,7 +155,8 @@ constexpr StartingState kStates[]{
       .provider = true,
       .transaction = true,
       .errorText = "Error creating sublayer.",
-      .killSwitch = {true, kAbsent}}},
+      .killSwitch = {true, kAbsent}},
+     kModule | kInternet | kDhcp | kLeakProtection},
     {"LeakProtectionOn",
      kLeakProtectionOn,
      TurnLeakProtectionOn,
@@ -161,32 +165,57 @@ constexpr StartingState kStates[]{
       .dnsLeak = {true, 12},
       .firewallCopy = {true, 2},
       .interfaceLeak = {true, 21}},
-     false,
-     kDisableVariants},
+     kModule | kOneOfInternet | kDhcp | kLeakProtection},
     {"FirewallCopyMissing",
      kFirewallCopyMissing,
      FailToCopy,
      {.session = true, .provider = true, .dnsLeak = {true, 12}, .interfaceLeak = {true, 21}},
-     false,
-     kInternetAndDhcpCommands},
+     kModule | kLeakProtection},
     {"OnlyDnsRulesLeft",
      kOnlyDnsRulesLeft,
      FailToApplyAndToRemove,
      {.session = true, .provider = true, .dnsLeak = {true, 0}},
-     false,
-     kInternetAndDhcpCommands},
+     kModule | kLeakProtection},
     {"OnlyInterfaceRulesLeft",
      kOnlyInterfaceRulesLeft,
      FailToRemoveInterfaceRules,
      {.session = true, .provider = true, .interfaceLeak = {true, 0}},
-     false,
-     kInternetAndDhcpCommands},
+     kModule | kLeakProtection},
     {"LeakReplacementFailed",
      kLeakReplacementFailed,
      FailToReplaceInterfaceRules,
      {.session = true, .provider = true, .transaction = true},
-     false,
-     kDisableVariants},
+     kModule | kOneOfInternet | kDhcp | kLeakProtection},
+    {"LocalNetworkOn",
+     kLocalNetworkOn,
+     TurnLocalNetworkOff,
+     {.session = true, .provider = true, .localNetwork = {true, 15}},
+     kModule | kDhcp | kLocalNetwork},
+    {"LocalNetworkUnopened",
+     kLocalNetworkUnopened,
+     FailToOpen<TurnLocalNetworkOff>,
+     {.errorText = kOpenFailed, .localNetwork = {true, kAbsent}},
+     kModule | kLocalNetwork},
+    {"LocalNetworkTorso",
+     kLocalNetworkTorso,
+     FailAtFilter<3, TurnLocalNetworkOff>,
+     {.session = true, .provider = true, .errorText = kFilterFailed, .localNetwork = {true, 2}},
+     kModule | kLocalNetwork},
+    {"SkeinOn",
+     kSkeinOn,
+     TurnSkeinOn,
+     {.session = true, .provider = true, .skein = {true, 2}},
+     kModule | kDhcp | kSkein},
+    {"SkeinUnopened",
+     kSkeinUnopened,
+     FailToOpen<TurnSkeinOn>,
+     {.errorText = kOpenFailed, .skein = {true, kAbsent}},
+     kModule | kSkein},
+    {"SkeinTorso",
+     kSkeinTorso,
+     FailAtFilter<2, TurnSkeinOn>,
+     {.session = true, .provider = true, .errorText = kFilterFailed, .skein = {true, 1}},
+     kModule | kSkein},
 };
 
 }  // namespace

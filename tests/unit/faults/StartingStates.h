@@ -27,6 +27,12 @@ enum StateBits : unsigned {
   kOnlyDnsRulesLeft = 1U << 14,
   kOnlyInterfaceRulesLeft = 1U << 15,
   kLeakReplacementFailed = 1U << 16,
+  kLocalNetworkOn = 1U << 17,
+  kLocalNetworkUnopened = 1U << 18,
+  kLocalNetworkTorso = 1U << 19,
+  kSkeinOn = 1U << 20,
+  kSkeinUnopened = 1U << 21,
+  kSkeinTorso = 1U << 22,
 };
 
 struct StartingState {
@@ -34,8 +40,8 @@ struct StartingState {
   unsigned bit;
   void (*enter)(LogCallback log);  ///< from Initialize
   Facts facts;                     ///< thereafter
+  unsigned commands;               ///< to try: those of its features, and of others where they meet
   bool besideProvider = false;     ///< the engine has the provider without the library
-  unsigned skips = 0;              ///< commands that would meet nothing here that other states do not have
 };
 
 std::span<const StartingState> StartingStates();

@@ -1,0 +1,46 @@
+#include <cstdint>
+
+#include "api/Commands.h"
+#include "api/Logging.h"
+#include "api/ModuleState.h"
+#include "corvane/native_firewall.h"
+#include "sublayers/LocalNetworkBlock.h"
+
+using WfpFirewall::FirewallException;
+using WfpFirewall::Sublayers::LocalNetworkBlock;
+
+std::uint64_t CORVANE_CALL IsLocalNetworkEnabled() {
+  return IsRegistered(Identities().localNetwork.guid) ? 0 : 1;
+}
+
+std::uint64_t CORVANE_CALL EnableLocalNetwork() {
+  if (IsLocalNetworkEnabled() == 1) {
+    return 0;
+  }
+  try {
+    Module().firewall->RemoveSublayer(Identities().localNetwork.guid);
+    return 0;
+  } catch (const FirewallException& error) {
+    return FailWith(error);
+  }
+}
+
+std::uint64_t CORVANE_CALL DisableLocalNetwork(LogCallback log) {
+  if (IsLocalNetworkEnabled() == 0) {
+    return 0;
+  }
+  try {
+    const RuleSetIdentity& identity = Identities().localNetwork;
+    LocalNetworkBlock rules(identity.guid, identity.name, identity.description);
+    // Deliberate: registered before it is applied, so that after a failure EnableLocalNetwork clears up
+    // and a second DisableLocalNetwork does not try again.
+    Module().firewall->AddSublayer(rules);
+    log("NATIVE: Apply firewall.");
+    Module().firewall->Apply();
+    return 0;
+  } catch (const FirewallException& error) {
+    log("NATIVE: Error applying firewall.");
+    log(ToSignedDecimal(error.GetErrorCode()).c_str());
+    return FailWith(error);
+  }
+}

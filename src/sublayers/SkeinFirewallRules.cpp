@@ -1,0 +1,73 @@
+#include "sublayers/SkeinFirewallRules.h"
+
+#include <cstdint>
+#include <span>
+#include <utility>
+
+#include "filtering/FilterBuilder.h"
+#include "filtering/Values.h"
+
+namespace WfpFirewall::Sublayers {
+namespace {
+
+using Filtering::ConditionEqual;
+using Filtering::LayerType;
+using Filtering::Values::LocalInterfaceLuid;
+using Filtering::Values::RemoteIpAddressAndMaskV4;
+using Filtering::Values::RemoteIpAddressV4;
+
+// A peer's address may lie in the blocked range: the permit has to outweigh the block.
+constexpr std::int16_t kBlockWeight = 14;
+constexpr std::int16_t kPermitWeight = 15;
+
+// Deliberate: inbound and IPv4 only. What the machine itself sends to peers is the other rule sets' to
+// judge.
+constexpr LayerType kLayers[]{LayerType::AleAuthRecvAcceptV4};
+
+FilterBuilder Begin(Action action, LayerType layer, UINT64 luid) {
+  return FilterBuilder()
+      .CreateFilter(action)
+      .InLayer(layer)
+      .WithCondition(ConditionEqual(new LocalInterfaceLuid(luid)))
+      .OverrideOtherSublayers();
+}
+
+}  // namespace
+
+SkeinFirewallRules::SkeinFirewallRules(GUID key, std::wstring name, std::wstring description,
+                                       std::vector<UINT64> luids, const UINT32* addresses, std::size_t count)
+    : Sublayer(key, std::move(name), std::move(description)),
+      luids_(std::move(luids)),
+      addresses_(addresses),
+      count_(count) {
+  for (const LayerType layer : kLayers) {
+    AddSkeinBlockFilters(layer);
+    AddSkeinPermitFilters(layer);
+  }
+}
+
+void SkeinFirewallRules::AddSkeinBlockFilters(LayerType layer) {
+  for (const UINT64 luid : luids_) {
+    AddFilter(Begin(Action::Block, layer, luid)
+                  .WithCondition(ConditionEqual(new RemoteIpAddressAndMaskV4("100.64.0.0", "255.192.0.0")))
+                  .SetWeight(kBlockWeight)
+                  .Get());
+  }
+}
+
+void SkeinFirewallRules::AddSkeinPermitFilters(LayerType layer) {
+  if (addresses_ == nullptr || count_ == 0) {
+    // A permit without peers would let everyone in.
+    return;
+  }
+  for (const UINT64 luid : luids_) {
+    FilterBuilder permit = Begin(Action::Permit, layer, luid).SetWeight(kPermitWeight);
+    // The engine takes conditions on one field as alternatives.
+    for (const UINT32 address : std::span(addresses_, count_)) {
+      permit.WithCondition(ConditionEqual(new RemoteIpAddressV4(address)));
+    }
+    AddFilter(permit.Get());
+  }
+}
+
+}  // namespace WfpFirewall::Sublayers
