@@ -22,6 +22,9 @@ endif()
 if(MINGW)
   # The compiler's runtime goes into each module, which then needs only libraries of the system.
   add_link_options(-static)
+  # Hardening, and nothing in a module that tells when or in which folder it was built.
+  add_link_options(-Wl,--dynamicbase,--high-entropy-va,--nxcompat,--no-insert-timestamp)
+  add_compile_options("-ffile-prefix-map=${CMAKE_SOURCE_DIR}=." "-ffile-prefix-map=${CMAKE_BINARY_DIR}=./build")
 endif()
 
 # Windows 10 is the oldest system supported.

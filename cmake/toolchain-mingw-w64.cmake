@@ -6,6 +6,7 @@ set(mingw_prefix x86_64-w64-mingw32)
 set(CMAKE_C_COMPILER ${mingw_prefix}-gcc-posix)
 set(CMAKE_CXX_COMPILER ${mingw_prefix}-g++-posix)
 set(CMAKE_RC_COMPILER ${mingw_prefix}-windres)
+set(CMAKE_OBJCOPY ${mingw_prefix}-objcopy)
 set(CMAKE_OBJDUMP ${mingw_prefix}-objdump)
 
 set(CMAKE_FIND_ROOT_PATH /usr/${mingw_prefix})

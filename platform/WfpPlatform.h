@@ -5,9 +5,10 @@
  */
 #pragma once
 
-// clang-format off: winsock2.h must come before windows.h.
-#include <windows.h>
+// winsock2.h must come before windows.h.
+// clang-format off
 #include <winsock2.h>
+#include <windows.h>
 #include <ws2tcpip.h>
 // clang-format on
 #include <fwpmu.h>

@@ -14,6 +14,8 @@ packages=(
   googletest
   libclang-rt-14-dev # its sanitizers and libFuzzer
   libcli11-dev
+  llvm # llvm-dlltool, for the import library that Visual Studio takes
+  mono-mcs # the C# example
   ninja-build
   nlohmann-json3-dev
   python3 # run-clang-tidy

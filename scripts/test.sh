@@ -23,3 +23,5 @@ scripts/lint.sh
 step "Run the tests under Wine"
 start_wine
 ctest --preset windows
+
+scripts/test-package.sh

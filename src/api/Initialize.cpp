@@ -6,16 +6,18 @@
 using WfpFirewall::Firewall;
 using WfpFirewall::Provider;
 
-// clang-format off: one identity a line.
+// One identity a line.
+// clang-format off
 void CORVANE_CALL Initialize(
     const GUID* providerKey, const wchar_t* providerName, const wchar_t* providerDescription,
     const GUID* killSwitchKey, const wchar_t* killSwitchName, const wchar_t* killSwitchDescription,
     const GUID* localNetworkKey, const wchar_t* localNetworkName, const wchar_t* localNetworkDescription,
-    const GUID* dhcpKey, const wchar_t* dhcpName, const wchar_t* dhcpDescription, const GUID* dnsLeakKey,
-    const wchar_t* dnsLeakName, const wchar_t* dnsLeakDescription, const GUID* interfaceLeakKey,
-    const wchar_t* interfaceLeakName, const wchar_t* interfaceLeakDescription, const GUID* firewallCopyKey,
-    const wchar_t* firewallCopyName, const wchar_t* firewallCopyDescription, const GUID* skeinKey,
-    const wchar_t* skeinName, const wchar_t* skeinDescription, const wchar_t* dnsPermittedAppPath) {
+    const GUID* dhcpKey, const wchar_t* dhcpName, const wchar_t* dhcpDescription,
+    const GUID* dnsLeakKey, const wchar_t* dnsLeakName, const wchar_t* dnsLeakDescription,
+    const GUID* interfaceLeakKey, const wchar_t* interfaceLeakName, const wchar_t* interfaceLeakDescription,
+    const GUID* firewallCopyKey, const wchar_t* firewallCopyName, const wchar_t* firewallCopyDescription,
+    const GUID* skeinKey, const wchar_t* skeinName, const wchar_t* skeinDescription,
+    const wchar_t* dnsPermittedAppPath) {
   // clang-format on
   StoredIdentities& identities = Identities();
   identities.provider = {*providerKey, providerName, providerDescription};

@@ -1,6 +1,7 @@
 #include <gmock/gmock.h>
 
 #include <algorithm>
+#include <filesystem>
 
 #include "LibraryTest.h"
 #include "PortableExecutable.h"
@@ -11,9 +12,16 @@ using testing::AnyOf;
 using testing::Contains;
 using testing::Each;
 using testing::ElementsAre;
+using testing::IsEmpty;
 using testing::StartsWith;
 
 class LibraryImage : public LibraryTest {};
+
+std::wstring PathOf(HMODULE module) {
+  std::wstring path(MAX_PATH, L'\0');
+  path.resize(GetModuleFileNameW(module, path.data(), MAX_PATH));
+  return path;
+}
 
 TEST_F(LibraryImage, ExportsTheFunctionsUndecorated) {
   Texts names = ExportedNames(library_->Get());
@@ -42,9 +50,21 @@ TEST_F(LibraryImage, ImportsOnlySystemLibraries) {
                          StartsWith("msvcp140"), StartsWith("vcruntime140"))));
 }
 
+TEST_F(LibraryImage, LiesInARandomPlaceOfTheWholeAddressSpace) {
+  EXPECT_TRUE(HardeningFlags(library_->Get()) & IMAGE_DLLCHARACTERISTICS_DYNAMIC_BASE);
+  EXPECT_TRUE(HardeningFlags(library_->Get()) & IMAGE_DLLCHARACTERISTICS_HIGH_ENTROPY_VA);
+  EXPECT_TRUE(CanBeMoved(library_->Get()));
+}
+
+TEST_F(LibraryImage, ExecutesCodeOnly) {
+  EXPECT_TRUE(HardeningFlags(library_->Get()) & IMAGE_DLLCHARACTERISTICS_NX_COMPAT);
+  EXPECT_THAT(WritableExecutableSections(library_->Get()), IsEmpty());
+}
+
+TEST_F(LibraryImage, StaysSmall) { EXPECT_LT(std::filesystem::file_size(PathOf(library_->Get())), 500'000); }
+
 TEST_F(LibraryImage, CarriesItsVersion) {
-  std::wstring path(MAX_PATH, L'\0');
-  path.resize(GetModuleFileNameW(library_->Get(), path.data(), MAX_PATH));
+  const std::wstring path = PathOf(library_->Get());
   std::vector<char> resource(GetFileVersionInfoSizeW(path.c_str(), nullptr));
   ASSERT_TRUE(GetFileVersionInfoW(path.c_str(), 0, static_cast<DWORD>(resource.size()), resource.data()));
 

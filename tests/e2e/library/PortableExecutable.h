@@ -10,3 +10,12 @@ std::vector<std::string> ExportedNames(HMODULE module);
 
 /// The file names of the modules that a loaded module imports from, in lower case.
 std::vector<std::string> ImportedModules(HMODULE module);
+
+/// The flags of a loaded module that tell the loader how to protect it: IMAGE_DLLCHARACTERISTICS_*.
+WORD HardeningFlags(HMODULE module);
+
+/// Whether the loader can move a module, which it needs for the random place that the flags ask for.
+bool CanBeMoved(HMODULE module);
+
+/// The names of the sections of a loaded module that are both writable and executable.
+std::vector<std::string> WritableExecutableSections(HMODULE module);

@@ -1,0 +1,63 @@
+/* A host in C: cuts the machine off but for itself, protects a tunnel, and lets go again. */
+#include <corvane/native_firewall.h>
+
+/* The engine's headers come after, to show that the interface needs none of them. */
+#include <stdio.h>
+#include <windows.h>
+
+/* Made once for this product; a host keeps its keys over releases. */
+static const GUID kProvider = {0xc0c00001, 0x5e1f, 0x4c6a, {0x8e, 0x11, 0x3a, 0x52, 0x90, 0x6b, 0x77, 0x01}};
+static const GUID kKillSwitch = {
+    0xc0c00002, 0x5e1f, 0x4c6a, {0x8e, 0x11, 0x3a, 0x52, 0x90, 0x6b, 0x77, 0x01}};
+static const GUID kLocalNetwork = {
+    0xc0c00003, 0x5e1f, 0x4c6a, {0x8e, 0x11, 0x3a, 0x52, 0x90, 0x6b, 0x77, 0x01}};
+static const GUID kDhcp = {0xc0c00004, 0x5e1f, 0x4c6a, {0x8e, 0x11, 0x3a, 0x52, 0x90, 0x6b, 0x77, 0x01}};
+static const GUID kDnsLeak = {0xc0c00005, 0x5e1f, 0x4c6a, {0x8e, 0x11, 0x3a, 0x52, 0x90, 0x6b, 0x77, 0x01}};
+static const GUID kInterfaceLeak = {
+    0xc0c00006, 0x5e1f, 0x4c6a, {0x8e, 0x11, 0x3a, 0x52, 0x90, 0x6b, 0x77, 0x01}};
+static const GUID kFirewallCopy = {
+    0xc0c00007, 0x5e1f, 0x4c6a, {0x8e, 0x11, 0x3a, 0x52, 0x90, 0x6b, 0x77, 0x01}};
+static const GUID kSkein = {0xc0c00008, 0x5e1f, 0x4c6a, {0x8e, 0x11, 0x3a, 0x52, 0x90, 0x6b, 0x77, 0x01}};
+
+static uint64_t CORVANE_CALL Print(const char* line) {
+  printf("  %s\n", line);
+  return 0;
+}
+
+/* Every command is asked the same way: 0 or a code, and the text of a failure with it. */
+static int Succeeded(const char* command, uint64_t code) {
+  if (code == 0) {
+    printf("%s: done\n", command);
+    return 1;
+  }
+  printf("%s: code %llu, %s\n", command, (unsigned long long)code, GetErrorText());
+  return 0;
+}
+
+int main(void) {
+  wchar_t self[MAX_PATH];
+  const DWORD length = GetModuleFileNameW(NULL, self, MAX_PATH);
+  if (length == 0 || length == MAX_PATH) {
+    return 1;
+  }
+  const wchar_t* const apps[] = {self};
+
+  Initialize(&kProvider, L"Example", L"A host in C", &kKillSwitch, L"Kill switch", L"", &kLocalNetwork, L"",
+             L"Local networks", &kDhcp, L"DHCP", L"", &kDnsLeak, L"Name look-ups", L"", &kInterfaceLeak,
+             L"Tunnel", L"", &kFirewallCopy, L"Blocked applications", L"", &kSkein, L"Skein", L"", self);
+
+  int good = Succeeded("DisableInternet", DisableInternet(apps, 1, NULL, 0, Print));
+  printf("internet enabled: %d\n", (int)IsInternetEnabled());
+
+  /* In host byte order: 198.51.100.7, a second server that stays reachable. */
+  const uint32_t permitted[] = {0xC6336407};
+  const uint64_t tunnelLuid = 0x6000008000000;
+  good &= Succeeded("EnableLeakProtection",
+                    EnableLeakProtection("203.0.113.9", Print, NULL, 0, tunnelLuid, permitted, 1));
+  printf("leak protection enabled: %d\n", (int)IsLeakProtectionEnabled());
+
+  good &= Succeeded("DisableLeakProtection", DisableLeakProtection());
+  good &= Succeeded("EnableInternet", EnableInternet());
+  printf("internet enabled: %d\n", (int)IsInternetEnabled());
+  return good ? 0 : 1;
+}

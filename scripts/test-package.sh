@@ -1,0 +1,85 @@
+#!/bin/bash
+# Installs what the windows preset has built and takes it as a host would: builds the examples against the
+# installed tree, runs them on the emulated engine, looks into the zips, and builds the library once more in
+# another folder.
+set -eu
+. "$(dirname "$0")/common.sh"
+cd "$root"
+
+expectations="$root/tests/package"
+package="$root/build/package"
+sdk="$package/sdk"
+rm -rf "$package"
+mkdir -p "$package/run"
+
+# same FILE: standard input is the file of that name beside this test's others.
+same() { tr -d '\r' | diff -u "$expectations/$1" - && echo "As expected: $1"; }
+files() { (cd "$1" && find . -type f | LC_ALL=C sort); }
+
+step "Install"
+cmake --install build/windows --prefix "$sdk" >/dev/null
+files "$sdk" | same sdk-files.txt
+x86_64-w64-mingw32-objdump -h "$sdk/bin/Corvane.Native.Firewall.dll" | grep -q '\.gnu_debuglink'
+x86_64-w64-mingw32-objdump -h "$sdk/bin/Corvane.Native.Firewall.dll.debug" | grep -q '\.debug_info'
+
+step "Compile the C interface by itself"
+header="$sdk/include/corvane/native_firewall.h"
+warnings=(-Wall -Wextra -Wpedantic -Werror -fsyntax-only)
+x86_64-w64-mingw32-gcc-posix -std=c11 "${warnings[@]}" -x c "$header"
+x86_64-w64-mingw32-g++-posix -std=c++20 "${warnings[@]}" -x c++ "$header"
+
+step "Build the examples against the installed tree"
+cmake -S examples -B "$package/examples" -G Ninja \
+  -DCMAKE_TOOLCHAIN_FILE="$root/cmake/toolchain-mingw-w64.cmake" \
+  -DCorvaneNativeFirewall_DIR="$sdk/lib/cmake/CorvaneNativeFirewall" \
+  -DCMAKE_{C,CXX}_FLAGS="-Wall -Wextra -Wpedantic -Werror" -DCMAKE_RUNTIME_OUTPUT_DIRECTORY="$package/run" >/dev/null
+cmake --build "$package/examples"
+x86_64-w64-mingw32-gcc-posix -std=c11 -I "$sdk/include" examples/c/host.c "$sdk/lib/Corvane.Native.Firewall.lib" \
+  -o "$package/run/host_in_c_for_visual_studio.exe"
+
+step "Run them on the emulated engine"
+start_wine
+# Beside a program, and named to Wine as wanted, the emulator takes the place of the platform's own.
+cp "$sdk/bin/Corvane.Native.Firewall.dll" build/windows/bin/emulator/fwpuclnt.dll "$package/run"
+export WINEDLLOVERRIDES="fwpuclnt=n;mscoree,mshtml="
+run() { scripts/wine.sh "$package/run/$1.exe" >"$package/run/$1.txt" 2>/dev/null; }
+for host in host_in_c host_in_c_for_visual_studio; do
+  run "$host"
+  same host_in_c.txt <"$package/run/$host.txt"
+done
+for program in host_in_cpp own_rule_set; do
+  run "$program"
+  same "$program.txt" <"$package/run/$program.txt"
+done
+
+step "Compile the C# example and run it on a library that records its calls"
+mcs -warn:4 -warnaserror -r:System.Core.dll -out:"$package/run/host_in_csharp.exe" examples/csharp/*.cs
+gcc -std=c11 "${warnings[@]:0:4}" -shared -fPIC -fshort-wchar -D__stdcall= -I include -I sdk_subset \
+  tests/package/RecordingLibrary.c -o "$package/run/libCorvane.Native.Firewall.so"
+{ LD_LIBRARY_PATH="$package/run" mono "$package/run/host_in_csharp.exe" || echo "exit code $?"; } | same host_in_csharp.txt
+
+step "Pack"
+cpack --config build/windows/CPackConfig.cmake -B "$package/zips" >/dev/null
+for zip in "$package"/zips/*.zip; do
+  mkdir "${zip%.zip}"
+  (cd "${zip%.zip}" && cmake -E tar xf "$zip")
+done
+files "$package"/zips/*-win-x64 | same sdk-files.txt
+files "$package"/zips/*-nuget | same nuget-files.txt
+python3 - "$package"/zips/*-nuget/*.nuspec "$package"/zips/*-nuget/build/native/*.targets <<'END'
+import sys, xml.dom.minidom
+for file in sys.argv[1:]: xml.dom.minidom.parse(file)
+END
+
+step "Build the library in another folder, and get the same bytes"
+mkdir "$package/elsewhere"
+tar --exclude=./build --exclude=./.git -cf - . | tar -xf - -C "$package/elsewhere"
+(
+  cd "$package/elsewhere"
+  cmake --preset windows -DBUILD_TESTING=OFF >/dev/null
+  cmake --build --preset windows --target corvane_native_firewall
+)
+for file in Corvane.Native.Firewall.dll Corvane.Native.Firewall.dll.debug; do
+  cmp "build/windows/bin/$file" "$package/elsewhere/build/windows/bin/$file"
+  echo "The same: $file"
+done
