@@ -43,25 +43,30 @@ class MailOnly : public Sublayer {
   }
 };
 
+void FreeRecords(FWPM_FILTER0** records) { FwpmFreeMemory0(reinterpret_cast<void**>(&records)); }
+
 /// The filters of the rule set, as the engine holds them.
 std::vector<Filter> FiltersInEngine() {
   const std::shared_ptr<void> engine = Engine::OpenEngine();
-  HANDLE enumeration = nullptr;
-  FWPM_FILTER0** records = nullptr;
+  HANDLE handle = nullptr;
+  if (FwpmFilterCreateEnumHandle0(engine.get(), nullptr, &handle) != ERROR_SUCCESS) {
+    return {};
+  }
+  const auto close = [&engine](HANDLE open) { FwpmFilterDestroyEnumHandle0(engine.get(), open); };
+  const std::unique_ptr<void, decltype(close)> enumeration(handle, close);
+
+  FWPM_FILTER0** list = nullptr;
   UINT32 count = 0;
+  if (FwpmFilterEnum0(engine.get(), enumeration.get(), INFINITE, &list, &count) != ERROR_SUCCESS) {
+    return {};
+  }
+  const std::unique_ptr<FWPM_FILTER0*, decltype(&FreeRecords)> records(list, &FreeRecords);
   std::vector<Filter> filters;
-  if (FwpmFilterCreateEnumHandle0(engine.get(), nullptr, &enumeration) != ERROR_SUCCESS) {
-    return filters;
-  }
-  if (FwpmFilterEnum0(engine.get(), enumeration, INFINITE, &records, &count) == ERROR_SUCCESS) {
-    for (UINT32 i = 0; i < count; ++i) {
-      if (IsEqualGUID(records[i]->subLayerKey, kMailOnly)) {
-        filters.push_back(Filter::BuildFromNative(records[i]));
-      }
+  for (UINT32 i = 0; i < count; ++i) {
+    if (IsEqualGUID(list[i]->subLayerKey, kMailOnly)) {
+      filters.push_back(Filter::BuildFromNative(list[i]));
     }
-    FwpmFreeMemory0(reinterpret_cast<void**>(&records));
   }
-  FwpmFilterDestroyEnumHandle0(engine.get(), enumeration);
   return filters;
 }
 
