@@ -182,10 +182,14 @@ def add_sublayer(key, session=0):
     return bytes([6, 1, key]) + NAME + b"\0" + NULL + NO_BLOB + number(7, 2) + bytes([session]) + NULL
 
 
-def add_filter(layer, *tests, sublayer=4, session=0):
-    return (bytes([8, 1, 0]) + NAME + b"\0" + NULL + NO_BLOB + bytes([LAYERS.index(layer), sublayer]) +
+def filter_record(layer, *tests, sublayer=4):
+    return (bytes([1, 0]) + NAME + b"\0" + NULL + NO_BLOB + bytes([LAYERS.index(layer), sublayer]) +
             b"\x01" + number(15, 4) + bytes([len(tests)]) + b"".join(tests) + b"\0" + b"\x01" + b"\x01" +
-            b"\0\0\0" + bytes([session]) + NULL + b"\0")
+            b"\0\0\0")
+
+
+def add_filter(layer, *tests, sublayer=4, session=0):
+    return bytes([8]) + filter_record(layer, *tests, sublayer=sublayer) + bytes([session]) + NULL + b"\0"
 
 
 def test(field, data_type, data, match=0):
@@ -217,12 +221,30 @@ CALLS = {
                                             test("IP_REMOTE_ADDRESS", 18, b"\x01\x01\x01\x02\x01\x02"))],
 }
 
+
+# policy_snapshot: four connections, then sublayers and filters, each filter with the weight that the engine gave it
+CONNECTION = (b"\0\0" + number(0x0A000001, 4) + b"\x01" + number(53, 2) + b"\x11" + b"\x01" + number(1, 4) +
+              number(7, 8) + b"\x02a\0")
+SUBLAYER = bytes([1, 2]) + NAME + b"\0" + NULL + NO_BLOB + number(7, 2)
+WEIGHT = b"\x04\x01" + number(0xF000000000000000, 8)
+READ_FILTERS = {
+    "numbers": [filter_record("ALE_AUTH_CONNECT_V4", test("IP_REMOTE_PORT", 2, number(53, 4)),
+                              test("IP_LOCAL_INTERFACE", 4, b"\x01" + number(7, 8), match=10), sublayer=2)],
+    "networks": [filter_record("ALE_AUTH_CONNECT_V4", test("IP_REMOTE_ADDRESS", 16, b"\x01" + b"\0\0\0\x0a\0\0\0\xff")),
+                 filter_record("ALE_AUTH_CONNECT_V4")],
+    "flags": [filter_record("ALE_AUTH_CONNECT_V4", test("FLAGS", 3, number(1, 4))),
+              filter_record("ALE_FLOW_ESTABLISHED_V4", test("FLAGS", 3, number(5, 4), match=8))],
+    "applications": [filter_record("ALE_AUTH_RECV_ACCEPT_V4", test("ALE_APP_ID", 9, b"\x01\x04a\0\0\0\0\x01"))],
+}
+
 for target, seeds in {
         "registry_property": REGISTRY,
         "address_texts": ADDRESSES,
         "filter_from_native": FILTERS,
         "command_sequence": {name: wide("corvane") + b"\0" + b"".join(steps) for name, steps in COMMANDS.items()},
         "emulator_calls": {name: b"\0" + b"".join(calls) for name, calls in CALLS.items()},
+        "policy_snapshot": {name: CONNECTION * 4 + b"\x01" + SUBLAYER + b"".join(record + WEIGHT for record in records)
+                            for name, records in READ_FILTERS.items()},
 }.items():
     folder = HERE / "corpus" / target
     shutil.rmtree(folder, ignore_errors=True)

@@ -1,0 +1,47 @@
+/**
+ * @file
+ * The ids of applications.
+ */
+#pragma once
+
+#include <map>
+#include <string_view>
+
+#include "policy/FieldTable.h"
+
+namespace Policy {
+
+/// Ids that a condition names, one by one, and all others by the longest ending that conditions test.
+class ApplicationTable : public FieldTable {
+ public:
+  ApplicationTable(const StateLayout& layout, std::vector<TestGroup> groups);
+
+  std::size_t SignatureOf(const Connection& connection) const override;
+  ValueClass Collect(const std::vector<bool>& signatures, const Connection& ordinary) const override;
+
+ private:
+  struct Ending {
+    std::string bytes;
+    std::string example;
+    std::size_t signature;
+  };
+
+  void AddNames();
+  void AddEndings();
+  void AddOthers();
+  const Ending* LongestEnding(const std::string& id) const;
+  /// An id with an ending that no name and no longer ending fits.
+  std::optional<std::string> ExampleOf(const std::string& ending) const;
+  std::size_t InternId(const std::string& id);
+  std::size_t SignatureOfId(const std::string& id) const;
+
+  std::map<std::string, std::size_t> names_;
+  std::vector<Ending> endings_;  ///< longest first
+  std::optional<Ending> others_;
+  std::size_t unset_ = 0;
+};
+
+/// Whether an id ends so, terminators left aside.
+bool IdEndsWith(std::string_view id, std::string_view ending);
+
+}  // namespace Policy

@@ -1,0 +1,165 @@
+#include "policy/Assumptions.h"
+
+#include <algorithm>
+#include <array>
+
+namespace Policy {
+namespace {
+
+using Reading = AssumptionText::Reading;
+
+constexpr Reading kFilterTies[]{{"block-first", "a filter that blocks decides"},
+                                {"permit-first", "a filter that permits decides"}};
+constexpr Reading kAutomaticWeights[]{
+    {"as-reported", "the weights that this engine reports decide"},
+    {"block-first", "a filter that blocks decides"},
+    {"permit-first", "a filter that permits decides"},
+};
+constexpr Reading kSublayerTies[]{{"block-first", "a sublayer that blocks comes first"},
+                                  {"permit-first", "a sublayer with a hard permit comes first"}};
+constexpr Reading kSeveralNegations[]{{"any-holds", "one negation that holds is enough"},
+                                      {"all-hold", "all negations must hold"}};
+constexpr Reading kUnsetFields[]{{"no-match", "neither holds"},
+                                 {"match", "a negation holds, and no flag is set"}};
+constexpr Reading kStaticBlocks[]{{"permit-stands", "the hard permit stands"},
+                                  {"block-overrides", "the block overrides it"}};
+constexpr Reading kLoopbackBits[]{{"alone", "the flag reaches filters alone"},
+                                  {"accompanied", "IS_NON_APPCONTAINER_LOOPBACK is set beside it"}};
+
+constexpr std::array<AssumptionText, kAssumptionCount> kTexts{{
+    {"filter-ties", "Which of the matching filters of a sublayer decides when they weigh the same?",
+     kFilterTies},
+    {"automatic-weights",
+     "Which of the matching filters decides when the engine chose their weights by a rule that is not "
+     "documented?",
+     kAutomaticWeights},
+    {"sublayer-ties", "Which of the sublayers comes first when they weigh the same?", kSublayerTies},
+    {"several-negations", "Must all of several negations on one field hold, or is one enough?",
+     kSeveralNegations},
+    {"unset-fields", "Does a negation or a test of flags hold of a field that has no value?", kUnsetFields},
+    {"static-block-below-hard-permit",
+     "Does a block without a callout override a hard permit of a higher sublayer?", kStaticBlocks},
+    {"loopback-bits", "Do other flags ride beside the loopback flag?", kLoopbackBits},
+}};
+
+/// How far apart the indexes of worlds are that differ in one assumption.
+constexpr auto kSteps = [] {
+  std::array<std::size_t, kAssumptionCount> steps{};
+  std::size_t step = 1;
+  for (std::size_t i = 0; i < kAssumptionCount; ++i) {
+    steps[i] = step;
+    step *= kTexts[i].readings.size();
+  }
+  return steps;
+}();
+static_assert(kSteps.back() * kTexts.back().readings.size() == World::kCount);
+
+/// The worlds that agree with some choices.
+class Box {
+ public:
+  bool Contains(World world) const {
+    return std::ranges::all_of(choices_, [world](const Choice& choice) {
+      return world.ReadingOf(choice.assumption) == choice.reading;
+    });
+  }
+
+  WorldSet Worlds() const {
+    WorldSet worlds;
+    for (std::size_t i = 0; i < World::kCount; ++i) {
+      worlds[i] = Contains(World::OfIndex(i));
+    }
+    return worlds;
+  }
+
+  Box With(Choice choice) const {
+    Box box = *this;
+    box.choices_.push_back(choice);
+    return box;
+  }
+
+  const std::vector<Choice>& Choices() const { return choices_; }
+
+ private:
+  std::vector<Choice> choices_;
+};
+
+/// Every way to choose readings for some of the assumptions.
+std::vector<Box> BoxesOver(const std::vector<Assumption>& assumptions) {
+  std::vector<Box> boxes(1);
+  for (const Assumption assumption : assumptions) {
+    const std::vector<Box> before = boxes;
+    for (std::size_t reading = 0; reading < TextOf(assumption).readings.size(); ++reading) {
+      for (const Box& box : before) {
+        boxes.push_back(box.With({assumption, reading}));
+      }
+    }
+  }
+  return boxes;
+}
+
+}  // namespace
+
+const AssumptionText& TextOf(Assumption assumption) { return kTexts[static_cast<std::size_t>(assumption)]; }
+
+World World::OfIndex(std::size_t index) {
+  World world;
+  world.index_ = index;
+  return world;
+}
+
+std::size_t World::Index() const { return index_; }
+
+std::size_t World::ReadingOf(Assumption assumption) const {
+  const std::size_t i = static_cast<std::size_t>(assumption);
+  return index_ / kSteps[i] % kTexts[i].readings.size();
+}
+
+World World::With(Assumption assumption, std::size_t reading) const {
+  const std::size_t step = kSteps[static_cast<std::size_t>(assumption)];
+  return OfIndex(index_ - ReadingOf(assumption) * step + reading * step);
+}
+
+std::vector<Assumption> Distinguishing(const WorldSet& worlds) {
+  std::vector<Assumption> found;
+  if (worlds.all() || worlds.none()) {
+    return found;
+  }
+  for (std::size_t i = 0; i < kAssumptionCount; ++i) {
+    const auto assumption = static_cast<Assumption>(i);
+    bool differs = false;
+    for (std::size_t index = 0; index < World::kCount && !differs; ++index) {
+      differs = worlds[index] != worlds[World::OfIndex(index).With(assumption, std::size_t{0}).Index()];
+    }
+    if (differs) {
+      found.push_back(assumption);
+    }
+  }
+  return found;
+}
+
+std::vector<std::vector<Choice>> Alternatives(const WorldSet& worlds) {
+  std::vector<Box> boxes = BoxesOver(Distinguishing(worlds));
+  std::ranges::stable_sort(boxes, {}, [](const Box& box) { return box.Choices().size(); });
+  std::vector<std::vector<Choice>> alternatives;
+  WorldSet covered;
+  for (const Box& box : boxes) {
+    const WorldSet inBox = box.Worlds();
+    if ((inBox & ~worlds).none() && (inBox & ~covered).any()) {
+      alternatives.push_back(box.Choices());
+      covered |= inBox;
+    }
+  }
+  return alternatives;
+}
+
+std::string Describe(std::span<const Choice> choices) {
+  std::string text;
+  for (const Choice& choice : choices) {
+    const AssumptionText& words = TextOf(choice.assumption);
+    text.append(text.empty() ? "" : ", ").append(words.name).append(" = ");
+    text.append(words.readings[choice.reading].name);
+  }
+  return text.empty() ? "always" : text;
+}
+
+}  // namespace Policy

@@ -1,0 +1,109 @@
+/**
+ * @file
+ * What the engine's documentation leaves open, as parameters.
+ *
+ * Each open rule is an assumption with two or three readings. Its first reading is the one to expect; it
+ * stands where no other is asked for. A choice of one reading for every assumption is a World: a complete
+ * set of rules, in which every connection has one verdict.
+ */
+#pragma once
+
+#include <bitset>
+#include <cstddef>
+#include <span>
+#include <string>
+#include <string_view>
+#include <vector>
+
+namespace Policy {
+
+/// The open rules. AssumptionText has their meaning.
+enum class Assumption {
+  FilterTies,
+  AutomaticWeights,
+  SublayerTies,
+  SeveralNegations,
+  UnsetFields,
+  StaticBlocks,
+  LoopbackBits,
+};
+inline constexpr std::size_t kAssumptionCount = 7;
+
+// The readings, by number.
+/// FilterTies: which of the matching filters of one sublayer that weigh the same decides. SublayerTies: which
+/// of the sublayers that weigh the same comes first. Both also for AutomaticWeights, where the first reading
+/// is the order of the weights that the engine reports and the others an order that nobody knows.
+enum class TieReading : std::size_t { BlockFirst, PermitFirst };
+enum class WeightReading : std::size_t { AsReported, BlockFirst, PermitFirst };
+/// Whether of several negations on one field one is enough, or all must hold.
+enum class NegationReading : std::size_t { AnyHolds, AllHold };
+/// Whether a negation holds of a field without a value; a test of flags then sees no flag set.
+enum class UnsetReading : std::size_t { NoMatch, Match };
+/// Whether a static block takes a connection from a hard permit of a higher sublayer.
+enum class StaticBlockReading : std::size_t { PermitStands, BlockOverrides };
+/// Whether a word of flags that is the loopback flag alone reaches filters so, or with
+/// IS_NON_APPCONTAINER_LOOPBACK beside it.
+enum class LoopbackReading : std::size_t { Alone, Accompanied };
+
+/// An assumption in words.
+struct AssumptionText {
+  struct Reading {
+    std::string_view name;     ///< "block-first"
+    std::string_view meaning;  ///< "of filters that weigh the same, one that blocks decides"
+  };
+  std::string_view name;  ///< "filter-ties"
+  std::string_view question;
+  std::span<const Reading> readings;
+};
+
+/// The words of an assumption.
+const AssumptionText& TextOf(Assumption assumption);
+
+/// One reading of every assumption.
+class World {
+ public:
+  /// The number of worlds.
+  static constexpr std::size_t kCount = 192;
+
+  /// The world of the first readings.
+  World() = default;
+  /// @param index below kCount; 0 is the world of the first readings.
+  static World OfIndex(std::size_t index);
+
+  std::size_t Index() const;
+  std::size_t ReadingOf(Assumption assumption) const;
+  /// The same world but for one assumption.
+  World With(Assumption assumption, std::size_t reading) const;
+
+  template <class Reading>
+  World With(Assumption assumption, Reading reading) const {
+    return With(assumption, static_cast<std::size_t>(reading));
+  }
+
+ private:
+  std::size_t index_ = 0;
+};
+
+/// A set of worlds, by index.
+using WorldSet = std::bitset<World::kCount>;
+
+/// One reading of one assumption.
+struct Choice {
+  Assumption assumption;
+  std::size_t reading;
+
+  bool operator==(const Choice&) const = default;
+};
+
+/// The assumptions that a set of worlds depends on: those where two worlds that differ in nothing else are
+/// on different sides of the set.
+std::vector<Assumption> Distinguishing(const WorldSet& worlds);
+
+/// A set of worlds as alternatives, each a choice of readings, without what does not matter. The full set is
+/// one alternative of no choices; the empty set is none.
+std::vector<std::vector<Choice>> Alternatives(const WorldSet& worlds);
+
+/// "filter-ties = permit-first, loopback-bits = alone"; for no choices, "always".
+std::string Describe(std::span<const Choice> choices);
+
+}  // namespace Policy

@@ -1,0 +1,92 @@
+/**
+ * @file
+ * Sets of small numbers as words of bits.
+ */
+#pragma once
+
+#include <WfpPlatform.h>
+
+#include <bit>
+#include <cstddef>
+#include <span>
+#include <vector>
+
+namespace Policy {
+
+using BitWord = UINT64;
+inline constexpr std::size_t kBitsPerWord = 64;
+
+constexpr std::size_t WordsFor(std::size_t bits) { return (bits + kBitsPerWord - 1) / kBitsPerWord; }
+
+inline bool HasBit(const BitWord* words, std::size_t bit) {
+  return (words[bit / kBitsPerWord] >> (bit % kBitsPerWord) & 1) != 0;
+}
+
+inline void SetBit(BitWord* words, std::size_t bit, bool value = true) {
+  const BitWord mask = BitWord{1} << (bit % kBitsPerWord);
+  BitWord& word = words[bit / kBitsPerWord];
+  word = value ? word | mask : word & ~mask;
+}
+
+/// The first bit set from `begin` on; `end` if there is none before it.
+inline std::size_t FirstBit(const BitWord* words, std::size_t begin, std::size_t end) {
+  while (begin < end) {
+    const BitWord rest = words[begin / kBitsPerWord] >> (begin % kBitsPerWord);
+    if (rest != 0) {
+      const std::size_t bit = begin + static_cast<std::size_t>(std::countr_zero(rest));
+      return bit < end ? bit : end;
+    }
+    begin = (begin / kBitsPerWord + 1) * kBitsPerWord;
+  }
+  return end;
+}
+
+/// Whether two sets have a bit in common.
+inline bool Meet(const BitWord* left, const BitWord* right, std::size_t words) {
+  for (std::size_t i = 0; i < words; ++i) {
+    if ((left[i] & right[i]) != 0) {
+      return true;
+    }
+  }
+  return false;
+}
+
+/// Calls `visit` with every bit set from `begin` to before `end`.
+template <class Visit>
+void ForEachBit(const BitWord* words, std::size_t begin, std::size_t end, Visit visit) {
+  for (std::size_t bit = FirstBit(words, begin, end); bit < end; bit = FirstBit(words, bit + 1, end)) {
+    visit(bit);
+  }
+}
+
+/// Sets of words, each given a number when first met.
+class WordTable {
+ public:
+  /// @param width words of each set.
+  explicit WordTable(std::size_t width) : width_(width), slots_(kFirstSlots, kEmpty) {}
+
+  /// The number of a set, and whether it is new.
+  struct Entry {
+    std::size_t index;
+    bool isNew;
+  };
+  Entry Intern(const BitWord* words);
+
+  const BitWord* operator[](std::size_t index) const { return words_.data() + index * width_; }
+  std::size_t Size() const { return size_; }
+
+ private:
+  static constexpr std::size_t kFirstSlots = 64;
+  static constexpr UINT32 kEmpty = 0xFFFFFFFF;
+
+  std::size_t HashOf(const BitWord* words) const;
+  UINT32& SlotOf(const BitWord* words);
+  void Grow();
+
+  std::size_t width_;
+  std::size_t size_ = 0;
+  std::vector<BitWord> words_;
+  std::vector<UINT32> slots_;
+};
+
+}  // namespace Policy

@@ -1,0 +1,147 @@
+#include "policy/Connection.h"
+
+#include <array>
+#include <filesystem>
+
+#include "catalog/Format.h"
+#include "catalog/Names.h"
+
+namespace Policy {
+namespace {
+
+constexpr std::array<std::string_view, kFieldCount> kFieldTexts{
+    "flags",    "interface",  "arrival interface", "next-hop interface", "application",
+    "protocol", "local port", "remote port",       "local address",      "remote address"};
+
+constexpr std::string_view kUnset = "unset";
+
+/// The number of bytes in network order.
+Number FromBytes(const std::array<UINT8, 16>& bytes) {
+  Number number;
+  for (std::size_t i = 0; i < 8; ++i) {
+    number.high = number.high << 8 | bytes[i];
+    number.low = number.low << 8 | bytes[i + 8];
+  }
+  return number;
+}
+
+std::array<UINT8, 16> ToBytes(Number number) {
+  std::array<UINT8, 16> bytes{};
+  for (std::size_t i = 8; i-- > 0; number.high >>= 8, number.low >>= 8) {
+    bytes[i] = static_cast<UINT8>(number.high);
+    bytes[i + 8] = static_cast<UINT8>(number.low);
+  }
+  return bytes;
+}
+
+std::string ProtocolText(std::optional<UINT8> protocol) {
+  if (!protocol) {
+    return "protocol unset";
+  }
+  std::string number = "protocol " + Catalog::FormatNumber(unsigned{*protocol});
+  switch (*protocol) {
+    case 1:
+      return number + " (ICMP)";
+    case 6:
+      return number + " (TCP)";
+    case 17:
+      return number + " (UDP)";
+    case 58:
+      return number + " (ICMPv6)";
+    default:
+      return number;
+  }
+}
+
+/// "10.0.0.1:53", "[fe80::1]:53"
+std::string EndText(IpVersion ipVersion, std::optional<Number> address, std::optional<UINT16> port) {
+  std::string host = address ? FormatAddress(ipVersion, *address) : std::string(kUnset);
+  if (address && ipVersion == IpVersion::V6) {
+    host = '[' + host + ']';
+  }
+  return host + ':' + (port ? Catalog::FormatNumber(*port) : std::string(kUnset));
+}
+
+std::string InterfaceText(std::optional<UINT64> luid, const Labels& labels) {
+  if (!luid) {
+    return std::string(kUnset);
+  }
+  const auto label = labels.interfaces.find(*luid);
+  return label == labels.interfaces.end() ? Catalog::FormatNumber(*luid) : label->second;
+}
+
+std::string ApplicationText(const std::optional<std::string>& application, const Labels& labels) {
+  if (!application) {
+    return std::string(kUnset);
+  }
+  const auto label = labels.applications.find(*application);
+  if (label != labels.applications.end()) {
+    return label->second;
+  }
+  return Catalog::FormatTextOrBytes(
+      {reinterpret_cast<const UINT8*>(application->data()), application->size()});
+}
+
+}  // namespace
+
+std::string_view FieldText(Field field) { return kFieldTexts[static_cast<std::size_t>(field)]; }
+
+Connection OrdinaryConnection(Direction direction, IpVersion ipVersion) {
+  Connection connection;
+  connection.direction = direction;
+  connection.ipVersion = ipVersion;
+  connection.protocol = 6;
+  const bool v4 = ipVersion == IpVersion::V4;
+  connection.localAddress = v4 ? Number(0xC0000201) : Number(0x20010DB800000000, 1);
+  connection.remoteAddress = v4 ? Number(0xC6336401) : Number(0x20010DB800010000, 1);
+  connection.localPort = UINT16{50000};
+  connection.remotePort = UINT16{443};
+  connection.application = ApplicationBytes("other.exe");
+  connection.localInterface = UINT64{999};
+  connection.flags = 0;
+  (direction == Direction::Outbound ? connection.nextHopInterface : connection.arrivalInterface) = 999;
+  return connection;
+}
+
+std::optional<Address> ParseAddress(std::string_view text) {
+  const std::string terminated(text);
+  std::array<UINT8, 16> bytes{};
+  if (inet_pton(AF_INET6, terminated.c_str(), bytes.data()) == 1) {
+    return Address{IpVersion::V6, FromBytes(bytes)};
+  }
+  // A text that is no IPv6 address may have left its beginning.
+  bytes.fill(0);
+  if (inet_pton(AF_INET, terminated.c_str(), bytes.data() + 12) == 1) {
+    return Address{IpVersion::V4, FromBytes(bytes)};
+  }
+  return std::nullopt;
+}
+
+std::string FormatAddress(IpVersion ipVersion, Number address) {
+  return ipVersion == IpVersion::V4 ? Catalog::FormatIpV4(static_cast<UINT32>(address.low))
+                                    : Catalog::FormatIpV6(ToBytes(address).data());
+}
+
+std::string ApplicationBytes(std::string_view utf8) {
+  std::string bytes;
+  for (const char16_t unit :
+       std::filesystem::path(std::u8string(utf8.begin(), utf8.end())).u16string() + u'\0') {
+    bytes += static_cast<char>(unit & 0xFF);
+    bytes += static_cast<char>(unit >> 8);
+  }
+  return bytes;
+}
+
+std::string Describe(const Connection& connection, const Labels& labels) {
+  std::string text = connection.direction == Direction::Outbound ? "outbound" : "inbound";
+  text += connection.ipVersion == IpVersion::V4 ? " IPv4, " : " IPv6, ";
+  text += ProtocolText(connection.protocol);
+  text += ", local " + EndText(connection.ipVersion, connection.localAddress, connection.localPort);
+  text += ", remote " + EndText(connection.ipVersion, connection.remoteAddress, connection.remotePort);
+  text += ", application " + ApplicationText(connection.application, labels);
+  text += ", interface " + InterfaceText(connection.localInterface, labels);
+  text += ", flags " + (connection.flags ? Catalog::FormatHex(*connection.flags) : std::string(kUnset));
+  return text;
+}
+
+}  // namespace Policy

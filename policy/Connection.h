@@ -1,0 +1,92 @@
+/**
+ * @file
+ * Connections as the filtering engine sees them.
+ */
+#pragma once
+
+#include <WfpPlatform.h>
+
+#include <cstddef>
+#include <map>
+#include <optional>
+#include <string>
+#include <string_view>
+
+#include "catalog/Layers.h"
+#include "policy/Number.h"
+
+namespace Policy {
+
+using Catalog::IpVersion;
+
+enum class Direction { Outbound, Inbound };
+
+/// What conditions tell connections of one direction and IP version apart by. The order is that of the
+/// levels of a map.
+enum class Field {
+  Flags,
+  LocalInterface,
+  ArrivalInterface,
+  NextHopInterface,
+  Application,
+  Protocol,
+  LocalPort,
+  RemotePort,
+  LocalAddress,
+  RemoteAddress,
+};
+inline constexpr std::size_t kFieldCount = 10;
+
+/// Text of a field: "flags", "interface", "arrival interface", "next-hop interface", "application",
+/// "protocol", "local port", "remote port", "local address", "remote address".
+std::string_view FieldText(Field field);
+
+/// A connection that is to be opened or accepted. A field without a value is one that the engine does not
+/// know at that moment: it presents it to filters as FWP_EMPTY. For ICMP the ports are type (local) and code
+/// (remote).
+struct Connection {
+  Direction direction = Direction::Outbound;
+  IpVersion ipVersion = IpVersion::V4;
+  std::optional<UINT8> protocol;
+  std::optional<Number> localAddress;
+  std::optional<Number> remoteAddress;
+  std::optional<UINT16> localPort;
+  std::optional<UINT16> remotePort;
+  std::optional<std::string> application;  ///< bytes of the application id, its terminator included
+  std::optional<UINT64> localInterface;    ///< LUIDs, these three
+  std::optional<UINT64> arrivalInterface;
+  std::optional<UINT64> nextHopInterface;
+  std::optional<UINT32> flags;  ///< FWP_CONDITION_FLAG_*
+
+  bool operator==(const Connection&) const = default;
+};
+
+/// A connection that no filter has a special word for: TCP from port 50000 to port 443, flags 0, with
+/// addresses from the ranges for documentation, an application and interfaces that nobody names.
+Connection OrdinaryConnection(Direction direction, IpVersion ipVersion);
+
+/// Human names that texts use in place of numbers and identifiers.
+struct Labels {
+  std::map<UINT64, std::string> interfaces;         ///< by LUID
+  std::map<std::string, std::string> applications;  ///< by the bytes of the application id
+};
+
+/// An address with its IP version.
+struct Address {
+  IpVersion ipVersion;
+  Number number;
+};
+
+/// The address of a text such as "10.0.0.1" or "fe80::1"; nothing for other texts.
+std::optional<Address> ParseAddress(std::string_view text);
+/// "10.0.0.1", "fe80::1"
+std::string FormatAddress(IpVersion ipVersion, Number address);
+
+/// The bytes of an application id, from its text in well-formed UTF-8: "\device\harddiskvolume1\a.exe".
+std::string ApplicationBytes(std::string_view utf8);
+
+/// "outbound IPv4, protocol 6 (TCP), local 192.0.2.1:50000, remote 198.51.100.1:443, application other.exe,
+/// interface 7, flags 0x00000000"; fields without a value are "unset".
+std::string Describe(const Connection& connection, const Labels& labels = {});
+
+}  // namespace Policy

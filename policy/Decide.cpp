@@ -1,0 +1,136 @@
+#include "policy/Decide.h"
+
+#include <algorithm>
+#include <array>
+#include <deque>
+
+#include "policy/Section.h"
+
+namespace Policy {
+namespace {
+
+/// States of most snapshots fit; longer ones take memory of their own.
+constexpr std::size_t kUsualWidth = 64;
+
+/// A connection's state in a section.
+class State {
+ public:
+  State(const Section& section, const Connection& connection) {
+    if (section.Layout().Width() > kUsualWidth) {
+      long_.resize(section.Layout().Width());
+    }
+    section.Read(connection, Words());
+  }
+
+  BitWord* Words() { return long_.empty() ? usual_.data() : long_.data(); }
+
+ private:
+  std::array<BitWord, kUsualWidth> usual_;
+  std::vector<BitWord> long_;
+};
+
+/// The filters of a slot but for the deciding one: those that match, and those that perhaps do.
+void AddBystanders(const Arbitration& layer, const Arbitration::Slot& slot, Section::Matching matching,
+                   World world, SublayerTrace& trace) {
+  const auto deciding = layer.Deciding(slot, matching.sure, world);
+  ForEachBit(matching.perhaps, slot.begin, slot.end, [&](std::size_t filter) {
+    const Filter* bystander = layer.Filters()[filter];
+    if (!HasBit(matching.sure, filter)) {
+      trace.unjudged.push_back(bystander);
+    } else if (filter != deciding) {
+      trace.outranked.push_back(bystander);
+    }
+  });
+  trace.deciding = deciding ? layer.Filters()[*deciding] : nullptr;
+}
+
+bool Blocks(const SublayerTrace& trace) { return trace.deciding->action == FWP_ACTION_BLOCK; }
+
+/// Says of each sublayer what became of its decision.
+void AddEffects(std::vector<SublayerTrace>& traces, World world) {
+  const bool blockOverrides = world.ReadingOf(Assumption::StaticBlocks) ==
+                              static_cast<std::size_t>(StaticBlockReading::BlockOverrides);
+  SublayerTrace* hard = nullptr;
+  for (auto trace = traces.begin(); trace != traces.end(); ++trace) {
+    if (trace->deciding == nullptr) {
+      continue;
+    }
+    const bool overridesHard = hard != nullptr && !Blocks(*hard) && Blocks(*trace) && blockOverrides;
+    if (hard != nullptr && !overridesHard) {
+      // Agreeing with what has been decided changes nothing.
+      trace->effect =
+          Blocks(*trace) == Blocks(*hard) ? SublayerTrace::Effect::Stands : SublayerTrace::Effect::Ignored;
+      trace->by = Blocks(*trace) == Blocks(*hard) ? nullptr : hard->sublayer;
+      continue;
+    }
+    trace->effect = SublayerTrace::Effect::Stands;
+    for (auto earlier = traces.begin(); earlier != trace && Blocks(*trace); ++earlier) {
+      if (earlier->effect == SublayerTrace::Effect::Stands) {
+        earlier->effect = SublayerTrace::Effect::Overridden;
+        earlier->by = trace->sublayer;
+      }
+    }
+    hard = trace->deciding->IsHard() ? &*trace : nullptr;
+  }
+}
+
+/// In the order of their turn, sublayers of equal weight as the world reads their ties.
+void SortTies(std::vector<SublayerTrace>& traces, World world) {
+  const bool blockFirst =
+      world.ReadingOf(Assumption::SublayerTies) == static_cast<std::size_t>(TieReading::BlockFirst);
+  const auto rank = [blockFirst](const SublayerTrace& trace) {
+    if (trace.deciding == nullptr) {
+      return 2;
+    }
+    const bool comesFirst = blockFirst ? Blocks(trace) : !Blocks(trace) && trace.deciding->IsHard();
+    return comesFirst ? 0 : 1;
+  };
+  std::ranges::stable_sort(traces, [&](const SublayerTrace& left, const SublayerTrace& right) {
+    return left.sublayer->weight != right.sublayer->weight ? left.sublayer->weight > right.sublayer->weight
+                                                           : rank(left) < rank(right);
+  });
+}
+
+}  // namespace
+
+struct Decider::Sections {
+  std::deque<Section> all;
+};
+
+Decider::Decider(const Snapshot& snapshot) : sections_(std::make_unique<Sections>()) {
+  for (const SectionKey& key : kSectionKeys) {
+    sections_->all.emplace_back(snapshot, key);
+  }
+}
+
+Decider::~Decider() = default;
+Decider::Decider(Decider&&) noexcept = default;
+Decider& Decider::operator=(Decider&&) noexcept = default;
+
+Verdict Decider::Decide(const Connection& connection) const {
+  const Section& section = sections_->all[SectionIndex(connection.direction, connection.ipVersion)];
+  return section.Decide(State(section, connection).Words());
+}
+
+Explanation Decider::Explain(const Connection& connection, World world) const {
+  const Section& section = sections_->all[SectionIndex(connection.direction, connection.ipVersion)];
+  State state(section, connection);
+  Explanation explanation{connection, world, section.Decide(state.Words()), {}};
+  for (std::size_t i = 0; i < section.Layers().size(); ++i) {
+    const Arbitration& layer = section.Layers()[i];
+    const Verdict verdict = section.DecideLayer(i, state.Words());
+    LayerTrace trace{&layer.Layer(), verdict, verdict.In(world), {}};
+    for (const Arbitration::Slot& slot : layer.Slots()) {
+      SublayerTrace ofSlot;
+      ofSlot.sublayer = slot.sublayer;
+      AddBystanders(layer, slot, section.MatchingIn(world, i, state.Words()), world, ofSlot);
+      trace.sublayers.push_back(std::move(ofSlot));
+    }
+    SortTies(trace.sublayers, world);
+    AddEffects(trace.sublayers, world);
+    explanation.layers.push_back(std::move(trace));
+  }
+  return explanation;
+}
+
+}  // namespace Policy

@@ -1,0 +1,74 @@
+/**
+ * @file
+ * What the engine does with a connection, and why.
+ */
+#pragma once
+
+#include <memory>
+#include <string>
+#include <vector>
+
+#include "policy/Connection.h"
+#include "policy/Snapshot.h"
+#include "policy/Verdict.h"
+
+namespace Policy {
+
+/// What a sublayer does to a connection, in one world.
+struct SublayerTrace {
+  enum class Effect {
+    None,        ///< no filter of it matches for certain
+    Stands,      ///< its filter's action is the layer's verdict, or agrees with it
+    Overridden,  ///< a lower sublayer's block came over its soft permit
+    Ignored,     ///< a hard filter of a higher sublayer had decided already
+  };
+
+  const Sublayer* sublayer;
+  const Filter* deciding = nullptr;      ///< the one of its filters that counts; null if none
+  std::vector<const Filter*> outranked;  ///< matching filters that came too late, heaviest first
+  std::vector<const Filter*> unjudged;   ///< filters that perhaps match, or whose callout decides
+  Effect effect = Effect::None;
+  const Sublayer* by = nullptr;  ///< who overrides it, or made it be ignored
+};
+
+/// What a layer does to a connection.
+struct LayerTrace {
+  const Catalog::Layer* layer;
+  Verdict verdict;
+  std::optional<Action> action;          ///< in the world of the trace; none where it is unsure
+  std::vector<SublayerTrace> sublayers;  ///< those with filters at this layer, in the order of their turn
+};
+
+/// The fate of a connection with the reasons, in one world.
+struct Explanation {
+  Connection connection;
+  World world;
+  Verdict verdict;
+  std::vector<LayerTrace> layers;
+};
+
+/// Decides connections by the filters of a snapshot. An outbound connection passes ALE_AUTH_CONNECT, an
+/// inbound one ALE_AUTH_RECV_ACCEPT, both then ALE_FLOW_ESTABLISHED. Disabled and boot-time filters are not
+/// in force. Where no filter matches, the engine permits.
+class Decider {
+ public:
+  /// @param snapshot must outlive the decider and its explanations.
+  explicit Decider(const Snapshot& snapshot);
+  ~Decider();
+  Decider(Decider&&) noexcept;
+  Decider& operator=(Decider&&) noexcept;
+
+  Verdict Decide(const Connection& connection) const;
+
+  /// @param world the readings by which the trace is told; its verdicts are for all worlds.
+  Explanation Explain(const Connection& connection, World world = World()) const;
+
+ private:
+  struct Sections;
+  std::unique_ptr<Sections> sections_;
+};
+
+/// An explanation in words, a line for each thing that happens.
+std::string Describe(const Explanation& explanation, const Labels& labels = {});
+
+}  // namespace Policy

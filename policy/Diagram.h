@@ -1,0 +1,31 @@
+/**
+ * @file
+ * All connections of a section, sorted by what becomes of them.
+ */
+#pragma once
+
+#include <functional>
+#include <vector>
+
+#include "policy/Map.h"
+#include "policy/Section.h"
+
+namespace Policy {
+
+/// A decision diagram over the tables of a section, with the signatures of each table sorted into classes
+/// that lead to the same place everywhere.
+struct Diagram {
+  struct Level {
+    std::vector<std::size_t> classOf;  ///< by signature
+    std::size_t classCount = 0;        ///< 0 for a level without nodes: its field makes no difference
+  };
+
+  std::vector<Level> levels;   ///< one for each table
+  std::vector<MapNode> nodes;  ///< `field` is a level, targets go by class; after those that they lead to
+  MapTarget root{true, 0};
+};
+
+/// @param leaf gives the number of what becomes of a state.
+Diagram MakeDiagram(const Section& section, const std::function<std::size_t(const BitWord*)>& leaf);
+
+}  // namespace Policy

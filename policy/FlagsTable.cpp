@@ -1,0 +1,150 @@
+#include "policy/FlagsTable.h"
+
+#include <algorithm>
+
+namespace Policy {
+namespace {
+
+constexpr UINT32 kLoopback = FWP_CONDITION_FLAG_IS_LOOPBACK;
+constexpr UINT32 kAccompaniedLoopback =
+    FWP_CONDITION_FLAG_IS_LOOPBACK | FWP_CONDITION_FLAG_IS_NON_APPCONTAINER_LOOPBACK;
+
+bool TestsBits(const Test& test) {
+  return test.kind == Test::Kind::AllSet || test.kind == Test::Kind::AnySet ||
+         test.kind == Test::Kind::NoneSet;
+}
+
+bool IsWord(const Test& test) { return test.kind == Test::Kind::InInterval; }
+
+UINT32 WordOf(const Test& test) { return static_cast<UINT32>(test.interval.first.low); }
+
+bool Contains(const Test& test, UINT32 word) {
+  const UINT32 bits = WordOf(test);
+  switch (test.kind) {
+    case Test::Kind::AllSet:
+      return (word & bits) == bits;
+    case Test::Kind::AnySet:
+      return (word & bits) != 0;
+    case Test::Kind::NoneSet:
+      return (word & bits) == 0;
+    case Test::Kind::InInterval:
+      return test.interval.first <= Number(word) && Number(word) <= test.interval.last;
+    default:
+      return false;
+  }
+}
+
+}  // namespace
+
+FlagsTable::FlagsTable(const StateLayout& layout, std::vector<TestGroup> groups)
+    : FieldTable(Field::Flags, layout, std::move(groups)) {
+  FindTestedBits();
+  AddNamedWords();
+  AddBitPatterns();
+  unset_ = InternUnset();
+}
+
+void FlagsTable::FindTestedBits() {
+  for (const TestGroup& group : Groups()) {
+    for (const Test* test : group.tests) {
+      testedBits_ |= TestsBits(*test) ? WordOf(*test) : 0;
+    }
+  }
+}
+
+std::size_t FlagsTable::InternWord(UINT32 word) {
+  std::vector<BitWord> signature = EmptySignature();
+  for (std::size_t group = 0; group < Groups().size(); ++group) {
+    const bool isMark = Groups()[group].isMark;
+    for (std::size_t plane = 0; plane < Layout().planes.size(); ++plane) {
+      const bool isAccompanied = word == kLoopback && Layout().planes[plane].loopbackAccompanied && !isMark;
+      Standing standing;
+      for (const Test* test : Groups()[group].tests) {
+        const bool contains = Contains(*test, isAccompanied ? kAccompaniedLoopback : word);
+        (test->negated ? standing.failing : standing.positive) += contains ? 1 : 0;
+      }
+      Write(signature, group, standing, plane);
+    }
+  }
+  return Intern(signature);
+}
+
+void FlagsTable::AddNamedWords() {
+  std::vector<UINT32> words{kLoopback, kAccompaniedLoopback};
+  for (const TestGroup& group : Groups()) {
+    for (const Test* test : group.tests) {
+      if (IsWord(*test)) {
+        words.push_back(WordOf(*test));
+      }
+    }
+  }
+  std::ranges::sort(words);
+  words.erase(std::unique(words.begin(), words.end()), words.end());
+  for (const UINT32 word : words) {
+    named_.push_back({word, word & testedBits_, InternWord(word)});
+  }
+}
+
+bool FlagsTable::IsNamed(UINT32 word) const {
+  return std::ranges::find(named_, word, &Class::word) != named_.end();
+}
+
+/// The least word with some of the tested bits that no condition names; none if all are named.
+std::optional<UINT32> FlagsTable::UnnamedWord(UINT32 bits) const {
+  // Words with the same tested bits, counted up through the others; more than there are names is enough.
+  UINT32 word = bits;
+  for (std::size_t i = 0; i <= named_.size(); ++i) {
+    if (!IsNamed(word)) {
+      return word;
+    }
+    const UINT32 rest = ((word | testedBits_) + 1) & ~testedBits_;
+    word = rest | bits;
+  }
+  return std::nullopt;
+}
+
+void FlagsTable::AddBitPatterns() {
+  // All subsets of the tested bits, in ascending order.
+  UINT32 bits = 0;
+  do {
+    if (const auto word = UnnamedWord(bits)) {
+      patterns_.push_back({*word, bits, InternWord(*word)});
+    }
+    bits = (bits - testedBits_) & testedBits_;
+  } while (bits != 0);
+}
+
+std::size_t FlagsTable::SignatureOfWord(UINT32 word) const {
+  const auto named = std::ranges::find(named_, word, &Class::word);
+  if (named != named_.end()) {
+    return named->signature;
+  }
+  return std::ranges::lower_bound(patterns_, word & testedBits_, {}, &Class::bits)->signature;
+}
+
+std::size_t FlagsTable::SignatureOf(const Connection& connection) const {
+  return connection.flags ? SignatureOfWord(*connection.flags) : unset_;
+}
+
+ValueClass FlagsTable::Collect(const std::vector<bool>& signatures, const Connection& ordinary) const {
+  ValueClass found;
+  found.unset = signatures[unset_];
+  for (const Class& word : named_) {
+    if (signatures[word.signature]) {
+      found.intervals.push_back({word.word, word.word});
+      found.exampleNumber = found.exampleNumber.value_or(word.word);
+    }
+  }
+  for (const Class& pattern : patterns_) {
+    if (signatures[pattern.signature]) {
+      found.masked.push_back({testedBits_, pattern.bits});
+      found.exampleNumber = found.exampleNumber.value_or(pattern.word);
+    }
+  }
+  if (ordinary.flags && signatures[SignatureOfWord(*ordinary.flags)]) {
+    found.exampleNumber = *ordinary.flags;
+  }
+  return found;
+}
+
+}  // namespace Policy

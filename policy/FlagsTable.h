@@ -1,0 +1,40 @@
+/**
+ * @file
+ * The words of flags.
+ */
+#pragma once
+
+#include "policy/FieldTable.h"
+
+namespace Policy {
+
+/// Words that a condition names, one by one, and all others by those of their bits that conditions test.
+class FlagsTable : public FieldTable {
+ public:
+  FlagsTable(const StateLayout& layout, std::vector<TestGroup> groups);
+
+  std::size_t SignatureOf(const Connection& connection) const override;
+  ValueClass Collect(const std::vector<bool>& signatures, const Connection& ordinary) const override;
+
+ private:
+  struct Class {
+    UINT32 word;  ///< the named word, or an example
+    UINT32 bits;  ///< its tested bits
+    std::size_t signature;
+  };
+
+  void FindTestedBits();
+  void AddNamedWords();
+  void AddBitPatterns();
+  bool IsNamed(UINT32 word) const;
+  std::optional<UINT32> UnnamedWord(UINT32 bits) const;
+  std::size_t InternWord(UINT32 word);
+  std::size_t SignatureOfWord(UINT32 word) const;
+
+  UINT32 testedBits_ = 0;
+  std::vector<Class> named_;
+  std::vector<Class> patterns_;  ///< ascending by bits
+  std::size_t unset_ = 0;
+};
+
+}  // namespace Policy

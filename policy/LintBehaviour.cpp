@@ -1,0 +1,228 @@
+#include "policy/LintBehaviour.h"
+
+#include <algorithm>
+#include <deque>
+#include <map>
+#include <set>
+
+#include "catalog/Names.h"
+#include "policy/Diagram.h"
+#include "policy/Section.h"
+
+namespace Policy {
+namespace {
+
+/// Whether a class has values at all, the field without a value left aside.
+bool HasValues(const ValueClass& values) {
+  return !values.intervals.empty() || !values.masked.empty() || !values.applications.empty() ||
+         !values.endings.empty() || values.others;
+}
+
+/// The values of a field of which some of a filter's conditions hold, and those of which they do not.
+class FieldHalves {
+ public:
+  FieldHalves(Field field, IpVersion ipVersion, std::vector<const Test*> tests) {
+    layout_.planes.resize(1);
+    layout_.filterWords = 1;
+    table_ = FieldTable::Make(field, ipVersion, layout_, {{0, false, false, std::move(tests)}});
+  }
+
+  ValueClass Where(bool holds) const {
+    std::vector<bool> signatures;
+    for (std::size_t i = 0; i < table_->Signatures().Size(); ++i) {
+      signatures.push_back(HasBit(table_->Signatures()[i], 0) == holds);
+    }
+    return table_->Collect(signatures, {});
+  }
+
+ private:
+  StateLayout layout_;
+  std::unique_ptr<FieldTable> table_;
+};
+
+/// A filter and another that spoils it; each filter once.
+using Spoiled = std::map<const Filter*, const Filter*>;
+
+/// What is seen of filters over all connections.
+struct Seen {
+  std::set<const Filter*> deciding;
+  Spoiled outranked;  ///< by filters that decided in their place
+  Spoiled tied;
+  Spoiled sublayerTied;
+  Spoiled overridden;
+};
+
+/// Looks at what a layer makes of the filters that match together.
+class LayerLint {
+ public:
+  LayerLint(const Arbitration& layer, Section::Matching matching, Seen& seen)
+      : layer_(layer), matching_(matching), seen_(seen) {}
+
+  void Look() {
+    for (const World& order : Arbitration::FilterOrders()) {
+      for (const Arbitration::Slot& slot : layer_.Slots()) {
+        LookAtSlot(slot, order);
+      }
+    }
+    LookAtSublayers();
+  }
+
+ private:
+  void LookAtSlot(const Arbitration::Slot& slot, World order) {
+    const auto deciding = layer_.Deciding(slot, matching_.sure, order);
+    if (deciding) {
+      seen_.deciding.insert(FilterAt(*deciding));
+    }
+    ForEachBit(matching_.perhaps, slot.begin, slot.end, [&](std::size_t filter) {
+      const bool isFirst = layer_.IsUndominated(filter, matching_.sure, order);
+      if (!HasBit(matching_.sure, filter)) {
+        if (isFirst) seen_.deciding.insert(FilterAt(filter));
+        return;
+      }
+      seen_.outranked.emplace(FilterAt(filter), FilterAt(*deciding));
+      if (isFirst && filter != *deciding && layer_.AreTied(filter, *deciding, order) &&
+          layer_.RangeOf(filter) != layer_.RangeOf(*deciding)) {
+        seen_.tied.emplace(FilterAt(std::min(filter, *deciding)), FilterAt(std::max(filter, *deciding)));
+      }
+    });
+  }
+
+  /// In the order of the first readings: soft permits that a block takes back, and sublayers of equal weight
+  /// of which one blocks and the other permits for good.
+  void LookAtSublayers() {
+    std::vector<std::size_t> soft;
+    std::vector<std::size_t> hard;
+    for (const Arbitration::Slot& slot : layer_.Slots()) {
+      const auto deciding = layer_.Deciding(slot, matching_.sure, World());
+      if (!deciding) {
+        continue;
+      }
+      const Strength strength = layer_.RangeOf(*deciding).least;
+      for (const std::size_t earlier : hard) {
+        if (layer_.RangeOf(earlier).least != strength && WeightOf(earlier) == slot.sublayer->weight) {
+          seen_.sublayerTied.emplace(FilterAt(earlier), FilterAt(*deciding));
+        }
+      }
+      for (const std::size_t permit : soft) {
+        if (strength == Strength::Block && hard.empty()) {
+          seen_.overridden.emplace(FilterAt(permit), FilterAt(*deciding));
+        }
+      }
+      if (hard.empty() || WeightOf(hard.front()) == slot.sublayer->weight) {
+        (strength == Strength::Pass ? soft : hard).push_back(*deciding);
+      }
+    }
+  }
+
+  const Filter* FilterAt(std::size_t filter) const { return layer_.Filters()[filter]; }
+
+  UINT16 WeightOf(std::size_t filter) const {
+    const auto holds = [filter](const Arbitration::Slot& slot) { return filter < slot.end; };
+    return std::ranges::find_if(layer_.Slots(), holds)->sublayer->weight;
+  }
+
+  const Arbitration& layer_;
+  Section::Matching matching_;
+  Seen& seen_;
+};
+
+void Look(const Section& section, Seen& seen) {
+  MakeDiagram(section, [&](const BitWord* state) {
+    for (std::size_t layer = 0; layer < section.Layers().size(); ++layer) {
+      for (std::size_t plane = 0; plane < section.Layout().planes.size(); ++plane) {
+        LayerLint(section.Layers()[layer], section.MatchingIn(plane, layer, state), seen).Look();
+      }
+    }
+    return std::size_t{0};
+  });
+}
+
+void AddIdle(const Section& section, const Seen& seen, std::set<const Filter*>& reported,
+             std::vector<Finding>& findings) {
+  for (const Arbitration& layer : section.Layers()) {
+    for (const Filter* filter : layer.Filters()) {
+      if (seen.deciding.contains(filter) || !reported.insert(filter).second) {
+        continue;
+      }
+      const auto spoiler = seen.outranked.find(filter);
+      if (spoiler == seen.outranked.end()) {
+        findings.push_back({FindingKind::NeverTrue, filter, nullptr,
+                            "No connection meets its conditions, so it does nothing.",
+                            "remove it, or mend them"});
+      } else {
+        findings.push_back(
+            {FindingKind::NeverDecides, filter, spoiler->second,
+             "Wherever the first matches, another filter of its sublayer, such as the second, has "
+             "decided already.",
+             "remove it, or give it a greater weight"});
+      }
+    }
+  }
+}
+
+void AddPairs(FindingKind kind, const Spoiled& pairs, const std::string& reason, const std::string& advice,
+              std::vector<Finding>& findings) {
+  for (const auto& [filter, other] : pairs) {
+    findings.push_back({kind, filter, other, reason, advice});
+  }
+}
+
+}  // namespace
+
+void LintTests(const Filter& filter, std::vector<Finding>& findings) {
+  const Catalog::Layer* layer = Catalog::FindLayer(filter.layerKey);
+  std::map<Field, std::vector<const Test*>> tests;
+  for (const Condition& condition : filter.conditions) {
+    const auto field = ModelledField(condition);
+    if (field && layer != nullptr) {
+      tests[*field].push_back(&condition.test);
+    }
+  }
+  for (const auto& [field, ofField] : tests) {
+    if (!FieldTable::CanJudge(field, ofField)) {
+      continue;
+    }
+    const FieldHalves halves(field, layer->ipVersion, ofField);
+    const std::string name(FieldText(field));
+    if (!HasValues(halves.Where(false))) {
+      findings.push_back({FindingKind::AlwaysTrue, &filter, nullptr,
+                          "What it asks of the " + name + " is true of every value.", "leave it out"});
+    }
+    if (!HasValues(halves.Where(true)) && !halves.Where(true).unset) {
+      findings.push_back({FindingKind::NeverTrue, &filter, nullptr,
+                          "What it asks of the " + name + " is true of no value: the filter does nothing.",
+                          "remove the filter, or mend the condition"});
+    }
+  }
+}
+
+void LintBehaviour(const Snapshot& snapshot, std::vector<Finding>& findings) {
+  std::deque<Section> sections;
+  Seen seen;
+  for (const SectionKey& key : kSectionKeys) {
+    Look(sections.emplace_back(snapshot, key), seen);
+  }
+  std::set<const Filter*> reported;
+  for (const Finding& finding : findings) {
+    if (finding.kind == FindingKind::NeverTrue) {
+      reported.insert(finding.filter);
+    }
+  }
+  for (const Section& section : sections) {
+    AddIdle(section, seen, reported, findings);
+  }
+  AddPairs(
+      FindingKind::TieOfActions, seen.tied,
+      "They weigh the same, do different things and match the same connections; which one decides is not "
+      "documented.",
+      "give the one that is meant to decide a greater weight", findings);
+  AddPairs(
+      FindingKind::TieOfSublayers, seen.sublayerTied,
+      "Their sublayers weigh the same; for connections that both match, which comes first is not documented.",
+      "give the sublayers different weights", findings);
+  AddPairs(FindingKind::OverriddenPermit, seen.overridden,
+           "The permit of the first is soft: the block of the second, in another sublayer, takes it back.",
+           "give the permit the flag CLEAR_ACTION_RIGHT, or the block an exception", findings);
+}
+
+}  // namespace Policy

@@ -1,0 +1,311 @@
+#include "policy/Promises.h"
+
+#include <algorithm>
+#include <deque>
+#include <limits>
+
+#include "policy/Diagram.h"
+#include "policy/PromiseList.h"
+
+namespace Policy {
+namespace {
+
+constexpr std::size_t kNoWay = std::numeric_limits<std::size_t>::max();
+
+/// A promise's rule in one section, with the numbers of its marks.
+struct PlacedRule {
+  std::size_t promise;
+  Action promised;
+  std::size_t connections;
+  std::vector<std::size_t> exceptions;
+};
+
+/// The connections of a section with what is promised for them.
+class ProofSection {
+ public:
+  ProofSection(const Snapshot& snapshot, SectionKey key, const std::vector<Promise>& promises)
+      : key_(key), marks_(Place(promises)), section_(snapshot, key, marks_) {
+    diagram_ = MakeDiagram(section_, [this](const BitWord* state) {
+      leaves_.push_back(
+          {section_.Decide(state), {state + section_.Layout().MarksAt(), state + section_.Layout().Width()}});
+      return LeafNumber();
+    });
+    CollectClasses();
+  }
+
+  /// The worlds in which a promise holds here.
+  WorldSet WorldsOf(std::size_t promise) const {
+    WorldSet worlds;
+    worlds.set();
+    for (const Leaf& leaf : leaves_) {
+      for (const PlacedRule& rule : rules_) {
+        if (rule.promise == promise && Speaks(rule, leaf)) {
+          worlds &= Allowed(rule, leaf);
+        }
+      }
+    }
+    return worlds;
+  }
+
+  struct Counterexample {
+    std::size_t distance = kNoWay;
+    Connection connection;
+    Action promised = Action::Block;
+  };
+  /// The connection nearest to an ordinary one that breaks a promise in a world.
+  Counterexample FindCounterexample(std::size_t promise, World world) const {
+    Counterexample best;
+    for (const PlacedRule& rule : rules_) {
+      if (rule.promise != promise) {
+        continue;
+      }
+      const std::vector<std::size_t> distances = Distances(rule, world);
+      const std::size_t distance = DistanceOf(diagram_.root, distances, rule, world);
+      if (distance < best.distance) {
+        best = {distance, Walk(distances, rule, world), rule.promised};
+      }
+    }
+    return best;
+  }
+
+ private:
+  struct Leaf {
+    Verdict verdict;
+    std::vector<BitWord> marks;
+    bool operator==(const Leaf&) const = default;
+  };
+
+  std::vector<Mark> Place(const std::vector<Promise>& promises) {
+    std::vector<Mark> marks;
+    for (std::size_t i = 0; i < promises.size(); ++i) {
+      for (const PromiseRule& rule : promises[i].rules) {
+        if (rule.direction.value_or(key_.direction) != key_.direction ||
+            rule.ipVersion.value_or(key_.ipVersion) != key_.ipVersion) {
+          continue;
+        }
+        PlacedRule placed{i, rule.promised, marks.size(), {}};
+        marks.push_back(rule.connections);
+        for (const Mark& exception : rule.exceptions) {
+          placed.exceptions.push_back(marks.size());
+          marks.push_back(exception);
+        }
+        rules_.push_back(std::move(placed));
+      }
+    }
+    return marks;
+  }
+
+  /// The number of the leaf just added, or of its like.
+  std::size_t LeafNumber() {
+    const auto same = std::ranges::find(leaves_, leaves_.back());
+    if (same != std::prev(leaves_.end())) {
+      leaves_.pop_back();
+    }
+    return static_cast<std::size_t>(same - leaves_.begin());
+  }
+
+  void CollectClasses() {
+    const Connection ordinary = OrdinaryConnection(key_.direction, key_.ipVersion);
+    for (std::size_t level = 0; level < diagram_.levels.size(); ++level) {
+      const Diagram::Level& merged = diagram_.levels[level];
+      std::vector<ValueClass>& classes = classes_.emplace_back();
+      for (std::size_t i = 0; i < merged.classCount; ++i) {
+        std::vector<bool> signatures;
+        std::ranges::transform(merged.classOf, std::back_inserter(signatures),
+                               [i](std::size_t ofSignature) { return ofSignature == i; });
+        classes.push_back(section_.Tables()[level]->Collect(signatures, ordinary));
+      }
+    }
+  }
+
+  static bool Speaks(const PlacedRule& rule, const Leaf& leaf) {
+    return HasBit(leaf.marks.data(), rule.connections) &&
+           std::ranges::none_of(rule.exceptions,
+                                [&leaf](std::size_t mark) { return HasBit(leaf.marks.data(), mark); });
+  }
+
+  static const WorldSet& Allowed(const PlacedRule& rule, const Leaf& leaf) {
+    return rule.promised == Action::Permit ? leaf.verdict.Permits() : leaf.verdict.Blocks();
+  }
+
+  /// How far a class of values is from the ordinary.
+  std::size_t DistanceOf(std::size_t level, const ValueClass& values) const {
+    constexpr std::size_t kOther = 1;
+    constexpr std::size_t kUnset = 3;
+    if (!values.exampleNumber && !values.exampleApplication) {
+      return kUnset;
+    }
+    const Connection ordinary = OrdinaryConnection(key_.direction, key_.ipVersion);
+    Connection connection = ordinary;
+    SetExample(level, values, connection);
+    return connection == ordinary ? 0 : kOther;
+  }
+
+  void SetExample(std::size_t level, const ValueClass& values, Connection& connection) const {
+    SetValue(section_.Tables()[level]->GetField(), values, connection);
+  }
+
+  static void SetValue(Field field, const ValueClass& values, Connection& connection);
+
+  std::size_t DistanceOf(MapTarget target, const std::vector<std::size_t>& distances, const PlacedRule& rule,
+                         World world) const {
+    if (!target.isVerdict) {
+      return distances[target.index];
+    }
+    const Leaf& leaf = leaves_[target.index];
+    return Speaks(rule, leaf) && !Allowed(rule, leaf)[world.Index()] ? 0 : kNoWay;
+  }
+
+  std::size_t DistanceBy(const MapNode& node, std::size_t valueClass,
+                         const std::vector<std::size_t>& distances, const PlacedRule& rule,
+                         World world) const {
+    const std::size_t rest = DistanceOf(node.targets[valueClass], distances, rule, world);
+    return rest == kNoWay ? kNoWay : rest + DistanceOf(node.field, classes_[node.field][valueClass]);
+  }
+
+  /// Of each node, to the nearest connection that breaks the rule.
+  std::vector<std::size_t> Distances(const PlacedRule& rule, World world) const {
+    std::vector<std::size_t> distances;
+    for (const MapNode& node : diagram_.nodes) {
+      std::size_t least = kNoWay;
+      for (std::size_t i = 0; i < node.targets.size(); ++i) {
+        least = std::min(least, DistanceBy(node, i, distances, rule, world));
+      }
+      distances.push_back(least);
+    }
+    return distances;
+  }
+
+  Connection Walk(const std::vector<std::size_t>& distances, const PlacedRule& rule, World world) const {
+    Connection connection = OrdinaryConnection(key_.direction, key_.ipVersion);
+    for (MapTarget target = diagram_.root; !target.isVerdict;) {
+      const MapNode& node = diagram_.nodes[target.index];
+      std::size_t nearest = 0;
+      while (DistanceBy(node, nearest, distances, rule, world) != distances[target.index]) {
+        ++nearest;
+      }
+      SetExample(node.field, classes_[node.field][nearest], connection);
+      target = node.targets[nearest];
+    }
+    return connection;
+  }
+
+  SectionKey key_;
+  std::vector<PlacedRule> rules_;
+  std::vector<Mark> marks_;
+  Section section_;
+  std::vector<Leaf> leaves_;
+  Diagram diagram_;
+  std::vector<std::vector<ValueClass>> classes_;  ///< by level
+};
+
+template <class Plain>
+void SetNumber(std::optional<Plain>& value, const std::optional<Number>& number) {
+  value = number ? std::optional(static_cast<Plain>(number->low)) : std::nullopt;
+}
+
+void ProofSection::SetValue(Field field, const ValueClass& values, Connection& connection) {
+  const std::optional<Number>& number = values.exampleNumber;
+  switch (field) {
+    case Field::Flags:
+      return SetNumber(connection.flags, number);
+    case Field::LocalInterface:
+      return SetNumber(connection.localInterface, number);
+    case Field::ArrivalInterface:
+      return SetNumber(connection.arrivalInterface, number);
+    case Field::NextHopInterface:
+      return SetNumber(connection.nextHopInterface, number);
+    case Field::Application:
+      connection.application = values.exampleApplication;
+      return;
+    case Field::Protocol:
+      return SetNumber(connection.protocol, number);
+    case Field::LocalPort:
+      return SetNumber(connection.localPort, number);
+    case Field::RemotePort:
+      return SetNumber(connection.remotePort, number);
+    case Field::LocalAddress:
+      connection.localAddress = number;
+      return;
+    case Field::RemoteAddress:
+      connection.remoteAddress = number;
+  }
+}
+
+Keeping KeepingIn(const WorldSet& worlds) {
+  return worlds.all() ? Keeping::Holds : worlds.any() ? Keeping::Conditional : Keeping::Broken;
+}
+
+World FirstOutside(const WorldSet& worlds) {
+  std::size_t index = 0;
+  while (worlds[index]) {
+    ++index;
+  }
+  return World::OfIndex(index);
+}
+
+void AddCounterexample(const std::deque<ProofSection>& sections, std::size_t promise, const Decider& decider,
+                       PromiseResult& result) {
+  const World world = FirstOutside(result.worlds);
+  ProofSection::Counterexample best;
+  for (const ProofSection& section : sections) {
+    const auto found = section.FindCounterexample(promise, world);
+    best = found.distance < best.distance ? found : best;
+  }
+  result.counterexample = decider.Explain(best.connection, world);
+  result.promised = best.promised;
+}
+
+}  // namespace
+
+std::string_view KeepingText(Keeping keeping) {
+  switch (keeping) {
+    case Keeping::Holds:
+      return "holds";
+    case Keeping::Conditional:
+      return "holds only under a reading";
+    case Keeping::Broken:
+      break;
+  }
+  return "broken";
+}
+
+std::vector<PromiseResult> Prove(const Snapshot& snapshot, const Features& features) {
+  const std::vector<Promise> promises = PromisesOf(features);
+  std::deque<ProofSection> sections;
+  for (const SectionKey& key : kSectionKeys) {
+    sections.emplace_back(snapshot, key, promises);
+  }
+  const Decider decider(snapshot);
+  std::vector<PromiseResult> results;
+  for (std::size_t i = 0; i < promises.size(); ++i) {
+    PromiseResult result{promises[i].feature, promises[i].name, promises[i].sentence, {}, {}, {}, {}};
+    result.worlds.set();
+    for (const ProofSection& section : sections) {
+      result.worlds &= section.WorldsOf(i);
+    }
+    result.keeping = KeepingIn(result.worlds);
+    if (result.keeping != Keeping::Holds) {
+      AddCounterexample(sections, i, decider, result);
+    }
+    results.push_back(std::move(result));
+  }
+  return results;
+}
+
+std::string Describe(const PromiseResult& result, const Labels& labels) {
+  std::string text = result.name + " (" + result.feature + "): " + std::string(KeepingText(result.keeping)) +
+                     "\n  " + result.sentence + '\n';
+  if (result.keeping == Keeping::Conditional) {
+    for (const std::vector<Choice>& choices : Alternatives(result.worlds)) {
+      text += "  holds with " + Describe(choices) + '\n';
+    }
+  }
+  if (result.counterexample) {
+    text += "  promised " + std::string(ActionText(*result.promised)) + ", but:\n  " +
+            Describe(*result.counterexample, labels);
+  }
+  return text;
+}
+
+}  // namespace Policy

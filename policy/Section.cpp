@@ -1,0 +1,319 @@
+#include "policy/Section.h"
+
+#include <algorithm>
+#include <map>
+#include <string_view>
+
+#include "catalog/Guid.h"
+
+namespace Policy {
+namespace {
+
+using Catalog::operator""_guid;
+
+/// By direction and IP version, in the order of kSectionKeys.
+constexpr std::array<std::array<GUID, 2>, 4> kLayers{{
+    {"c38d57d1-05a7-4c33-904f-7fbceee60e82"_guid, "af80470a-5596-4c13-9992-539e6fe57967"_guid},
+    {"4a72393b-319f-44bc-84c3-ba54dcb3b6b4"_guid, "7021d2b3-dfa4-406e-afeb-6afaf7e70efd"_guid},
+    {"e1cd9fe7-f4b5-4273-96c0-592e487b8650"_guid, "af80470a-5596-4c13-9992-539e6fe57967"_guid},
+    {"a3b42c97-9f04-4672-b87e-cee9c483257f"_guid, "7021d2b3-dfa4-406e-afeb-6afaf7e70efd"_guid},
+}};
+
+struct NamedField {
+  std::string_view name;
+  Field field;
+};
+constexpr NamedField kFields[]{
+    {"FLAGS", Field::Flags},
+    {"IP_LOCAL_INTERFACE", Field::LocalInterface},
+    {"IP_ARRIVAL_INTERFACE", Field::ArrivalInterface},
+    {"IP_NEXTHOP_INTERFACE", Field::NextHopInterface},
+    {"ALE_APP_ID", Field::Application},
+    {"IP_PROTOCOL", Field::Protocol},
+    {"IP_LOCAL_PORT", Field::LocalPort},
+    {"IP_REMOTE_PORT", Field::RemotePort},
+    {"IP_LOCAL_ADDRESS", Field::LocalAddress},
+    {"IP_REMOTE_ADDRESS", Field::RemoteAddress},
+};
+
+/// Whether a condition on DIRECTION holds; none if it cannot be told.
+std::optional<bool> HoldsOfDirection(const Test& test, Direction direction) {
+  const Number number = direction == Direction::Outbound ? 0 : 1;
+  switch (test.kind) {
+    case Test::Kind::InInterval:
+      return (test.interval.first <= number && number <= test.interval.last) != test.negated;
+    case Test::Kind::Unset:
+      return false;
+    default:
+      return std::nullopt;
+  }
+}
+
+const Test kUnreadableTest;
+
+bool TestsFlags(const Test& test) {
+  return test.kind == Test::Kind::AllSet || test.kind == Test::Kind::AnySet ||
+         test.kind == Test::Kind::NoneSet;
+}
+
+/// What conditions on fields that do not vary within a section make of a filter.
+enum class Certainty { Holds, InDoubt, Fails };
+
+Certainty CertaintyOf(const std::vector<const Condition*>& conditions, Direction direction) {
+  const auto isNegated = [](const Condition* condition) { return condition->test.negated; };
+  const bool severalNegations = std::ranges::count_if(conditions, isNegated) > 1;
+  Certainty certainty = Certainty::Fails;
+  for (const Condition* condition : conditions) {
+    const bool isDirection = condition->field != nullptr && condition->field->name == "DIRECTION";
+    const auto holds =
+        isDirection && !severalNegations ? HoldsOfDirection(condition->test, direction) : std::nullopt;
+    if (holds.value_or(false)) {
+      return Certainty::Holds;
+    }
+    certainty = holds ? certainty : Certainty::InDoubt;
+  }
+  return certainty;
+}
+
+bool DependsOnUnset(const Test& test) { return test.negated || TestsFlags(test); }
+
+}  // namespace
+
+std::optional<Field> ModelledField(const Condition& condition) {
+  if (condition.field != nullptr) {
+    const auto found = std::ranges::find(kFields, condition.field->name, &NamedField::name);
+    if (found != std::end(kFields)) {
+      return found->field;
+    }
+  }
+  return std::nullopt;
+}
+
+Section::Section(const Snapshot& snapshot, SectionKey key, std::span<const Mark> marks) : key_(key) {
+  AddLayers(snapshot);
+  GroupsByField groups;
+  AddMarks(marks, groups);
+  for (std::size_t layer = 0; layer < layers_.size(); ++layer) {
+    const auto& filters = layers_[layer].Filters();
+    for (std::size_t i = 0; i < filters.size(); ++i) {
+      AddGroups(*filters[i], BitOf(layer, i), groups);
+    }
+  }
+  ChoosePlanes(groups);
+  MakeBase(marks.size());
+  for (std::size_t i = 0; i < kFieldCount; ++i) {
+    if (!groups[i].empty()) {
+      tables_.push_back(
+          FieldTable::Make(static_cast<Field>(i), key.ipVersion, layout_, std::move(groups[i])));
+    }
+  }
+}
+
+void Section::AddLayers(const Snapshot& snapshot) {
+  for (const GUID& layer : kLayers[SectionIndex(key_.direction, key_.ipVersion)]) {
+    layerAt_.push_back(layout_.filterWords);
+    layers_.emplace_back(snapshot, *Catalog::FindLayer(layer));
+    layout_.filterWords += layers_.back().WordCount();
+  }
+}
+
+std::size_t Section::BitOf(std::size_t layer, std::size_t filter) const {
+  return layerAt_[layer] * kBitsPerWord + filter;
+}
+
+void Section::AddGroups(const Filter& filter, std::size_t bit, GroupsByField& groups) {
+  std::map<std::string_view, std::vector<const Condition*>> fixed;
+  for (const Condition& condition : filter.conditions) {
+    const std::optional<Field> field = ModelledField(condition);
+    if (!field) {
+      const std::string_view name = condition.field == nullptr ? "" : condition.field->name;
+      fixed[name].push_back(&condition);
+      continue;
+    }
+    AddTest(bit, *field, condition.test, groups);
+  }
+  bool inDoubt = Arbitration::IsCallout(filter);
+  for (const auto& [name, conditions] : fixed) {
+    const Certainty certainty = CertaintyOf(conditions, key_.direction);
+    inDoubt = inDoubt || certainty == Certainty::InDoubt;
+    if (certainty == Certainty::Fails) {
+      impossible_.push_back(bit);
+    }
+  }
+  if (inDoubt) {
+    doubtful_.push_back(bit);
+  }
+}
+
+void Section::AddTest(std::size_t bit, Field field, const Test& test, GroupsByField& groups) {
+  auto& ofField = groups[static_cast<std::size_t>(field)];
+  if (ofField.empty() || ofField.back().isMark || ofField.back().bit != bit) {
+    ofField.push_back({bit, false, false, {}});
+  }
+  testsOfFlags_.push_back(&test);
+  const bool isReadable = FieldTable::CanJudge(field, test) &&
+                          (field != Field::Flags || FieldTable::CanJudge(field, testsOfFlags_));
+  if (field != Field::Flags || !isReadable) {
+    testsOfFlags_.pop_back();
+  }
+  ofField.back().tests.push_back(isReadable ? &test : &kUnreadableTest);
+}
+
+void Section::AddMarks(std::span<const Mark> marks, GroupsByField& groups) {
+  layout_.markWords = WordsFor(marks.size());
+  for (std::size_t i = 0; i < marks.size(); ++i) {
+    for (const auto& [field, tests, isExcluded] : marks[i].fields) {
+      TestGroup group{i, true, isExcluded, {}};
+      for (const Test& test : tests) {
+        group.tests.push_back(&test);
+        if (field == Field::Flags) {
+          testsOfFlags_.push_back(&test);
+        }
+      }
+      groups[static_cast<std::size_t>(field)].push_back(std::move(group));
+    }
+  }
+}
+
+/// Only what some filter depends on doubles the planes.
+void Section::ChoosePlanes(const GroupsByField& groups) {
+  std::size_t negations = 1;
+  std::size_t unset = 1;
+  std::size_t loopback = 1;
+  layout_.hasDoubt = !doubtful_.empty();
+  for (std::size_t field = 0; field < kFieldCount; ++field) {
+    for (const TestGroup& group : groups[field]) {
+      if (group.isMark) {
+        continue;
+      }
+      const auto isNegated = [](const Test* test) { return test->negated; };
+      const auto dependsOnUnset = [](const Test* test) { return DependsOnUnset(*test); };
+      negations = std::ranges::count_if(group.tests, isNegated) > 1 ? 2 : negations;
+      unset = std::ranges::any_of(group.tests, dependsOnUnset) ? 2 : unset;
+      loopback = static_cast<Field>(field) == Field::Flags ? 2 : loopback;
+      layout_.hasDoubt =
+          layout_.hasDoubt || std::ranges::find(group.tests, &kUnreadableTest) != group.tests.end();
+    }
+  }
+  layout_.planes.resize(negations * unset * loopback);
+  worldsOfPlane_.resize(layout_.planes.size());
+  for (std::size_t index = 0; index < World::kCount; ++index) {
+    const World world = World::OfIndex(index);
+    const std::size_t ofNegations = world.ReadingOf(Assumption::SeveralNegations) % negations;
+    const std::size_t ofUnset = world.ReadingOf(Assumption::UnsetFields) % unset;
+    const std::size_t ofLoopback = world.ReadingOf(Assumption::LoopbackBits) % loopback;
+    const std::size_t plane = (ofNegations * unset + ofUnset) * loopback + ofLoopback;
+    layout_.planes[plane] = {ofNegations == 1, ofUnset == 1, ofLoopback == 1};
+    worldsOfPlane_[plane][index] = true;
+    planeOfWorld_.push_back(plane);
+  }
+}
+
+void Section::MakeBase(std::size_t marks) {
+  base_.assign(layout_.Width(), 0);
+  const auto setInPlanes = [this](std::size_t bit, bool sure, bool perhaps) {
+    for (std::size_t plane = 0; plane < layout_.planes.size(); ++plane) {
+      BitWord* words = base_.data() + plane * layout_.PlaneWords();
+      SetBit(words, bit, sure);
+      if (layout_.hasDoubt) {
+        SetBit(words + layout_.filterWords, bit, perhaps);
+      }
+    }
+  };
+  for (std::size_t layer = 0; layer < layers_.size(); ++layer) {
+    for (std::size_t i = 0; i < layers_[layer].Filters().size(); ++i) {
+      setInPlanes(BitOf(layer, i), true, true);
+    }
+  }
+  for (const std::size_t bit : doubtful_) {
+    setInPlanes(bit, false, true);
+  }
+  for (const std::size_t bit : impossible_) {
+    setInPlanes(bit, false, false);
+  }
+  for (std::size_t i = 0; i < marks; ++i) {
+    SetBit(base_.data() + layout_.MarksAt(), i);
+  }
+}
+
+void Section::Read(const Connection& connection, BitWord* state) const {
+  const std::size_t width = layout_.Width();
+  std::copy_n(base_.data(), width, state);
+  for (const auto& table : tables_) {
+    const BitWord* signature = table->Signatures()[table->SignatureOf(connection)];
+    for (std::size_t i = 0; i < width; ++i) {
+      state[i] &= signature[i];
+    }
+  }
+}
+
+Section::Matching Section::MatchingIn(World world, std::size_t layer, const BitWord* state) const {
+  return MatchingIn(planeOfWorld_[world.Index()], layer, state);
+}
+
+Section::Matching Section::MatchingIn(std::size_t plane, std::size_t layer, const BitWord* state) const {
+  const BitWord* sure = state + plane * layout_.PlaneWords() + layerAt_[layer];
+  return {sure, layout_.hasDoubt ? sure + layout_.filterWords : sure};
+}
+
+/// The action where neither doubt nor an assumption can make a difference.
+std::optional<Action> Section::DecideSurely(const BitWord* state) const {
+  std::optional<Action> action;
+  for (std::size_t plane = 0; plane < layout_.planes.size(); ++plane) {
+    const BitWord* sure = state + plane * layout_.PlaneWords();
+    if (plane > 0 && std::equal(sure, sure + layout_.PlaneWords(), state)) {
+      continue;
+    }
+    if (layout_.hasDoubt && !std::equal(sure, sure + layout_.filterWords, sure + layout_.filterWords)) {
+      return std::nullopt;
+    }
+    Action ofPlane = Action::Permit;
+    for (std::size_t layer = 0; layer < layers_.size(); ++layer) {
+      const auto ofLayer = layers_[layer].DecideSurely(sure + layerAt_[layer]);
+      if (!ofLayer) {
+        return std::nullopt;
+      }
+      ofPlane = std::min(ofPlane, *ofLayer);
+    }
+    if (action.value_or(ofPlane) != ofPlane) {
+      return std::nullopt;
+    }
+    action = ofPlane;
+  }
+  return action;
+}
+
+Verdict Section::Decide(const BitWord* state) const {
+  if (const auto action = DecideSurely(state)) {
+    return Verdict(*action);
+  }
+  return Both(DecideLayer(0, state), DecideLayer(1, state));
+}
+
+Verdict Section::DecideLayer(std::size_t layer, const BitWord* state) const {
+  const std::size_t words = layers_[layer].WordCount();
+  const auto isSame = [&](std::size_t left, std::size_t right) {
+    const Matching one = MatchingIn(left, layer, state);
+    const Matching other = MatchingIn(right, layer, state);
+    return std::equal(one.sure, one.sure + words, other.sure) &&
+           std::equal(one.perhaps, one.perhaps + words, other.perhaps);
+  };
+  Verdict verdict;
+  WorldSet done;
+  for (std::size_t plane = 0; plane < layout_.planes.size(); ++plane) {
+    // Planes in which the same filters match are decided at once.
+    WorldSet worlds;
+    for (std::size_t other = plane; other < layout_.planes.size(); ++other) {
+      worlds |= isSame(plane, other) ? worldsOfPlane_[other] : WorldSet();
+    }
+    worlds &= ~done;
+    if (worlds.any()) {
+      const auto [sure, perhaps] = MatchingIn(plane, layer, state);
+      layers_[layer].Decide(sure, perhaps, worlds, verdict);
+      done |= worlds;
+    }
+  }
+  return verdict;
+}
+
+}  // namespace Policy

@@ -1,0 +1,106 @@
+/**
+ * @file
+ * The filters that connections of one direction and IP version meet, made ready to decide.
+ */
+#pragma once
+
+#include <array>
+#include <memory>
+#include <span>
+#include <vector>
+
+#include "policy/Arbitration.h"
+#include "policy/Connection.h"
+#include "policy/FieldTable.h"
+#include "policy/Snapshot.h"
+#include "policy/Verdict.h"
+
+namespace Policy {
+
+/// Connections that are asked about, besides what filters say of them: all tests on different fields hold, of
+/// those on one field one.
+struct Mark {
+  struct FieldTests {
+    Field field;
+    std::vector<Test> tests;
+    bool isExcluded = false;  ///< none of the tests may hold
+  };
+  std::vector<FieldTests> fields;
+};
+
+/// The field of connections that a condition tests; none if connections do not have it.
+std::optional<Field> ModelledField(const Condition& condition);
+
+/// The sections of a map, in its order.
+struct SectionKey {
+  Direction direction;
+  IpVersion ipVersion;
+};
+inline constexpr std::array kSectionKeys{
+    SectionKey{Direction::Outbound, IpVersion::V4}, SectionKey{Direction::Outbound, IpVersion::V6},
+    SectionKey{Direction::Inbound, IpVersion::V4}, SectionKey{Direction::Inbound, IpVersion::V6}};
+constexpr std::size_t SectionIndex(Direction direction, IpVersion ipVersion) {
+  return (direction == Direction::Outbound ? 0U : 2U) + (ipVersion == IpVersion::V4 ? 0U : 1U);
+}
+
+/// Two layers, one after the other, and the tables of the fields that their filters test. The state of a
+/// connection is what StateLayout says: which filters match it, and which marks it bears.
+class Section {
+ public:
+  /// @param snapshot, marks must outlive the section.
+  Section(const Snapshot& snapshot, SectionKey key, std::span<const Mark> marks = {});
+  Section(const Section&) = delete;
+  Section& operator=(const Section&) = delete;
+
+  SectionKey Key() const { return key_; }
+  const StateLayout& Layout() const { return layout_; }
+  const std::vector<Arbitration>& Layers() const { return layers_; }
+  /// In the order of enum Field; only fields that something tests.
+  const std::vector<std::unique_ptr<FieldTable>>& Tables() const { return tables_; }
+  /// The state before any field is looked at.
+  const std::vector<BitWord>& BaseState() const { return base_; }
+
+  /// The state of a connection.
+  /// @param state has room for Layout().Width() words.
+  void Read(const Connection& connection, BitWord* state) const;
+
+  /// The verdict of a state.
+  Verdict Decide(const BitWord* state) const;
+  /// The verdict of one layer.
+  Verdict DecideLayer(std::size_t layer, const BitWord* state) const;
+
+  /// The filters of a layer that match in a world: surely, and perhaps.
+  struct Matching {
+    const BitWord* sure;
+    const BitWord* perhaps;
+  };
+  Matching MatchingIn(World world, std::size_t layer, const BitWord* state) const;
+  /// The same by the number of a plane.
+  Matching MatchingIn(std::size_t plane, std::size_t layer, const BitWord* state) const;
+
+ private:
+  using GroupsByField = std::array<std::vector<TestGroup>, kFieldCount>;
+
+  void AddLayers(const Snapshot& snapshot);
+  void AddGroups(const Filter& filter, std::size_t bit, GroupsByField& groups);
+  void AddTest(std::size_t bit, Field field, const Test& test, GroupsByField& groups);
+  void AddMarks(std::span<const Mark> marks, GroupsByField& groups);
+  void ChoosePlanes(const GroupsByField& groups);
+  void MakeBase(std::size_t marks);
+  std::size_t BitOf(std::size_t layer, std::size_t filter) const;
+  std::optional<Action> DecideSurely(const BitWord* state) const;
+
+  SectionKey key_;
+  StateLayout layout_;
+  std::vector<Arbitration> layers_;
+  std::vector<std::size_t> layerAt_;  ///< first word of each layer's filters
+  std::vector<const Test*> testsOfFlags_;
+  std::vector<std::size_t> impossible_;  ///< bits of filters that no connection of the section meets
+  std::vector<std::size_t> doubtful_;    ///< bits of filters that match only perhaps
+  std::vector<WorldSet> worldsOfPlane_;
+  std::vector<std::size_t> planeOfWorld_;
+  std::vector<BitWord> base_;
+  std::vector<std::unique_ptr<FieldTable>> tables_;
+};
+
+}  // namespace Policy

@@ -1,0 +1,112 @@
+/**
+ * @file
+ * The sublayers and filters of a filtering engine, decoded.
+ */
+#pragma once
+
+#include <WfpPlatform.h>
+
+#include <optional>
+#include <stdexcept>
+#include <string>
+#include <vector>
+
+#include "catalog/Fields.h"
+#include "catalog/Layers.h"
+#include "policy/EngineCalls.h"
+#include "policy/Number.h"
+
+namespace Policy {
+
+/// What a condition asks of a value.
+struct Test {
+  enum class Kind {
+    Unreadable,  ///< only the engine can tell, if at all: perhaps it holds
+    Unset,       ///< there is no value
+    InInterval,  ///< a number from interval.first to interval.last
+    AllSet,      ///< every bit of interval.first
+    AnySet,      ///< some bit of interval.first
+    NoneSet,     ///< no bit of interval.first
+    IsBytes,     ///< data equal to `bytes`
+    EndsWith,    ///< data that end with `bytes`, terminators left aside
+  };
+
+  Kind kind = Kind::Unreadable;
+  bool negated = false;
+  Interval interval;
+  std::string bytes;
+
+  bool operator==(const Test&) const = default;
+};
+
+/// A condition of a filter.
+struct Condition {
+  GUID fieldKey;
+  const Catalog::Field* field;  ///< null if the catalogue has none of that key
+  FWP_MATCH_TYPE match;
+  FWP_DATA_TYPE type;  ///< of the value
+  Test test;
+  std::string text;  ///< "IP_REMOTE_PORT NOT_EQUAL UINT16 53"
+};
+
+struct Sublayer {
+  GUID key;
+  std::string name;
+  UINT16 weight;
+  bool listed = true;  ///< false: filters name it, but the engine does not show it; its weight is a guess
+};
+
+struct Filter {
+  UINT64 id;
+  GUID key;
+  std::string name;
+  std::optional<GUID> providerKey;
+  GUID layerKey;
+  GUID sublayerKey;
+  FWP_ACTION_TYPE action;
+  UINT32 flags;            ///< FWPM_FILTER_FLAG_*
+  UINT64 effectiveWeight;  ///< as the engine reports it
+  bool automaticWeight;    ///< the engine chose the weight's low 60 bits
+  std::vector<Condition> conditions;
+
+  /// Whether static filters of lower sublayers cannot change what this one decides.
+  bool IsHard() const;
+};
+
+/// "filter 12 \"Name\"": how texts refer to a filter.
+std::string Describe(const Filter& filter);
+
+/// What an engine holds, by descending weight (sublayers) and ascending id (filters). Every filter's sublayer
+/// is among them.
+struct Snapshot {
+  std::vector<Sublayer> sublayers;
+  std::vector<Filter> filters;
+};
+
+/// Sorts what was found, and adds sublayers that filters name, but that were not found, as not listed.
+Snapshot MakeSnapshot(std::vector<Sublayer> sublayers, std::vector<Filter> filters);
+
+/// A call to the engine that failed.
+class SnapshotError : public std::runtime_error {
+ public:
+  /// @param function such as "FwpmEngineOpen0".
+  SnapshotError(DWORD code, const std::string& function);
+  DWORD Code() const { return code_; }
+
+ private:
+  DWORD code_;
+};
+
+/// Reads what the caller may see of an engine, in one read-only transaction. Changes nothing.
+/// @throws SnapshotError with the engine's code: ERROR_ACCESS_DENIED when rights are missing.
+Snapshot ReadEngine(const EngineCalls& engine);
+
+/// A condition of a filter at a layer. What it cannot make sense of, it gives as unreadable: counts and
+/// sizes may be any, pointers must be null or valid.
+/// @param layer null for one that the catalogue does not have.
+Condition Decode(const FWPM_FILTER_CONDITION0& condition, const Catalog::Layer* layer);
+/// A filter; its texts and conditions as above.
+Filter Decode(const FWPM_FILTER0& filter);
+Sublayer Decode(const FWPM_SUBLAYER0& sublayer);
+
+}  // namespace Policy

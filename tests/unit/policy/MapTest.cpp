@@ -1,0 +1,175 @@
+#include "policy/Map.h"
+
+#include "policy/Promises.h"
+#include "unit/policy/PolicyTest.h"
+
+namespace {
+
+using Policy::Features;
+using Policy::Map;
+using testing::HasSubstr;
+using testing::SizeIs;
+using testing::StartsWith;
+
+class MapTest : public PolicyTest {
+ protected:
+  static std::string MapText(const Policy::Labels& labels = {}, Policy::MapTextOptions options = {}) {
+    const Policy::Snapshot snapshot = Read();
+    return Policy::Describe(Policy::MakeMap(snapshot), labels, options);
+  }
+};
+
+TEST_F(MapTest, WithoutFiltersEverySectionIsOneVerdict) {
+  EXPECT_EQ(MapText(),
+            "outbound IPv4: permit\noutbound IPv6: permit\ninbound IPv4: permit\ninbound IPv6: permit\n");
+}
+
+TEST_F(MapTest, ValuesThatBehaveAlikeAreOneClass) {
+  Install(1, R"(
+ALE_AUTH_CONNECT_V4 | PERMIT | UINT8 2 | - | IP_REMOTE_ADDRESS EQUAL V4_ADDR_MASK 10.0.0.0/255.0.0.0 & IP_REMOTE_PORT NOT_EQUAL UINT16 53
+ALE_AUTH_CONNECT_V4 | PERMIT | UINT8 2 | - | IP_REMOTE_ADDRESS EQUAL V4_ADDR_MASK 192.168.0.0/255.255.0.0 & IP_REMOTE_PORT NOT_EQUAL UINT16 53
+ALE_AUTH_CONNECT_V4 | BLOCK | UINT8 1 | - | -
+)");
+  EXPECT_EQ(MapText(), R"(outbound IPv4:
+  remote port 53: block
+  remote port unset:
+    remote address 10.0.0.0/8, 192.168.0.0/16: depends (1)
+    otherwise: block
+  otherwise:
+    remote address 10.0.0.0/8, 192.168.0.0/16: permit
+    otherwise: block
+outbound IPv6: permit
+inbound IPv4: permit
+inbound IPv6: permit
+(1) depends on unset-fields: permit with unset-fields = match; block with unset-fields = no-match
+)");
+}
+
+TEST_F(MapTest, NeighbouringNetworksOfOneVerdictAreOneInterval) {
+  Install(1, R"(
+ALE_AUTH_CONNECT_V4 | BLOCK | UINT8 2 | - | IP_REMOTE_ADDRESS EQUAL V4_ADDR_MASK 10.0.0.0/255.128.0.0
+ALE_AUTH_CONNECT_V4 | BLOCK | UINT8 1 | - | IP_REMOTE_ADDRESS EQUAL V4_ADDR_MASK 10.128.0.0/255.128.0.0
+)");
+  EXPECT_THAT(MapText(),
+              StartsWith("outbound IPv4:\n  remote address 10.0.0.0/8: block\n  otherwise: permit\n"));
+}
+
+TEST_F(MapTest, AFieldThatMakesNoDifferenceIsLeftOut) {
+  Install(1, R"(
+ALE_AUTH_CONNECT_V4 | BLOCK | UINT8 2 | - | IP_PROTOCOL EQUAL UINT8 6
+ALE_AUTH_CONNECT_V4 | BLOCK | UINT8 1 | - | -
+)");
+  const Policy::Snapshot snapshot = Read();
+  const Map map = Policy::MakeMap(snapshot);
+  EXPECT_THAT(map.sections.at(0).fields, SizeIs(0));
+  EXPECT_THAT(map.sections.at(0).nodes, SizeIs(0));
+}
+
+TEST_F(MapTest, ClassesAreNamedByTheShorterWay) {
+  Install(1, "ALE_AUTH_CONNECT_V4 | BLOCK | UINT8 2 | - | IP_LOCAL_INTERFACE EQUAL UINT64 7");
+  const Policy::Snapshot snapshot = Read();
+  const Map map = Policy::MakeMap(snapshot, {{{7, "Tunnel"}}, {}});
+  ASSERT_THAT(map.sections.at(0).fields, SizeIs(1));
+  std::vector<std::string> texts;
+  for (const auto& values : map.sections.at(0).fields.front().classes) texts.push_back(values.text);
+  EXPECT_THAT(texts, testing::UnorderedElementsAre("Tunnel", "other than Tunnel"));
+}
+
+TEST_F(MapTest, AClassCarriesAnExampleOfItself) {
+  Install(1, R"(
+ALE_AUTH_CONNECT_V4 | BLOCK | UINT8 3 | - | IP_REMOTE_PORT EQUAL UINT16 53
+ALE_AUTH_CONNECT_V4 | BLOCK | UINT8 2 | - | ALE_APP_ID EQUAL BYTE_BLOB a.exe
+ALE_AUTH_CONNECT_V4 | BLOCK | UINT8 1 | - | IP_LOCAL_PORT EQUAL EMPTY
+)");
+  const Policy::Snapshot snapshot = Read();
+  const Map map = Policy::MakeMap(snapshot);
+  const auto& fields = map.sections.at(0).fields;
+  ASSERT_THAT(fields, SizeIs(3));
+  EXPECT_EQ(fields[0].classes[0].exampleApplication, Policy::ApplicationBytes("a.exe"));
+  EXPECT_EQ(fields[0].classes[1].exampleApplication, Policy::ApplicationBytes("other.exe"));
+  EXPECT_EQ(fields[1].classes[0].exampleNumber, Policy::Number(50000));
+  EXPECT_EQ(fields[1].classes[1].exampleNumber, std::nullopt);
+  EXPECT_EQ(fields[2].classes[0].exampleNumber, Policy::Number(443));
+  EXPECT_EQ(fields[2].classes[1].exampleNumber, Policy::Number(53));
+}
+
+TEST_F(MapTest, NodesComeAfterThoseThatTheyLeadTo) {
+  Features features;
+  features.killSwitch.emplace();
+  Install(features);
+  const Policy::Snapshot snapshot = Read();
+  const Map map = Policy::MakeMap(snapshot);
+  for (const Policy::MapSection& section : map.sections) {
+    for (std::size_t i = 0; i < section.nodes.size(); ++i) {
+      for (const Policy::MapTarget target : section.nodes[i].targets) {
+        EXPECT_TRUE(target.isVerdict || target.index < i);
+      }
+    }
+  }
+}
+
+TEST_F(MapTest, FlagsAreWordsAndPatternsOfTestedBits) {
+  Install(1, R"(
+ALE_AUTH_CONNECT_V4 | BLOCK | UINT8 2 | - | FLAGS EQUAL UINT32 5
+ALE_AUTH_CONNECT_V4 | BLOCK | UINT8 1 | - | FLAGS FLAGS_ALL_SET UINT32 2
+)");
+  EXPECT_THAT(MapText(), StartsWith("outbound IPv4:\n"
+                                    "  flags 0x00000005, others with IS_IPSEC_SECURED: block\n"
+                                    "  otherwise: permit\n"));
+}
+
+TEST_F(MapTest, EndingsOfApplicationsAreClasses) {
+  Install(1, R"(
+ALE_AUTH_CONNECT_V4 | PERMIT | UINT8 2 | - | ALE_APP_ID EQUAL BYTE_BLOB \x\a.exe
+ALE_AUTH_CONNECT_V4 | BLOCK | UINT8 1 | - | ALE_APP_ID PREFIX BYTE_BLOB a.exe
+)");
+  EXPECT_THAT(MapText(), StartsWith("outbound IPv4:\n"
+                                    "  application others ending in a.exe: block\n"
+                                    "  otherwise: permit\n"));
+}
+
+TEST_F(MapTest, LongListsCanBeCut) {
+  std::string filter = "ALE_AUTH_CONNECT_V4 | BLOCK | UINT8 2 | - | IP_REMOTE_PORT EQUAL UINT16 1";
+  for (const char* port : {"3", "5", "7", "9"})
+    filter += std::string(" & IP_REMOTE_PORT EQUAL UINT16 ") + port;
+  Install(1, filter);
+  EXPECT_THAT(MapText({}, {2}), HasSubstr("remote port 1, 3 and 3 more: block"));
+  EXPECT_THAT(MapText(), HasSubstr("remote port 1, 3, 5, 7, 9: block"));
+}
+
+TEST_F(MapTest, ATreeThatIsReachedTwiceStandsOnce) {
+  Install(1, R"(
+ALE_AUTH_CONNECT_V4 | BLOCK | UINT8 3 | - | IP_LOCAL_INTERFACE EQUAL UINT64 7 & IP_PROTOCOL EQUAL UINT8 6
+ALE_AUTH_CONNECT_V4 | BLOCK | UINT8 2 | - | IP_LOCAL_INTERFACE EQUAL UINT64 8
+ALE_AUTH_CONNECT_V4 | BLOCK | UINT8 2 | - | IP_REMOTE_PORT EQUAL UINT16 53
+)");
+  EXPECT_THAT(MapText(), StartsWith(R"(outbound IPv4:
+  interface 7:
+    protocol TCP: block
+    otherwise [1]:
+      remote port 53: block
+      otherwise: permit
+  interface 8: block
+  otherwise: as at [1]
+)"));
+}
+
+TEST_F(MapTest, TheKillSwitchReadsAsItsUserWouldSayIt) {
+  Features features;
+  features.killSwitch.emplace();
+  Install(features);
+  EXPECT_THAT(MapText(), HasSubstr(R"(  otherwise:
+    remote port 53:
+      remote address 127.0.0.0/8: permit
+      otherwise: block
+    remote port unset:
+      remote address 10.0.0.0/8, 172.16.0.0/12, 192.168.0.0/16, 239.255.255.250, 255.255.255.255: depends (3)
+      remote address 127.0.0.0/8: permit
+      otherwise: block
+    otherwise:
+      remote address 10.0.0.0/8, 127.0.0.0/8, 172.16.0.0/12, 192.168.0.0/16, 239.255.255.250, 255.255.255.255: permit
+      otherwise: block
+)"));
+}
+
+}  // namespace

@@ -1,0 +1,196 @@
+#include "unit/policy/NaiveMatching.h"
+
+#include <algorithm>
+
+#include "catalog/Describe.h"
+#include "catalog/Names.h"
+
+namespace {
+
+using Policy::Assumption;
+using Policy::Connection;
+using Policy::Direction;
+using Policy::Number;
+using Policy::World;
+
+Number Bytes(const UINT8* bytes) {
+  Number number;
+  for (int i = 0; i < 16; ++i) {
+    UINT64& half = i < 8 ? number.high : number.low;
+    half = half * 256 + bytes[i];
+  }
+  return number;
+}
+
+template <class Value>
+Number Plain(const Value& value) {
+  switch (value.type) {
+    case FWP_UINT8:
+      return value.uint8;
+    case FWP_UINT16:
+      return value.uint16;
+    case FWP_UINT32:
+      return value.uint32;
+    case FWP_UINT64:
+      return *value.uint64;
+    default:
+      return Bytes(value.byteArray16->byteArray16);
+  }
+}
+
+bool InNetwork(Number number, const FWP_CONDITION_VALUE0& value) {
+  if (value.type == FWP_V4_ADDR_MASK) {
+    return (number.low & value.v4AddrMask->mask) == (value.v4AddrMask->addr & value.v4AddrMask->mask);
+  }
+  const Number network = Bytes(value.v6AddrMask->addr);
+  for (int bit = 0; bit < value.v6AddrMask->prefixLength; ++bit) {
+    const int shift = 63 - bit % 64;
+    const UINT64 left = bit < 64 ? number.high : number.low;
+    const UINT64 right = bit < 64 ? network.high : network.low;
+    if ((left >> shift & 1) != (right >> shift & 1)) {
+      return false;
+    }
+  }
+  return true;
+}
+
+Matching Of(bool holds) { return holds ? Yes : No; }
+
+Matching CompareNumbers(const FWPM_FILTER_CONDITION0& condition, Number number) {
+  const FWP_CONDITION_VALUE0& value = condition.conditionValue;
+  if (value.type == FWP_V4_ADDR_MASK || value.type == FWP_V6_ADDR_MASK) {
+    return Of(InNetwork(number, value) == (condition.matchType == FWP_MATCH_EQUAL));
+  }
+  if (value.type == FWP_RANGE_TYPE) {
+    return Of(Plain(value.rangeValue->valueLow) <= number && number <= Plain(value.rangeValue->valueHigh));
+  }
+  const Number other = Plain(value);
+  switch (condition.matchType) {
+    case FWP_MATCH_EQUAL:
+      return Of(number == other);
+    case FWP_MATCH_NOT_EQUAL:
+      return Of(number != other);
+    case FWP_MATCH_GREATER:
+      return Of(number > other);
+    case FWP_MATCH_LESS:
+      return Of(number < other);
+    case FWP_MATCH_GREATER_OR_EQUAL:
+      return Of(number >= other);
+    case FWP_MATCH_LESS_OR_EQUAL:
+      return Of(number <= other);
+    case FWP_MATCH_FLAGS_ALL_SET:
+      return Of((number.low & other.low) == other.low);
+    case FWP_MATCH_FLAGS_ANY_SET:
+      return Of((number.low & other.low) != 0);
+    case FWP_MATCH_FLAGS_NONE_SET:
+      return Of((number.low & other.low) == 0);
+    default:
+      return Perhaps;
+  }
+}
+
+Matching CompareApplications(const FWPM_FILTER_CONDITION0& condition, const std::string& id) {
+  const FWP_BYTE_BLOB& blob = *condition.conditionValue.byteBlob;
+  const std::string other(blob.data, blob.data + blob.size);
+  switch (static_cast<int>(condition.matchType)) {
+    case 0:
+      return Of(id == other);
+    case 10:
+      return Of(id != other);
+    case 11:
+      return Of(id.ends_with(other));
+    case 12:
+      return Of(!id.ends_with(other));
+    default:
+      return Perhaps;
+  }
+}
+
+/// A connection's value, as a number or as bytes.
+struct Value {
+  bool known;  ///< whether connections have the field at all
+  std::optional<Number> number;
+  std::optional<std::string> bytes;
+};
+
+template <class T>
+Value Numeric(const std::optional<T>& value) {
+  return {true, value ? std::optional<Number>(*value) : std::nullopt, std::nullopt};
+}
+
+Value ValueOf(const std::string& field, const Connection& connection, World world) {
+  if (field == "FLAGS") {
+    const bool accompanied = connection.flags == UINT32{1} && Second(world, Assumption::LoopbackBits);
+    return Numeric(accompanied ? std::optional<UINT32>(0x00800001) : connection.flags);
+  }
+  if (field == "IP_LOCAL_INTERFACE") return Numeric(connection.localInterface);
+  if (field == "IP_PROTOCOL") return Numeric(connection.protocol);
+  if (field == "IP_LOCAL_PORT") return Numeric(connection.localPort);
+  if (field == "IP_REMOTE_PORT") return Numeric(connection.remotePort);
+  if (field == "IP_LOCAL_ADDRESS") return Numeric(connection.localAddress);
+  if (field == "IP_REMOTE_ADDRESS") return Numeric(connection.remoteAddress);
+  if (field == "ALE_APP_ID") return {true, std::nullopt, connection.application};
+  if (field == "DIRECTION") return Numeric(std::optional<UINT32>(connection.direction == Direction::Inbound));
+  return {false, std::nullopt, std::nullopt};
+}
+
+bool IsNegation(const FWPM_FILTER_CONDITION0& condition) {
+  return condition.matchType == FWP_MATCH_NOT_EQUAL || static_cast<int>(condition.matchType) == 12;
+}
+
+Matching Holds(const FWPM_FILTER_CONDITION0& condition, const Value& value, World world) {
+  if (!value.known) {
+    return Perhaps;
+  }
+  const bool isUnset = !value.number && !value.bytes;
+  if (condition.conditionValue.type == FWP_EMPTY) {
+    return Of(isUnset);
+  }
+  if (!isUnset) {
+    return value.number ? CompareNumbers(condition, *value.number)
+                        : CompareApplications(condition, *value.bytes);
+  }
+  const bool testsFlags = condition.matchType == FWP_MATCH_FLAGS_ALL_SET ||
+                          condition.matchType == FWP_MATCH_FLAGS_ANY_SET ||
+                          condition.matchType == FWP_MATCH_FLAGS_NONE_SET;
+  if (!Second(world, Assumption::UnsetFields)) {
+    return No;
+  }
+  return testsFlags ? CompareNumbers(condition, 0) : Of(IsNegation(condition));
+}
+
+/// Conditions on one field.
+Matching Holds(const std::vector<const FWPM_FILTER_CONDITION0*>& conditions, const Value& value,
+               World world) {
+  Matching best = No;
+  Matching worstNegation = Yes;
+  bool hasNegation = false;
+  for (const FWPM_FILTER_CONDITION0* condition : conditions) {
+    const Matching holds = Holds(*condition, value, world);
+    if (IsNegation(*condition) && Second(world, Assumption::SeveralNegations)) {
+      hasNegation = true;
+      worstNegation = std::min(worstNegation, holds);
+    } else {
+      best = std::max(best, holds);
+    }
+  }
+  return hasNegation ? std::max(best, worstNegation) : best;
+}
+
+}  // namespace
+
+NaiveFilter::NaiveFilter(const FWPM_FILTER0& native) : record(&native) {
+  for (UINT32 i = 0; i < native.numFilterConditions; ++i) {
+    OnField& field = fields[Catalog::FieldName(native.filterCondition[i].fieldKey)];
+    field.conditions.push_back(&native.filterCondition[i]);
+    field.text += Catalog::DescribeCondition(native.filterCondition[i]) + '|';
+  }
+}
+
+Matching Matches(const NaiveFilter& filter, const Connection& connection, World world) {
+  Matching matching = filter.IsCallout() ? Perhaps : Yes;
+  for (const auto& [field, mine] : filter.fields) {
+    matching = std::min(matching, Holds(mine.conditions, ValueOf(field, connection, world), world));
+  }
+  return matching;
+}

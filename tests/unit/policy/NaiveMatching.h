@@ -1,0 +1,40 @@
+/**
+ * @file
+ * Which filters match a connection, told once more, as simply as possible.
+ */
+#pragma once
+
+#include <WfpPlatform.h>
+
+#include <map>
+#include <string>
+#include <vector>
+
+#include "policy/Connection.h"
+#include "policy/Verdict.h"
+
+/// A filter's native record with what the engine made of it.
+struct NaiveFilter {
+  explicit NaiveFilter(const FWPM_FILTER0& native);
+
+  /// The conditions on one field.
+  struct OnField {
+    std::vector<const FWPM_FILTER_CONDITION0*> conditions;
+    std::string text;
+  };
+
+  bool IsCallout() const { return record->action.type == FWP_ACTION_CALLOUT_TERMINATING; }
+
+  const FWPM_FILTER0* record;
+  UINT64 effectiveWeight = 0;
+  std::map<std::string, OnField> fields;
+};
+
+enum Matching { No, Perhaps, Yes };
+
+Matching Matches(const NaiveFilter& filter, const Policy::Connection& connection, Policy::World world);
+
+/// Whether the second reading of an assumption is the world's.
+inline bool Second(Policy::World world, Policy::Assumption assumption) {
+  return world.ReadingOf(assumption) == 1;
+}

@@ -1,0 +1,84 @@
+/**
+ * @file
+ * What tests of policies have in common: filters in a fresh engine, and connections.
+ */
+#pragma once
+
+#include <gmock/gmock.h>
+#include <gtest/gtest.h>
+
+#include <optional>
+#include <string>
+
+#include "emulator/Control.h"
+#include "policy/Decide.h"
+#include "policy/Map.h"
+#include "support/EngineTest.h"
+#include "support/FilterText.h"
+#include "support/InstalledFeatures.h"
+#include "support/InstalledFilters.h"
+
+/// An engine that takes whatever the documentation does not forbid.
+class PolicyTest : public EngineTest {
+ protected:
+  void SetUp() override {
+    EngineTest::SetUp();
+    ExpectOutstandingMemory(0);
+    EngineEmulator::SetRules(EngineEmulator::LenientRules());
+    filters_.emplace();
+  }
+  void TearDown() override {
+    features_.reset();
+    filters_.reset();
+    EngineTest::TearDown();
+  }
+
+  /// A fresh engine again.
+  void SetUpAgain() {
+    PolicyTest::TearDown();
+    PolicyTest::SetUp();
+  }
+
+  void Install(UINT16 weight, const std::string& filters) { filters_->Install(L"Sublayer", weight, filters); }
+  /// The real rule sets; once in an engine.
+  void Install(const Policy::Features& features) {
+    features_.emplace(features);
+    // The list that the copy of application blocks points into stays allocated.
+    ExpectOutstandingMemory(features.leakProtection ? 1 : 0);
+  }
+
+  static Policy::Snapshot Read() { return Policy::ReadEngine(Policy::LinkedEngine()); }
+
+  /// The verdict of a connection in words, by decision; the map must agree.
+  static std::string VerdictOf(const Policy::Connection& connection) {
+    const Policy::Snapshot snapshot = Read();
+    const Policy::Verdict verdict = Policy::Decider(snapshot).Decide(connection);
+    EXPECT_EQ(Policy::MakeMap(snapshot).At(connection), verdict);
+    return Policy::Describe(verdict);
+  }
+
+ private:
+  std::optional<InstalledFilters> filters_;
+  std::optional<InstalledFeatures> features_;
+};
+
+/// An ordinary outbound connection to an address and port.
+inline Policy::Connection To(const std::string& address, UINT16 port = 443) {
+  const auto remote = Policy::ParseAddress(address);
+  Policy::Connection connection =
+      Policy::OrdinaryConnection(Policy::Direction::Outbound, remote.value().ipVersion);
+  connection.remoteAddress = remote.value().number;
+  connection.remotePort = port;
+  return connection;
+}
+
+/// An ordinary inbound connection from an address.
+inline Policy::Connection From(const std::string& address) {
+  Policy::Connection connection = To(address);
+  const Policy::Connection ordinary =
+      Policy::OrdinaryConnection(Policy::Direction::Inbound, connection.ipVersion);
+  connection.direction = ordinary.direction;
+  connection.arrivalInterface = ordinary.arrivalInterface;
+  connection.nextHopInterface = ordinary.nextHopInterface;
+  return connection;
+}

@@ -1,0 +1,273 @@
+#include "policy/Promises.h"
+
+#include <algorithm>
+
+#include "unit/policy/PolicyTest.h"
+
+namespace {
+
+using Policy::Features;
+using Policy::Keeping;
+using Policy::PromiseResult;
+using testing::Contains;
+using testing::ElementsAre;
+using testing::HasSubstr;
+
+/// The id of a file on drive C.
+std::string Application(const std::string& name) {
+  return Policy::ApplicationBytes("\\device\\harddiskvolume1\\" + name);
+}
+
+Features KillSwitchOnly() {
+  Features features;
+  features.killSwitch.emplace();
+  return features;
+}
+
+Features LeakProtectionOnly() {
+  Features features;
+  features.leakProtection = Features::LeakProtection{{7},
+                                                     0xCB007101,
+                                                     {0xCB007102, 0xCB007103},
+                                                     Application("dns.exe"),
+                                                     {Application("bad.exe")},
+                                                     {Application("bad.exe")}};
+  return features;
+}
+
+Features SkeinOnly() {
+  Features features;
+  features.skein = Features::Skein{{11}, {0x64400001, 0x64400002}};
+  return features;
+}
+
+class PromisesTest : public PolicyTest {
+ protected:
+  /// The promises of some features, whatever filters are installed: "name: state".
+  static std::vector<std::string> StatesOf(const Features& features) {
+    std::vector<std::string> states;
+    const Policy::Snapshot snapshot = Read();
+    for (const PromiseResult& result : Policy::Prove(snapshot, features)) {
+      std::string state(Policy::KeepingText(result.keeping));
+      if (result.keeping == Keeping::Conditional) {
+        state.clear();
+        for (const auto& choices : Policy::Alternatives(result.worlds)) {
+          state += (state.empty() ? "holds with " : " or ") + Policy::Describe(choices);
+        }
+      }
+      states.push_back(result.name + ": " + state);
+    }
+    return states;
+  }
+
+  static PromiseResult Find(const std::vector<PromiseResult>& results, const std::string& name) {
+    return *std::ranges::find(results, name, &PromiseResult::name);
+  }
+
+  void BlockEverything() {
+    std::string filters;
+    for (const char* layer : {"ALE_AUTH_CONNECT_V4", "ALE_AUTH_CONNECT_V6", "ALE_AUTH_RECV_ACCEPT_V4",
+                              "ALE_AUTH_RECV_ACCEPT_V6"}) {
+      filters += std::string(layer) + " | BLOCK | UINT8 1 | - | -\n";
+    }
+    Install(1, filters);
+  }
+};
+
+/// Every promise, by the features that make it, and whether it promises that something is blocked.
+struct Case {
+  const char* name;
+  Features features;
+  bool blocks;
+};
+
+std::vector<Case> Cases() {
+  Features exemptApplications = KillSwitchOnly();
+  exemptApplications.killSwitch->applications = {Application("a.exe")};
+  Features exemptInterfaces = KillSwitchOnly();
+  exemptInterfaces.killSwitch->interfaces = {5};
+  Features dhcp;
+  dhcp.dhcp = true;
+  Features localNetwork;
+  localNetwork.localNetworkBlock = true;
+  return {{"kill-switch-closes-outbound", KillSwitchOnly(), true},
+          {"kill-switch-closes-inbound", KillSwitchOnly(), true},
+          {"kill-switch-no-look-ups", KillSwitchOnly(), true},
+          {"kill-switch-loopback", KillSwitchOnly(), false},
+          {"kill-switch-local-network", KillSwitchOnly(), false},
+          {"kill-switch-exempt", exemptApplications, false},
+          {"kill-switch-exempt", exemptInterfaces, false},
+          {"dhcp-client", dhcp, false},
+          {"local-network-closed", localNetwork, true},
+          {"local-network-loopback", localNetwork, false},
+          {"local-network-look-ups", localNetwork, false},
+          {"leak-no-look-ups", LeakProtectionOnly(), true},
+          {"leak-name-application", LeakProtectionOnly(), false},
+          {"leak-closes", LeakProtectionOnly(), true},
+          {"leak-tunnel-open", LeakProtectionOnly(), false},
+          {"leak-permitted-addresses", LeakProtectionOnly(), false},
+          {"leak-server", LeakProtectionOnly(), false},
+          {"leak-local-network", LeakProtectionOnly(), false},
+          {"leak-loopback", LeakProtectionOnly(), false},
+          {"leak-blocked-applications", LeakProtectionOnly(), true},
+          {"skein-peers", SkeinOnly(), false},
+          {"skein-closed", SkeinOnly(), true}};
+}
+
+TEST_F(PromisesTest, AnOpenEngineKeepsWhatIsPromisedToPass) {
+  const Policy::Snapshot snapshot = Read();
+  for (const auto& [name, features, blocks] : Cases()) {
+    const PromiseResult result = Find(Policy::Prove(snapshot, features), name);
+    EXPECT_EQ(result.keeping, blocks ? Keeping::Broken : Keeping::Holds) << name;
+    EXPECT_EQ(result.counterexample.has_value(), blocks) << name;
+  }
+}
+
+TEST_F(PromisesTest, AClosedEngineKeepsWhatIsPromisedToBeBlocked) {
+  BlockEverything();
+  const Policy::Snapshot snapshot = Read();
+  for (const auto& [name, features, blocks] : Cases()) {
+    const PromiseResult result = Find(Policy::Prove(snapshot, features), name);
+    EXPECT_EQ(result.keeping, blocks ? Keeping::Holds : Keeping::Broken) << name;
+    EXPECT_EQ(result.counterexample.has_value(), !blocks) << name;
+  }
+}
+
+TEST_F(PromisesTest, NoFeatureNoPromise) { EXPECT_THAT(StatesOf({}), ElementsAre()); }
+
+TEST_F(PromisesTest, TheCounterexampleIsTheOrdinaryConnectionWithOnlyTheValuesThatItTakes) {
+  const Policy::Snapshot snapshot = Read();
+  const auto results = Policy::Prove(snapshot, LeakProtectionOnly());
+  const PromiseResult result = Find(results, "leak-no-look-ups");
+  EXPECT_EQ(result.promised, Policy::Action::Block);
+  EXPECT_EQ(result.counterexample.value().connection, To("198.51.100.1", 53));
+  EXPECT_THAT(Policy::Describe(result), HasSubstr("promised block, but:\n  outbound IPv4, protocol 6 (TCP)"));
+}
+
+TEST_F(PromisesTest, TheCounterexampleBreaksThePromise) {
+  Install(KillSwitchOnly());
+  const Policy::Snapshot snapshot = Read();
+  const Policy::Decider decider(snapshot);
+  for (const PromiseResult& result : Policy::Prove(snapshot, KillSwitchOnly())) {
+    if (result.counterexample) {
+      const auto action = decider.Decide(result.counterexample->connection).In(result.counterexample->world);
+      EXPECT_NE(action, result.promised) << result.name;
+    }
+  }
+}
+
+TEST_F(PromisesTest, KillSwitch) {
+  Install(KillSwitchOnly());
+  EXPECT_THAT(
+      StatesOf(KillSwitchOnly()),
+      ElementsAre("kill-switch-closes-outbound: holds", "kill-switch-closes-inbound: holds",
+                  "kill-switch-no-look-ups: holds", "kill-switch-loopback: holds with loopback-bits = alone",
+                  "kill-switch-local-network: holds with unset-fields = match"));
+}
+
+TEST_F(PromisesTest, KillSwitchWithOneExemptInterface) {
+  Features features = KillSwitchOnly();
+  features.killSwitch->interfaces = {5};
+  Install(features);
+  EXPECT_THAT(StatesOf(features), ElementsAre("kill-switch-closes-outbound: holds with unset-fields = match",
+                                              "kill-switch-closes-inbound: holds with unset-fields = match",
+                                              "kill-switch-no-look-ups: holds with unset-fields = match",
+                                              "kill-switch-loopback: holds with loopback-bits = alone",
+                                              "kill-switch-local-network: holds with unset-fields = match",
+                                              "kill-switch-exempt: holds"));
+}
+
+TEST_F(PromisesTest, KillSwitchWithTwoExemptInterfaces) {
+  Features features = KillSwitchOnly();
+  features.killSwitch->interfaces = {5, 6};
+  Install(features);
+  EXPECT_THAT(StatesOf(features), ElementsAre("kill-switch-closes-outbound: holds with unset-fields = match",
+                                              "kill-switch-closes-inbound: holds with unset-fields = match",
+                                              "kill-switch-no-look-ups: holds with unset-fields = match",
+                                              "kill-switch-loopback: holds with loopback-bits = alone",
+                                              "kill-switch-local-network: holds with unset-fields = match",
+                                              "kill-switch-exempt: holds with several-negations = all-hold"));
+}
+
+TEST_F(PromisesTest, KillSwitchWithExemptApplications) {
+  Features features = KillSwitchOnly();
+  features.killSwitch->applications = {Application("a.exe"), Application("b.exe")};
+  Install(features);
+  EXPECT_THAT(
+      StatesOf(features),
+      ElementsAre("kill-switch-closes-outbound: holds", "kill-switch-closes-inbound: holds",
+                  "kill-switch-no-look-ups: holds", "kill-switch-loopback: holds with loopback-bits = alone",
+                  "kill-switch-local-network: holds with unset-fields = match", "kill-switch-exempt: holds"));
+}
+
+TEST_F(PromisesTest, WhatOtherFeaturesBlockIsNoBreachOfTheExemption) {
+  Features features = KillSwitchOnly();
+  features.killSwitch->applications = {Application("a.exe")};
+  features.localNetworkBlock = true;
+  features.leakProtection = LeakProtectionOnly().leakProtection;
+  features.skein = SkeinOnly().skein;
+  Install(features);
+  EXPECT_THAT(StatesOf(features), Contains("kill-switch-exempt: holds"));
+}
+
+TEST_F(PromisesTest, KillSwitchWithDhcp) {
+  Features features = KillSwitchOnly();
+  features.dhcp = true;
+  Install(features);
+  EXPECT_THAT(
+      StatesOf(features),
+      ElementsAre("kill-switch-closes-outbound: holds", "kill-switch-closes-inbound: holds",
+                  "kill-switch-no-look-ups: holds", "kill-switch-loopback: holds with loopback-bits = alone",
+                  "kill-switch-local-network: holds with unset-fields = match", "dhcp-client: broken"));
+}
+
+TEST_F(PromisesTest, LocalNetworkBlock) {
+  Features features;
+  features.localNetworkBlock = true;
+  Install(features);
+  EXPECT_THAT(StatesOf(features),
+              ElementsAre("local-network-closed: holds with unset-fields = match",
+                          "local-network-loopback: broken", "local-network-look-ups: holds"));
+}
+
+TEST_F(PromisesTest, LeakProtection) {
+  Install(LeakProtectionOnly());
+  EXPECT_THAT(
+      StatesOf(LeakProtectionOnly()),
+      ElementsAre("leak-no-look-ups: holds", "leak-name-application: broken",
+                  "leak-closes: holds with unset-fields = match", "leak-tunnel-open: holds",
+                  "leak-permitted-addresses: holds", "leak-server: holds", "leak-local-network: holds",
+                  "leak-loopback: broken", "leak-blocked-applications: holds"));
+}
+
+TEST_F(PromisesTest, LeakProtectionOfTwoInterfaces) {
+  Features features = LeakProtectionOnly();
+  features.leakProtection->interfaces = {7, 8};
+  Install(features);
+  EXPECT_THAT(
+      StatesOf(features),
+      ElementsAre(
+          "leak-no-look-ups: holds", "leak-name-application: broken",
+          "leak-closes: holds with unset-fields = match",
+          "leak-tunnel-open: holds with automatic-weights = as-reported or automatic-weights = permit-first",
+          "leak-permitted-addresses: holds", "leak-server: holds", "leak-local-network: holds",
+          "leak-loopback: broken", "leak-blocked-applications: holds"));
+}
+
+TEST_F(PromisesTest, LeakProtectionOfNoInterface) {
+  Features features = LeakProtectionOnly();
+  features.leakProtection->interfaces.clear();
+  Install(features);
+  EXPECT_THAT(
+      StatesOf(features),
+      ElementsAre("leak-no-look-ups: holds", "leak-name-application: holds", "leak-closes: broken",
+                  "leak-tunnel-open: holds", "leak-permitted-addresses: holds", "leak-server: holds",
+                  "leak-local-network: holds", "leak-loopback: broken", "leak-blocked-applications: holds"));
+}
+
+TEST_F(PromisesTest, Skein) {
+  Install(SkeinOnly());
+  EXPECT_THAT(StatesOf(SkeinOnly()), ElementsAre("skein-peers: holds", "skein-closed: holds"));
+}
+
+}  // namespace
