@@ -29,3 +29,12 @@ run_tool --dns-app 'C:\windows\system32\svchost.exe' --block-app 'C:\unwanted.ex
   "${enable[@]}" --allow 192.0.2.1 status list \
   "${enable[@]}" --allow 203.0.113.1 --allow 203.0.113.2 list \
   disable-leak-protection status list
+
+step "Explain a connection, and write all that gets through as a page"
+mkdir -p build/demo
+run_tool --dns-app 'C:\windows\system32\svchost.exe' --block-app 'C:\unwanted.exe' \
+  disable-internet --app 'C:\windows\system32\notepad.exe' enable-dhcp "${enable[@]}" --allow 203.0.113.1 \
+  enable-skein --luid 1689399632855041 --peer 100.64.0.1 \
+  explain --remote 1.1.1.1:443 report build/demo/report.html
+echo
+echo "The page is build/demo/report.html: open it in a browser."

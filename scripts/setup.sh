@@ -4,6 +4,7 @@ set -eu
 . "$(dirname "$0")/common.sh"
 
 packages=(
+  chromium # the tests of the report's page
   clang # fuzz targets
   clang-format
   clang-tidy
@@ -18,8 +19,11 @@ packages=(
   mono-mcs # the C# example
   ninja-build
   nlohmann-json3-dev
+  nodejs
   python3 # run-clang-tidy
   wine64
 )
+# Other packages of Node.js than Debian's bring npm with them and conflict with Debian's.
+command -v npm >/dev/null || packages+=(npm)
 
 install_packages "${packages[@]}"

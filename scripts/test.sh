@@ -24,4 +24,7 @@ step "Run the tests under Wine"
 start_wine
 ctest --preset windows
 
+step "Look at a report in Chromium"
+scripts/page_test.sh
+
 scripts/test-package.sh

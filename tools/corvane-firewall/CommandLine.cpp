@@ -36,14 +36,21 @@ void AddGlobalOptions(CLI::App& app, Plan& plan) {
   }
 }
 
+std::string Usage(const StepOption& option) {
+  if (option.placeholder == nullptr) {
+    return option.name;
+  }
+  const bool standsAlone = !std::string_view(option.name).starts_with('-');
+  return standsAlone ? option.placeholder : std::string(option.name) + " " + option.placeholder;
+}
+
 std::string ListSteps() {
   std::ostringstream text;
   text << "Steps, run in the order given; each may occur more than once:\n";
   for (const Step& step : AllSteps()) {
     text << "  " << step.name << "\n      " << step.help << "\n";
     for (const StepOption& option : step.options) {
-      text << "        " << option.name << " " << option.placeholder << "\n            " << option.help
-           << "\n";
+      text << "        " << Usage(option) << "\n            " << option.help << "\n";
     }
   }
   text << "All rules live as long as the program: with --engine system it waits for Enter at the end.\n"
@@ -75,19 +82,30 @@ std::vector<std::string> Parse(CLI::App& app, std::vector<std::string> arguments
   return app.remaining();
 }
 
+void AddOption(CLI::App& app, const StepOption& option, StepOptions& options) {
+  std::vector<std::string>& values = options.*option.values;
+  if (option.placeholder == nullptr) {
+    app.add_flag_callback(
+        option.name, [&values] { values.assign(1, ""); }, option.help);
+    return;
+  }
+  CLI::Option* added =
+      app.add_option(option.name, values, option.help)
+          ->type_name(option.placeholder)
+          ->allow_extra_args(false)
+          ->required(option.times == Times::AtLeastOnce || option.times == Times::Once)
+          ->check([reject = option.reject](const std::string& value) { return reject(value); });
+  if (option.times == Times::AtMostOnce || option.times == Times::Once) {
+    added->expected(1);
+  }
+}
+
 std::vector<std::string> ParseStep(const Step& step, std::vector<std::string> arguments, Plan& plan) {
   CLI::App app(step.help, std::string("corvane-firewall ") + step.name);
   AddGlobalOptions(app, plan);
   StepOptions options;
   for (const StepOption& option : step.options) {
-    CLI::Option* added =
-        app.add_option(option.name, options.*option.values, option.help)
-            ->type_name(option.placeholder)
-            ->allow_extra_args(false)
-            ->check([reject = option.reject](const std::string& value) { return reject(value); });
-    if (option.times != Times::Any) {
-      added->expected(1)->required(option.times == Times::Once);
-    }
+    AddOption(app, option, options);
   }
   std::vector<std::string> rest = Parse(app, std::move(arguments), plan);
   plan.steps.push_back({&step, std::move(options)});
@@ -105,7 +123,7 @@ UsageError Unknown(const std::string& argument, const std::vector<PlannedStep>& 
   const Step& step = *before.back().step;
   std::string known;
   for (const StepOption& option : step.options) {
-    known += std::string(known.empty() ? "" : ", ") + option.name;
+    known += (known.empty() ? "" : ", ") + std::string(option.name);
   }
   return {std::string("The step ") + step.name + " has no option " + argument,
           "its options are " + (known.empty() ? std::string("only the global ones") : known)};

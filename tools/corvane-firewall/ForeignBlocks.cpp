@@ -23,16 +23,15 @@ auto IdentifierOf(const std::wstring& app) {
   return Own(identifier);
 }
 
-void AddBlock(HANDLE engine, const std::wstring& app) {
-  const auto identifier = IdentifierOf(app);
+void AddBlock(HANDLE engine, const char* layer, FWP_BYTE_BLOB* identifier) {
   FWPM_FILTER_CONDITION0 condition{};
   condition.fieldKey = std::ranges::find(kFields, "ALE_APP_ID", &Field::name)->key;
   condition.conditionValue.type = FWP_BYTE_BLOB_TYPE;
-  condition.conditionValue.byteBlob = identifier.get();
+  condition.conditionValue.byteBlob = identifier;
   std::wstring name = L"Block of another owner";
   FWPM_FILTER0 filter{};
   filter.displayData.name = name.data();
-  filter.layerKey = std::ranges::find(AllLayers(), "ALE_AUTH_CONNECT_V4", &Layer::name)->key;
+  filter.layerKey = std::ranges::find(AllLayers(), layer, &Layer::name)->key;
   filter.action.type = FWP_ACTION_BLOCK;
   filter.numFilterConditions = 1;
   filter.filterCondition = &condition;
@@ -48,6 +47,9 @@ void AddForeignBlocks(const std::vector<std::wstring>& apps) {
   const EngineHandle engine = OpenEngine();
   for (const std::wstring& app : apps) {
     pretendFileExists(app.c_str());
-    AddBlock(engine.get(), app);
+    const auto identifier = IdentifierOf(app);
+    for (const char* layer : {"ALE_AUTH_CONNECT_V4", "ALE_AUTH_CONNECT_V6"}) {
+      AddBlock(engine.get(), layer, identifier.get());
+    }
   }
 }

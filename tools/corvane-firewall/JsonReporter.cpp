@@ -2,6 +2,8 @@
 
 #include <iostream>
 
+#include "PolicyJson.h"
+
 using Json = nlohmann::ordered_json;
 
 namespace {
@@ -71,6 +73,23 @@ void JsonReporter::ShowListing(const Listing& listing) {
     step["sublayers"].push_back(ToJson(sublayer));
   }
 }
+
+void JsonReporter::ShowExplanation(const Policy::Explanation& explanation, const Policy::Labels& labels) {
+  Step()["explanations"].push_back(ToJson(explanation, labels));
+}
+
+void JsonReporter::ShowMap(const Policy::Map& map, const Policy::Labels&) { Step()["map"] = ToJson(map); }
+
+void JsonReporter::ShowPromises(const std::vector<Policy::PromiseResult>& promises,
+                                const Policy::Labels& labels) {
+  Step()["promises"] = ToJson(promises, labels);
+}
+
+void JsonReporter::ShowFindings(const std::vector<Policy::Finding>& findings) {
+  Step()["findings"] = ToJson(findings);
+}
+
+void JsonReporter::ShowFile(const std::string& path) { Step()["file"] = path; }
 
 void JsonReporter::EndStep() { Step()["ok"] = true; }
 

@@ -14,6 +14,12 @@ class JsonReporter : public Reporter {
   void ShowStatus(const Status& status) override;
   void ShowAdapters(const std::vector<ListedAdapter>& adapters) override;
   void ShowListing(const Listing& listing) override;
+  void ShowExplanation(const Policy::Explanation& explanation, const Policy::Labels& labels) override;
+  void ShowMap(const Policy::Map& map, const Policy::Labels& labels) override;
+  void ShowPromises(const std::vector<Policy::PromiseResult>& promises,
+                    const Policy::Labels& labels) override;
+  void ShowFindings(const std::vector<Policy::Finding>& findings) override;
+  void ShowFile(const std::string& path) override;
   void EndStep() override;
   void Fail(const Failure& failure) override;
   void Finish() override;

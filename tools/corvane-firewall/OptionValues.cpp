@@ -1,24 +1,61 @@
 #include "OptionValues.h"
 
-#include <winsock2.h>
-// ws2tcpip.h needs winsock2.h.
-#include <ws2tcpip.h>
-
 #include <charconv>
 
+namespace {
+
+/// A decimal number; empty for any other text.
+template <class Number>
+std::optional<Number> ParseNumber(std::string_view text) {
+  Number number = 0;
+  const char* const end = text.data() + text.size();
+  const auto [stop, error] = std::from_chars(text.data(), end, number);
+  return error == std::errc() && stop == end ? std::optional(number) : std::nullopt;
+}
+
+}  // namespace
+
 std::optional<std::uint32_t> ParseIpV4(const std::string& text) {
-  in_addr parsed{};
-  if (inet_pton(AF_INET, text.c_str(), &parsed) != 1) {
+  const auto address = Policy::ParseAddress(text);
+  if (!address || address->ipVersion != Policy::IpVersion::V4) {
     return std::nullopt;
   }
-  return ntohl(parsed.s_addr);
+  return static_cast<std::uint32_t>(address->number.low);
 }
 
 std::optional<std::uint64_t> ParseLuid(const std::string& text) {
-  std::uint64_t luid = 0;
-  const char* const end = text.data() + text.size();
-  const auto [stop, error] = std::from_chars(text.data(), end, luid);
-  return error == std::errc() && stop == end && luid != 0 ? std::optional(luid) : std::nullopt;
+  const auto luid = ParseNumber<std::uint64_t>(text);
+  return luid == 0 ? std::nullopt : luid;
+}
+
+std::optional<Endpoint> ParseEndpoint(const std::string& text) {
+  if (const auto address = Policy::ParseAddress(text)) {
+    return Endpoint{*address, std::nullopt};
+  }
+  const std::size_t colon = text.rfind(':');
+  if (colon == std::string::npos || colon == 0) {
+    return std::nullopt;
+  }
+  const bool hasBrackets = text.front() == '[' && text[colon - 1] == ']';
+  const auto address = Policy::ParseAddress(hasBrackets ? text.substr(1, colon - 2) : text.substr(0, colon));
+  const auto port = ParseNumber<std::uint16_t>(std::string_view(text).substr(colon + 1));
+  if (!address || !port || hasBrackets != (address->ipVersion == Policy::IpVersion::V6)) {
+    return std::nullopt;
+  }
+  return Endpoint{*address, port};
+}
+
+std::optional<std::uint8_t> ParseProtocol(const std::string& text, Policy::IpVersion ipVersion) {
+  if (text == "tcp") {
+    return std::uint8_t{6};
+  }
+  if (text == "udp") {
+    return std::uint8_t{17};
+  }
+  if (text == "icmp") {
+    return ipVersion == Policy::IpVersion::V4 ? std::uint8_t{1} : std::uint8_t{58};
+  }
+  return ParseNumber<std::uint8_t>(text);
 }
 
 std::string RejectEmpty(const std::string& value) { return value.empty() ? "the value is empty" : ""; }
@@ -29,4 +66,16 @@ std::string RejectAllButIpV4(const std::string& value) {
 
 std::string RejectAllButLuid(const std::string& value) {
   return ParseLuid(value) ? "" : value + " is no LUID, a decimal number above 0";
+}
+
+std::string RejectAllButEndpoint(const std::string& value) {
+  return ParseEndpoint(value)
+             ? ""
+             : value +
+                   " is neither an address nor one with a port up to 65535, such as 10.0.0.1:53 or "
+                   "[fe80::1]:53";
+}
+
+std::string RejectAllButProtocol(const std::string& value) {
+  return ParseProtocol(value, Policy::IpVersion::V4) ? "" : value + " is none of tcp, udp, icmp and 0 to 255";
 }

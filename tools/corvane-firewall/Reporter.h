@@ -6,6 +6,9 @@
 
 #include "Failure.h"
 #include "Listing.h"
+#include "policy/Lint.h"
+#include "policy/Map.h"
+#include "policy/Promises.h"
 
 /// A network adapter as the library sees it; UTF-8.
 struct ListedAdapter {
@@ -34,6 +37,13 @@ class Reporter {
   virtual void ShowStatus(const Status& status) = 0;
   virtual void ShowAdapters(const std::vector<ListedAdapter>& adapters) = 0;
   virtual void ShowListing(const Listing& listing) = 0;
+  virtual void ShowExplanation(const Policy::Explanation& explanation, const Policy::Labels& labels) = 0;
+  virtual void ShowMap(const Policy::Map& map, const Policy::Labels& labels) = 0;
+  virtual void ShowPromises(const std::vector<Policy::PromiseResult>& promises,
+                            const Policy::Labels& labels) = 0;
+  virtual void ShowFindings(const std::vector<Policy::Finding>& findings) = 0;
+  /// A file that has been written.
+  virtual void ShowFile(const std::string& path) = 0;
   virtual void EndStep() = 0;
   virtual void Fail(const Failure& failure) = 0;
   virtual void Finish() = 0;

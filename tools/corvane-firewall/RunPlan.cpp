@@ -38,9 +38,10 @@ int RunPlan(const Plan& plan) {
     if (!plan.blockedApps.empty()) {
       AddForeignBlocks(ToWide(plan.blockedApps));
     }
-    for (const PlannedStep& planned : plan.steps) {
+    for (std::size_t i = 0; i < plan.steps.size(); ++i) {
+      const PlannedStep& planned = plan.steps[i];
       reporter->BeginStep(planned.step->name);
-      planned.step->run({library, *reporter}, planned.options);
+      planned.step->run({library, *reporter, plan, i}, planned.options);
       reporter->EndStep();
     }
     reporter->Finish();

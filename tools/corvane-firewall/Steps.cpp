@@ -4,6 +4,7 @@
 #include <iterator>
 
 #include "EngineReader.h"
+#include "PolicySteps.h"
 #include "Text.h"
 #include "helpers/NetworkInfo.h"
 #include "helpers/NetworkInfoException.h"
@@ -164,6 +165,12 @@ constexpr Step kSteps[]{
     {"status", "Tell what is switched on", {}, false, StatusStep},
     {"adapters", "List the network adapters as the firewall sees them", {}, false, AdaptersStep},
     {"list", "List what the engine holds of ours", {}, false, ListStep},
+    {"explain", "Tell what the engine does with a connection, and why", kExplainOptions, false, ExplainStep},
+    {"map", "Tell what the engine does with every connection that can exist", {}, false, MapStep},
+    {"prove", "Check what the features switched on in this run promise", {}, false, ProveStep},
+    {"lint", "Find filters, of anybody's, that do not say what they seem to say", {}, false, LintStep},
+    {"report", "Write map, promises, findings and filters as a page to look at", kReportOptions, false,
+     ReportStep},
 };
 
 }  // namespace

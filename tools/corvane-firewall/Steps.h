@@ -1,5 +1,6 @@
 #pragma once
 
+#include <cstddef>
 #include <span>
 #include <string>
 #include <vector>
@@ -16,25 +17,35 @@ struct StepOptions {
   std::vector<std::string> luid;
   std::vector<std::string> allowed;
   std::vector<std::string> peers;
+  std::vector<std::string> remotes;
+  std::vector<std::string> local;
+  std::vector<std::string> protocol;
+  std::vector<std::string> inbound;
+  std::vector<std::string> loopback;
+  std::vector<std::string> file;
 };
 
 /// How often an option may be given.
-enum class Times { Any, AtMostOnce, Once };
+enum class Times { Any, AtLeastOnce, AtMostOnce, Once };
 
-/// An option that takes a value.
+/// An option that takes a value, or a flag.
 struct StepOption {
-  const char* name;
-  const char* placeholder;
+  const char* name;         ///< without dashes for a value that stands alone
+  const char* placeholder;  ///< null for a flag: given, it has an empty value
   const char* help;
   std::vector<std::string> StepOptions::*values;
   Times times = Times::Any;
   std::string (*reject)(const std::string& value) = RejectEmpty;  ///< says what is wrong with a value
 };
 
+struct Plan;
+
 /// What a step works with.
 struct StepContext {
   const FirewallLibrary& library;
   Reporter& reporter;
+  const Plan& plan;
+  std::size_t index;  ///< of the step in the plan
 };
 
 struct Step {

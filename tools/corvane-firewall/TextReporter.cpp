@@ -1,6 +1,8 @@
 #include "TextReporter.h"
 
 #include <iostream>
+#include <map>
+#include <sstream>
 
 namespace {
 
@@ -25,6 +27,26 @@ std::string Line(const ListedFilter& filter) {
     line += "; overrides other sublayers";
   }
   return line;
+}
+
+/// Lines of somebody else's, set in as ours are.
+void Print(const std::string& text) {
+  std::istringstream lines(text);
+  for (std::string line; std::getline(lines, line);) {
+    std::cout << "  " << line << "\n";
+  }
+}
+
+/// What is said of filters, and the filters of which it is. Many findings say the same.
+std::map<std::string, std::vector<std::string>> ByText(const std::vector<Policy::Finding>& findings) {
+  std::map<std::string, std::vector<std::string>> groups;
+  for (const Policy::Finding& finding : findings) {
+    const std::string kind(Policy::FindingName(finding.kind));
+    const std::string other = finding.other == nullptr ? "" : " and " + Policy::Describe(*finding.other);
+    groups[kind + ": " + finding.reason + " Clearer: " + finding.advice + "."].push_back(
+        Policy::Describe(*finding.filter) + other);
+  }
+  return groups;
 }
 
 }  // namespace
@@ -70,6 +92,38 @@ void TextReporter::ShowListing(const Listing& listing) {
     }
   }
 }
+
+void TextReporter::ShowExplanation(const Policy::Explanation& explanation, const Policy::Labels& labels) {
+  Print(Policy::Describe(explanation, labels));
+}
+
+void TextReporter::ShowMap(const Policy::Map& map, const Policy::Labels& labels) {
+  Print(Policy::Describe(map, labels));
+}
+
+void TextReporter::ShowPromises(const std::vector<Policy::PromiseResult>& promises,
+                                const Policy::Labels& labels) {
+  for (const Policy::PromiseResult& promise : promises) {
+    Print(Policy::Describe(promise, labels));
+  }
+  if (promises.empty()) {
+    std::cout << "  no feature is switched on in this run: nothing is promised\n";
+  }
+}
+
+void TextReporter::ShowFindings(const std::vector<Policy::Finding>& findings) {
+  for (const auto& [text, filters] : ByText(findings)) {
+    std::cout << "  " << text << "\n";
+    for (const std::string& filter : filters) {
+      std::cout << "    " << filter << "\n";
+    }
+  }
+  if (findings.empty()) {
+    std::cout << "  no findings\n";
+  }
+}
+
+void TextReporter::ShowFile(const std::string& path) { std::cout << "  written: " << path << "\n"; }
 
 void TextReporter::EndStep() { std::cout << "  done" << std::endl; }
 

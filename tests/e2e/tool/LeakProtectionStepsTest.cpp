@@ -93,10 +93,14 @@ TEST(LeakProtectionSteps, CopyTheBlocksOfAnotherOwner) {
   EXPECT_EQ(run.exitCode, 0u);
   EXPECT_EQ(run.errors, "");
   EXPECT_THAT(run.output, HasSubstr("list\n  no provider of this tool\n  no sublayers, no filters\n"));
-  EXPECT_THAT(run.output, HasSubstr("application blocks of Windows Firewall; weight 15; filters 2\n"
+  EXPECT_THAT(run.output, HasSubstr("application blocks of Windows Firewall; weight 15; filters 4\n"
                                     "    ALE_AUTH_CONNECT_V4: BLOCK when ALE_APP_ID EQUAL BYTE_BLOB "
                                     "\\device\\harddiskvolume1\\bad.exe; weight UINT8 15\n"
+                                    "    ALE_AUTH_CONNECT_V6: BLOCK when ALE_APP_ID EQUAL BYTE_BLOB "
+                                    "\\device\\harddiskvolume1\\bad.exe; weight UINT8 15\n"
                                     "    ALE_AUTH_CONNECT_V4: BLOCK when ALE_APP_ID EQUAL BYTE_BLOB "
+                                    "\\device\\harddiskvolume1\\worse.exe; weight UINT8 15\n"
+                                    "    ALE_AUTH_CONNECT_V6: BLOCK when ALE_APP_ID EQUAL BYTE_BLOB "
                                     "\\device\\harddiskvolume1\\worse.exe; weight UINT8 15\n"));
 }
 

@@ -1,0 +1,22 @@
+#!/bin/bash
+# Writes two reports with the tool that is built, under the Wine that is running or starts, and looks at them
+# in headless Chromium.
+set -eu
+. "$(dirname "$0")/common.sh"
+cd "$root"
+
+mkdir -p build/page
+export REPORT="$root/build/page/report.html" REPORT_OF_SEVERAL="$root/build/page/several.html"
+rm -f "$REPORT" "$REPORT_OF_SEVERAL"
+
+report() { scripts/wine.sh build/windows/bin/corvane-firewall.exe --engine emulated "$@" >/dev/null; }
+kill_switch=(disable-internet --app 'C:\windows\system32\notepad.exe')
+report "${kill_switch[@]}" enable-dhcp report build/page/report.html
+report --dns-app 'C:\windows\system32\svchost.exe' --block-app 'C:\unwanted.exe' \
+  "${kill_switch[@]}" enable-dhcp \
+  enable-leak-protection --server 198.51.100.7 --luid 1689399632855040 --allow 203.0.113.1 \
+  enable-skein --luid 1689399632855041 --peer 100.64.0.1 report build/page/several.html
+
+cd tests/page
+npm ci --silent --no-audit --no-fund
+npm test

@@ -1,0 +1,164 @@
+#include "PolicyReader.h"
+
+#include <WfpPlatform.h>
+#include <gmock/gmock.h>
+
+#include "ActiveFeatures.h"
+#include "Failure.h"
+#include "Identities.h"
+#include "LoadedModule.h"
+#include "ReportPage.h"
+#include "ToolProcess.h"
+#include "catalog/Guid.h"
+#include "emulator/ControlExports.h"
+
+namespace {
+
+using Catalog::operator""_guid;
+using testing::ElementsAre;
+
+/// An emulated engine that this process is bound to.
+class PolicyReader : public testing::Test {
+ protected:
+  PolicyReader() { Find<decltype(&::EngineEmulatorReset)>("EngineEmulatorReset")(); }
+
+  template <typename Function>
+  Function Find(const char* function) {
+    return FindFunction<Function>(emulator_.get(), function);
+  }
+
+ private:
+  ModuleHandle emulator_ = LoadModule(ProgramFolder() / "emulator" / "fwpuclnt.dll");
+};
+
+TEST_F(PolicyReader, ReadsInOneReadOnlyTransaction) {
+  EXPECT_FALSE(ReadPolicy().sublayers.empty());
+  const auto readJournal = Find<decltype(&::EngineEmulatorJournalText)>("EngineEmulatorJournalText");
+  std::string journal(readJournal(nullptr, 0), '\0');
+  readJournal(journal.data(), journal.size());
+  EXPECT_THAT(journal, testing::HasSubstr("FwpmTransactionBegin0("));
+  for (const char* change : {"Add0(", "Delete", "FwpmTransactionCommit0("}) {
+    EXPECT_THAT(journal, testing::Not(testing::HasSubstr(change)));
+  }
+}
+
+TEST_F(PolicyReader, SaysPlainlyThatRightsAreMissing) {
+  Find<decltype(&::EngineEmulatorFailCall)>("EngineEmulatorFailCall")("FwpmTransactionBegin0", 1,
+                                                                      ERROR_ACCESS_DENIED);
+  try {
+    ReadPolicy();
+    FAIL();
+  } catch (const Failure& failure) {
+    EXPECT_EQ(failure.Code(), 5u);
+    EXPECT_EQ(failure.Hint(Engine::System),
+              "The filtering engine is open to administrators only: run this as administrator.");
+  }
+}
+
+Step StepNamed(const char* name) { return {name, "", {}, true, nullptr}; }
+
+Policy::Features FeaturesAfter(std::vector<PlannedStep> steps, const Policy::Snapshot& snapshot = {}) {
+  Plan plan;
+  plan.dnsApp = "\\device\\harddiskvolume1\\resolver.exe";
+  plan.steps = std::move(steps);
+  return ActiveFeatures(plan, plan.steps.size(), snapshot);
+}
+
+TEST(ActiveFeatures, AreOffUntilAStepSwitchesThemOn) {
+  const Policy::Features features = FeaturesAfter({});
+  EXPECT_FALSE(features.killSwitch || features.dhcp || features.localNetworkBlock ||
+               features.leakProtection || features.skein);
+}
+
+TEST(ActiveFeatures, HaveTheArgumentsOfTheirSteps) {
+  const Step killSwitch = StepNamed("disable-internet");
+  const Step leakProtection = StepNamed("enable-leak-protection");
+  const Step skein = StepNamed("enable-skein");
+  StepOptions killSwitchOptions;
+  killSwitchOptions.apps = {"\\device\\a.exe"};
+  StepOptions leakOptions;
+  leakOptions.server = {"203.0.113.1"};
+  leakOptions.luid = {"7"};
+  leakOptions.allowed = {"10.0.0.1", "10.0.0.2"};
+  StepOptions skeinOptions;
+  skeinOptions.luid = {"9"};
+  skeinOptions.peers = {"100.64.0.5"};
+  const Policy::Features features = FeaturesAfter(
+      {{&killSwitch, killSwitchOptions}, {&leakProtection, leakOptions}, {&skein, skeinOptions}});
+  EXPECT_THAT(features.killSwitch.value().applications,
+              ElementsAre(Policy::ApplicationBytes("\\device\\a.exe")));
+  EXPECT_THAT(features.leakProtection.value().interfaces, ElementsAre(7u));
+  EXPECT_EQ(features.leakProtection.value().serverAddress, 0xCB007101u);
+  EXPECT_THAT(features.leakProtection.value().permittedAddresses, ElementsAre(0x0A000001u, 0x0A000002u));
+  EXPECT_EQ(features.leakProtection.value().nameApplication,
+            Policy::ApplicationBytes("\\device\\harddiskvolume1\\resolver.exe"));
+  EXPECT_THAT(features.skein.value().interfaces, ElementsAre(9u));
+  EXPECT_THAT(features.skein.value().peers, ElementsAre(0x64400005u));
+}
+
+TEST(ActiveFeatures, AreWhatTheLastStepsLeave) {
+  const Step off = StepNamed("disable-local-network");
+  const Step on = StepNamed("enable-local-network");
+  const Step dhcp = StepNamed("enable-dhcp");
+  EXPECT_TRUE(FeaturesAfter({{&off, {}}}).localNetworkBlock);
+  const Policy::Features features = FeaturesAfter({{&off, {}}, {&dhcp, {}}, {&on, {}}});
+  EXPECT_FALSE(features.localNetworkBlock);
+  EXPECT_TRUE(features.dhcp);
+}
+
+constexpr GUID kConnectV4 = "c38d57d1-05a7-4c33-904f-7fbceee60e82"_guid;
+constexpr GUID kConnectV6 = "4a72393b-319f-44bc-84c3-ba54dcb3b6b4"_guid;
+constexpr GUID kReceiveAcceptV4 = "e1cd9fe7-f4b5-4273-96c0-592e487b8650"_guid;
+constexpr GUID kReceiveAcceptV6 = "a3b42c97-9f04-4672-b87e-cee9c483257f"_guid;
+
+/// A block of an application that nobody owns.
+Policy::Filter BlockOf(const std::string& application, const GUID& layer = kConnectV4) {
+  Policy::Filter filter{};
+  filter.id = 1;
+  filter.action = FWP_ACTION_BLOCK;
+  filter.layerKey = layer;
+  Policy::Condition condition{};
+  condition.field = Catalog::FindField("ALE_APP_ID");
+  condition.test.kind = Policy::Test::Kind::IsBytes;
+  condition.test.bytes = Policy::ApplicationBytes(application);
+  filter.conditions = {condition};
+  return filter;
+}
+
+TEST(ActiveFeatures, LeakProtectionKnowsTheApplicationsThatOthersBlock) {
+  Policy::Snapshot snapshot;
+  snapshot.sublayers = {{{}, "theirs", 1}};
+  for (const GUID& layer : {kConnectV4, kConnectV6}) {
+    snapshot.filters.push_back(BlockOf("ours.exe", layer));
+    snapshot.filters.back().providerKey = kProvider.key;
+    snapshot.filters.push_back(BlockOf("permitted.exe", layer));
+    snapshot.filters.back().action = FWP_ACTION_PERMIT;
+    snapshot.filters.push_back(BlockOf("out.exe", layer));
+  }
+  snapshot.filters.push_back(BlockOf("over one version.exe"));
+  for (const GUID& layer : {kReceiveAcceptV4, kReceiveAcceptV6}) {
+    snapshot.filters.push_back(BlockOf("in.exe", layer));
+  }
+  const Step leakProtection = StepNamed("enable-leak-protection");
+  StepOptions options;
+  options.server = {"203.0.113.1"};
+  options.luid = {"7"};
+  const auto features = FeaturesAfter({{&leakProtection, options}}, snapshot).leakProtection.value();
+  EXPECT_THAT(features.blockedOutbound, ElementsAre(Policy::ApplicationBytes("out.exe")));
+  EXPECT_THAT(features.blockedInbound, ElementsAre(Policy::ApplicationBytes("in.exe")));
+}
+
+TEST(ReportPage, NamesOfOthersCannotEndTheData) {
+  Policy::Snapshot snapshot;
+  snapshot.sublayers = {{{}, "</script><script>alert(1)</script>", 1}};
+  snapshot.filters = {BlockOf("<!--<script>")};
+  snapshot.filters[0].name = "\xff</SCRIPT>";
+  Policy::Labels labels;
+  labels.interfaces[7] = "<script>";
+  const std::string page = MakePage({Engine::System, snapshot, {}, labels});
+  const std::string data = page.substr(page.find("id=\"data\">") + 10);
+  EXPECT_EQ(data.find('<'), data.find("</script>\n<script>\n"));
+  EXPECT_THAT(data, testing::HasSubstr(R"(\u003c/script>\u003cscript>alert(1)\u003c/script>)"));
+}
+
+}  // namespace

@@ -1,0 +1,302 @@
+#include "PolicyJson.h"
+
+#include <algorithm>
+#include <array>
+#include <charconv>
+#include <iterator>
+
+#include "catalog/Format.h"
+#include "catalog/Names.h"
+
+namespace {
+
+using ::ToJson;
+using Policy::IpVersion;
+
+std::string HexDigits(UINT64 number) {
+  std::array<char, 16> digits;
+  return {digits.data(), std::to_chars(digits.data(), digits.data() + digits.size(), number, 16).ptr};
+}
+
+const char* DirectionText(Policy::Direction direction) {
+  return direction == Policy::Direction::Outbound ? "outbound" : "inbound";
+}
+
+int VersionNumber(IpVersion ipVersion) { return ipVersion == IpVersion::V4 ? 4 : 6; }
+
+Json ToJson(const std::optional<Policy::Action>& action) {
+  return action ? Json(Policy::ActionText(*action)) : Json(nullptr);
+}
+
+/// The number of an optional number, the text of an optional text.
+template <class Value, class Convert>
+Json ToJson(const std::optional<Value>& value, Convert convert) {
+  return value ? Json(convert(*value)) : Json(nullptr);
+}
+
+Json ToJson(const std::vector<Policy::Choice>& choices) {
+  Json json = Json::object();
+  for (const Policy::Choice& choice : choices) {
+    const Policy::AssumptionText& text = Policy::TextOf(choice.assumption);
+    json[std::string(text.name)] = text.readings[choice.reading].name;
+  }
+  return json;
+}
+
+Json Reference(const Policy::Filter* filter) {
+  return filter == nullptr ? Json(nullptr) : Json{{"id", filter->id}, {"name", filter->name}};
+}
+
+Json References(const std::vector<const Policy::Filter*>& filters) {
+  Json json = Json::array();
+  std::ranges::transform(filters, std::back_inserter(json), Reference);
+  return json;
+}
+
+Json SublayerName(const Policy::Sublayer* sublayer) {
+  if (sublayer == nullptr) {
+    return nullptr;
+  }
+  return sublayer->name.empty() ? Catalog::SublayerName(sublayer->key) : sublayer->name;
+}
+
+const char* EffectText(Policy::SublayerTrace::Effect effect) {
+  using Effect = Policy::SublayerTrace::Effect;
+  switch (effect) {
+    case Effect::Stands:
+      return "stands";
+    case Effect::Overridden:
+      return "overridden";
+    case Effect::Ignored:
+      return "ignored";
+    default:
+      return "none";
+  }
+}
+
+Json ToJson(const Policy::LayerTrace& trace) {
+  Json json{{"layer", trace.layer->name},
+            {"verdict", ToJson(trace.verdict)},
+            {"action", ToJson(trace.action)},
+            {"sublayers", Json::array()}};
+  for (const Policy::SublayerTrace& sublayer : trace.sublayers) {
+    json["sublayers"].push_back({{"name", SublayerName(sublayer.sublayer)},
+                                 {"weight", sublayer.sublayer->weight},
+                                 {"deciding", Reference(sublayer.deciding)},
+                                 {"outranked", References(sublayer.outranked)},
+                                 {"unjudged", References(sublayer.unjudged)},
+                                 {"effect", EffectText(sublayer.effect)},
+                                 {"by", SublayerName(sublayer.by)}});
+  }
+  return json;
+}
+
+Json ToJson(const std::vector<Policy::Interval>& intervals) {
+  Json json = Json::array();
+  for (const Policy::Interval& interval : intervals) {
+    json.push_back({HexText(interval.first), HexText(interval.last)});
+  }
+  return json;
+}
+
+Json HexTexts(const std::vector<std::string>& texts) {
+  Json json = Json::array();
+  for (const std::string& text : texts) {
+    json.push_back(HexText(text));
+  }
+  return json;
+}
+
+Json ToJson(const Policy::ValueClass& values) {
+  Json masked = Json::array();
+  for (const auto& [mask, value] : values.masked) {
+    masked.push_back({mask, value});
+  }
+  return {{"text", values.text},
+          {"unset", values.unset},
+          {"intervals", ToJson(values.intervals)},
+          {"masked", std::move(masked)},
+          {"applications", HexTexts(values.applications)},
+          {"endings", HexTexts(values.endings)},
+          {"others", values.others},
+          {"example", values.exampleApplication ? Json(HexText(*values.exampleApplication))
+                                                : ToJson(values.exampleNumber, [](Policy::Number number) {
+                                                    return HexText(number);
+                                                  })}};
+}
+
+Json ToJson(const Policy::MapTarget& target) {
+  return {{target.isVerdict ? "verdict" : "node", target.index}};
+}
+
+Json ToJson(const Policy::MapSection& section) {
+  Json json{{"direction", DirectionText(section.direction)},
+            {"ipVersion", VersionNumber(section.ipVersion)},
+            {"fields", Json::array()},
+            {"nodes", Json::array()},
+            {"root", ToJson(section.root)}};
+  for (const Policy::FieldClasses& field : section.fields) {
+    Json classes = Json::array();
+    for (const Policy::ValueClass& values : field.classes) {
+      classes.push_back(ToJson(values));
+    }
+    json["fields"].push_back({{"field", Policy::FieldText(field.field)}, {"classes", std::move(classes)}});
+  }
+  for (const Policy::MapNode& node : section.nodes) {
+    Json targets = Json::array();
+    for (const Policy::MapTarget& target : node.targets) {
+      targets.push_back(ToJson(target));
+    }
+    json["nodes"].push_back({{"field", node.field}, {"targets", std::move(targets)}});
+  }
+  return json;
+}
+
+const char* KindText(Policy::Test::Kind kind) {
+  constexpr std::array kTexts{"unreadable", "unset",    "in-interval", "all-set",
+                              "any-set",    "none-set", "is",          "ends-with"};
+  return kTexts.at(static_cast<std::size_t>(kind));
+}
+
+Json ToJson(const Policy::Condition& condition) {
+  const Policy::Test& test = condition.test;
+  return {{"field", condition.field == nullptr ? Catalog::FormatGuid(condition.fieldKey)
+                                               : std::string(condition.field->name)},
+          {"text", condition.text},
+          {"test", KindText(test.kind)},
+          {"negated", test.negated},
+          {"first", HexText(test.interval.first)},
+          {"last", HexText(test.interval.last)},
+          {"bytes", HexText(test.bytes)}};
+}
+
+Json ToJson(const Policy::Filter& filter) {
+  Json conditions = Json::array();
+  for (const Policy::Condition& condition : filter.conditions) {
+    conditions.push_back(ToJson(condition));
+  }
+  return {{"id", filter.id},
+          {"name", filter.name},
+          {"layer", Catalog::LayerName(filter.layerKey)},
+          {"sublayer", Catalog::FormatGuid(filter.sublayerKey)},
+          {"action", Catalog::ActionName(filter.action)},
+          {"hard", filter.IsHard()},
+          {"inForce", (filter.flags & (FWPM_FILTER_FLAG_DISABLED | FWPM_FILTER_FLAG_BOOTTIME)) == 0},
+          {"weight", HexText(filter.effectiveWeight)},
+          {"conditions", std::move(conditions)}};
+}
+
+}  // namespace
+
+std::string HexText(Policy::Number number) {
+  const std::string low = HexDigits(number.low);
+  return number.high == 0 ? "0x" + low
+                          : "0x" + HexDigits(number.high) + std::string(16 - low.size(), '0') + low;
+}
+
+std::string HexText(std::string_view bytes) {
+  return bytes.empty() ? ""
+                       : Catalog::FormatBytes({reinterpret_cast<const UINT8*>(bytes.data()), bytes.size()});
+}
+
+Json ToJson(const Policy::Verdict& verdict) {
+  constexpr std::array kKinds{"block", "permit", "depends"};
+  Json json{{"verdict", kKinds.at(static_cast<std::size_t>(verdict.GetKind()))},
+            {"text", Policy::Describe(verdict)}};
+  if (verdict.GetKind() == Policy::Verdict::Kind::Depends) {
+    json["outcomes"] = Json::array();
+    for (const auto& [choices, action] : verdict.Outcomes()) {
+      json["outcomes"].push_back({{"readings", ToJson(choices)}, {"verdict", ToJson(action)}});
+    }
+  }
+  return json;
+}
+
+Json ToJson(const Policy::Connection& connection, const Policy::Labels& labels) {
+  const auto number = [](auto value) { return value; };
+  const auto hex = [](const auto& value) { return HexText(value); };
+  const auto address = [&](Policy::Number value) {
+    return Policy::FormatAddress(connection.ipVersion, value);
+  };
+  return {{"text", Policy::Describe(connection, labels)},
+          {"direction", DirectionText(connection.direction)},
+          {"ipVersion", VersionNumber(connection.ipVersion)},
+          {"protocol", ToJson(connection.protocol, number)},
+          {"localAddress", ToJson(connection.localAddress, address)},
+          {"localPort", ToJson(connection.localPort, number)},
+          {"remoteAddress", ToJson(connection.remoteAddress, address)},
+          {"remotePort", ToJson(connection.remotePort, number)},
+          {"application", ToJson(connection.application, hex)},
+          {"interface", ToJson(connection.localInterface, hex)},
+          {"arrivalInterface", ToJson(connection.arrivalInterface, hex)},
+          {"nextHopInterface", ToJson(connection.nextHopInterface, hex)},
+          {"flags", ToJson(connection.flags, number)}};
+}
+
+Json ToJson(const Policy::Explanation& explanation, const Policy::Labels& labels) {
+  Json json{{"connection", ToJson(explanation.connection, labels)},
+            {"verdict", ToJson(explanation.verdict)},
+            {"layers", Json::array()}};
+  for (const Policy::LayerTrace& layer : explanation.layers) {
+    json["layers"].push_back(ToJson(layer));
+  }
+  return json;
+}
+
+Json ToJson(const Policy::Map& map) {
+  Json json{{"verdicts", Json::array()}, {"sections", Json::array()}};
+  for (const Policy::Verdict& verdict : map.verdicts) {
+    json["verdicts"].push_back(ToJson(verdict));
+  }
+  for (const Policy::MapSection& section : map.sections) {
+    json["sections"].push_back(ToJson(section));
+  }
+  return json;
+}
+
+Json ToJson(const std::vector<Policy::PromiseResult>& promises, const Policy::Labels& labels) {
+  Json json = Json::array();
+  for (const Policy::PromiseResult& promise : promises) {
+    Json alternatives = Json::array();
+    for (const auto& choices : Policy::Alternatives(promise.worlds)) {
+      alternatives.push_back(ToJson(choices));
+    }
+    json.push_back({{"feature", promise.feature},
+                    {"name", promise.name},
+                    {"sentence", promise.sentence},
+                    {"state", Policy::KeepingText(promise.keeping)},
+                    {"holdsUnder", std::move(alternatives)},
+                    {"promised", ToJson(promise.promised)},
+                    {"counterexample", ToJson(promise.counterexample,
+                                              [&](const auto& example) { return ToJson(example, labels); })},
+                    {"text", Policy::Describe(promise, labels)}});
+  }
+  return json;
+}
+
+Json ToJson(const std::vector<Policy::Finding>& findings) {
+  Json json = Json::array();
+  for (const Policy::Finding& finding : findings) {
+    json.push_back({{"kind", Policy::FindingName(finding.kind)},
+                    {"filter", Reference(finding.filter)},
+                    {"layer", Catalog::LayerName(finding.filter->layerKey)},
+                    {"other", Reference(finding.other)},
+                    {"reason", finding.reason},
+                    {"advice", finding.advice}});
+  }
+  return json;
+}
+
+Json ToJson(const Policy::Snapshot& snapshot) {
+  Json json{{"sublayers", Json::array()}, {"filters", Json::array()}};
+  for (const Policy::Sublayer& sublayer : snapshot.sublayers) {
+    json["sublayers"].push_back({{"key", Catalog::FormatGuid(sublayer.key)},
+                                 {"name", SublayerName(&sublayer)},
+                                 {"weight", sublayer.weight},
+                                 {"listed", sublayer.listed}});
+  }
+  for (const Policy::Filter& filter : snapshot.filters) {
+    json["filters"].push_back(ToJson(filter));
+  }
+  return json;
+}

@@ -1,0 +1,111 @@
+#include "ReportPage.h"
+
+#include <chrono>
+#include <map>
+#include <string_view>
+
+#include "PolicyJson.h"
+#include "ReportTemplate.h"
+#include "catalog/Format.h"
+
+namespace {
+
+constexpr std::string_view kDataMark = "@DATA@";
+
+/// Connections that no filter has a special word for, in the order of a map's sections.
+Json OrdinaryConnections() {
+  Json json = Json::array();
+  for (const auto direction : {Policy::Direction::Outbound, Policy::Direction::Inbound}) {
+    for (const auto ipVersion : {Policy::IpVersion::V4, Policy::IpVersion::V6}) {
+      json.push_back(ToJson(Policy::OrdinaryConnection(direction, ipVersion), {}));
+    }
+  }
+  return json;
+}
+
+/// The applications that conditions name.
+Json Applications(const Policy::Snapshot& snapshot) {
+  std::map<std::string, std::string> texts;
+  for (const Policy::Filter& filter : snapshot.filters) {
+    for (const Policy::Condition& condition : filter.conditions) {
+      const std::string& bytes = condition.test.bytes;
+      if (condition.test.kind == Policy::Test::Kind::IsBytes && condition.field->name == "ALE_APP_ID") {
+        texts[bytes] =
+            Catalog::FormatTextOrBytes({reinterpret_cast<const UINT8*>(bytes.data()), bytes.size()});
+      }
+    }
+  }
+  Json json = Json::array();
+  for (const auto& [bytes, text] : texts) {
+    json.push_back({{"id", HexText(bytes)}, {"text", text}});
+  }
+  return json;
+}
+
+Json Interfaces(const Policy::Labels& labels) {
+  Json json = Json::array();
+  for (const auto& [luid, name] : labels.interfaces) {
+    json.push_back({{"luid", HexText(luid)}, {"name", name}});
+  }
+  return json;
+}
+
+/// The open rules of the engine, with what the page expects of each first.
+Json Assumptions() {
+  Json json = Json::array();
+  for (std::size_t i = 0; i < Policy::kAssumptionCount; ++i) {
+    const Policy::AssumptionText& text = Policy::TextOf(static_cast<Policy::Assumption>(i));
+    Json readings = Json::array();
+    for (const auto& [name, meaning] : text.readings) {
+      readings.push_back({{"name", name}, {"meaning", meaning}});
+    }
+    json.push_back({{"name", text.name}, {"question", text.question}, {"readings", std::move(readings)}});
+  }
+  return json;
+}
+
+std::string Today() {
+  const auto today = std::chrono::floor<std::chrono::days>(std::chrono::system_clock::now());
+  const std::chrono::year_month_day date(today);
+  const auto twoDigits = [](unsigned number) {
+    return (number < 10 ? "0" : "") + Catalog::FormatNumber(number);
+  };
+  return Catalog::FormatNumber(static_cast<int>(date.year())) + "-" +
+         twoDigits(static_cast<unsigned>(date.month())) + "-" + twoDigits(static_cast<unsigned>(date.day()));
+}
+
+Json DataOf(const PageContent& content) {
+  const Policy::Map map = Policy::MakeMap(content.snapshot, content.labels);
+  return {{"engine", content.engine == Engine::System ? "system" : "emulated"},
+          {"written", Today()},
+          {"version", CORVANE_VERSION},
+          {"ordinary", OrdinaryConnections()},
+          {"applications", Applications(content.snapshot)},
+          {"interfaces", Interfaces(content.labels)},
+          {"assumptions", Assumptions()},
+          {"snapshot", ToJson(content.snapshot)},
+          {"map", ToJson(map)},
+          {"mapText", Policy::Describe(map, content.labels, {.longestList = 12})},
+          {"promises", ToJson(content.promises, content.labels)},
+          {"findings", ToJson(Policy::Lint(content.snapshot))}};
+}
+
+/// Text for a script element: names of filters and adapters are anybody's and must not end it.
+std::string ScriptText(const Json& data) {
+  std::string text;
+  for (const char character : data.dump(-1, ' ', false, Json::error_handler_t::replace)) {
+    if (character == '<') {
+      text += "\\u003c";
+    } else {
+      text += character;
+    }
+  }
+  return text;
+}
+
+}  // namespace
+
+std::string MakePage(const PageContent& content) {
+  std::string page(std::begin(kReportTemplate), std::end(kReportTemplate));
+  return page.replace(page.find(kDataMark), kDataMark.size(), ScriptText(DataOf(content)));
+}
