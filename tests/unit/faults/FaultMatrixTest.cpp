@@ -191,8 +191,10 @@ void FaultMatrix::TearDownTestSuite() {
   RecordProperty("cases", std::to_string(cases_));
   std::cout << "Fault matrix: " << cases_ << " cases of command, state, call and code; " << pairs_
             << " pairs of command and state\n";
-  if (pairs_ == Pairs().size()) {
-    EXPECT_GE(cases_, 10000U);
+  // A run of a few chosen pairs may have none; a shard has fifty for each of its pairs.
+  constexpr std::size_t kShards = 4;
+  if (pairs_ >= Pairs().size() / kShards) {
+    EXPECT_GE(cases_, 50 * pairs_);
   }
 }
 
