@@ -25,6 +25,6 @@ start_wine
 ctest --preset windows
 
 step "Look at a report in Chromium"
-scripts/page_test.sh
+scripts/test-page.sh
 
 scripts/test-package.sh
