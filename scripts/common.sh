@@ -1,6 +1,8 @@
 # For the other scripts: where things are, and a Wine prefix for a run.
 root=$(cd "$(dirname "${BASH_SOURCE[0]}")/.." && pwd)
 export WINEPREFIX="$root/build/wine"
+# Without it Wine has no names of files, and Mono no texts, beyond ASCII.
+export LC_ALL=C.UTF-8
 
 step() { printf '\n== %s\n' "$*"; }
 
