@@ -18,5 +18,5 @@ report --dns-app 'C:\windows\system32\svchost.exe' --block-app 'C:\unwanted.exe'
   enable-skein --luid 1689399632855041 --peer 100.64.0.1 report build/page/several.html
 
 cd tests/page
-npm ci --silent --no-audit --no-fund
+npm ci --loglevel=error --no-audit --no-fund
 npm test
