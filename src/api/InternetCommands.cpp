@@ -56,17 +56,7 @@ Sublayer BuildKillSwitch(const wchar_t* const* apps, std::uint32_t appCount,
 
 std::uint64_t CORVANE_CALL IsInternetEnabled() { return IsRegistered(Identities().killSwitch.guid) ? 0 : 1; }
 
-std::uint64_t CORVANE_CALL EnableInternet() {
-  if (IsInternetEnabled() == 1) {
-    return 0;
-  }
-  try {
-    Module().firewall->RemoveSublayer(Identities().killSwitch.guid);
-    return 0;
-  } catch (const FirewallException& error) {
-    return FailWith(error);
-  }
-}
+std::uint64_t CORVANE_CALL EnableInternet() { return RemoveRuleSet(Identities().killSwitch.guid); }
 
 std::uint64_t CORVANE_CALL DisableInternet(const wchar_t* const* apps, std::uint32_t appCount,
                                            const wchar_t* const* interfaceNames, std::uint32_t interfaceCount,

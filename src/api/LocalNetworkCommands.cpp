@@ -13,17 +13,7 @@ std::uint64_t CORVANE_CALL IsLocalNetworkEnabled() {
   return IsRegistered(Identities().localNetwork.guid) ? 0 : 1;
 }
 
-std::uint64_t CORVANE_CALL EnableLocalNetwork() {
-  if (IsLocalNetworkEnabled() == 1) {
-    return 0;
-  }
-  try {
-    Module().firewall->RemoveSublayer(Identities().localNetwork.guid);
-    return 0;
-  } catch (const FirewallException& error) {
-    return FailWith(error);
-  }
-}
+std::uint64_t CORVANE_CALL EnableLocalNetwork() { return RemoveRuleSet(Identities().localNetwork.guid); }
 
 std::uint64_t CORVANE_CALL DisableLocalNetwork(LogCallback log) {
   if (IsLocalNetworkEnabled() == 0) {

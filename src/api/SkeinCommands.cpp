@@ -48,14 +48,4 @@ std::uint64_t CORVANE_CALL EnableSkeinFirewallRules(LogCallback log, const wchar
   }
 }
 
-std::uint64_t CORVANE_CALL DisableSkeinFirewallRules() {
-  if (IsSkeinFirewallRulesEnabled() == 0) {
-    return 0;
-  }
-  try {
-    Module().firewall->RemoveSublayer(Identities().skein.guid);
-    return 0;
-  } catch (const FirewallException& error) {
-    return FailWith(error);
-  }
-}
+std::uint64_t CORVANE_CALL DisableSkeinFirewallRules() { return RemoveRuleSet(Identities().skein.guid); }
