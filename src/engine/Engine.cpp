@@ -13,9 +13,11 @@ std::shared_ptr<void> CreateFilterEnumHandle(const std::shared_ptr<void>& engine
   return {handle, [engine](HANDLE enumHandle) { FwpmFilterDestroyEnumHandle0(engine.get(), enumHandle); }};
 }
 
-bool BlocksOneApp(const FWPM_FILTER0& filter) {
-  return filter.numFilterConditions == 1 && filter.action.type == FWP_ACTION_BLOCK &&
-         filter.filterCondition[0].fieldKey == Filtering::kConditionAleAppId;
+/// A record that is not there, or whose condition is not, blocks nothing.
+bool BlocksOneApp(const FWPM_FILTER0* filter) {
+  return filter != nullptr && filter->numFilterConditions == 1 && filter->filterCondition != nullptr &&
+         filter->action.type == FWP_ACTION_BLOCK &&
+         filter->filterCondition->fieldKey == Filtering::kConditionAleAppId;
 }
 
 }  // namespace
@@ -43,7 +45,7 @@ std::vector<Filter> Engine::GetAllBlockedAppsFilters() {
 
   std::vector<Filter> filters;
   for (UINT32 i = 0; records != nullptr && i < count; ++i) {
-    if (BlocksOneApp(*records[i])) {
+    if (BlocksOneApp(records[i])) {
       filters.push_back(Filter::BuildFromNative(records[i]));
     }
   }

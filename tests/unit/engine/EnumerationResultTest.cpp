@@ -117,6 +117,18 @@ TEST_F(EnumerationResult, WithoutAnArrayIsEmptyWhateverItsCount) {
   EXPECT_THAT(Engine::GetAllBlockedAppsFilters(), IsEmpty());
 }
 
+TEST_F(EnumerationResult, MayHaveHolesAmongItsRecords) {
+  std::array<FWPM_FILTER0*, 3> records{nullptr, &record_, nullptr};
+  enumeration.records = records.data();
+  enumeration.count = 3;
+  EXPECT_THAT(Engine::GetAllBlockedAppsFilters(), SizeIs(1));
+}
+
+TEST_F(EnumerationResult, MayCountAConditionThatIsNotThere) {
+  record_.filterCondition = nullptr;
+  EXPECT_THAT(Engine::GetAllBlockedAppsFilters(), IsEmpty());
+}
+
 TEST_F(EnumerationResult, WithAnIdentifierThatIsNullIsRefused) {
   condition_.conditionValue.byteBlob = nullptr;
   EXPECT_THAT([] { Engine::GetAllBlockedAppsFilters(); }, FailsWith("Not yet supported condition"));
