@@ -25,7 +25,8 @@ class WFPFIREWALL_API BaseValue {
 template <typename T>
 class Value : public BaseValue {
  public:
-  /// The held T, owned by the value and its copies; null when the value holds nothing.
+  /// The held T, owned by the value and its copies; null when the value holds nothing, as one that was moved
+  /// from.
   [[nodiscard]] T* GetValue() const { return value_.get(); }
 
  protected:

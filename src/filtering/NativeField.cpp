@@ -18,9 +18,11 @@ bool Is(const BaseValue* value) {
   return dynamic_cast<const ValueClass*>(value) != nullptr;
 }
 
+/// Null if the value was moved from. The cast finds the value wherever it stands in its object, which may
+/// have another value as a base too.
 template <typename ValueClass>
 void* Data(const BaseValue* value) {
-  return static_cast<const ValueClass*>(value)->GetValue();
+  return dynamic_cast<const ValueClass&>(*value).GetValue();
 }
 
 struct FieldRule {
@@ -79,9 +81,10 @@ const FieldRule* FindRule(const BaseValue* value) {
 
 NativeField MapToNativeField(const BaseValue* value) {
   if (const FieldRule* rule = FindRule(value)) {
-    return {*rule->key, rule->type, rule->data(value)};
-  }
-  if (Is<IpAddressV4>(value) || Is<IpAddressAndMaskV4>(value)) {
+    if (void* const data = rule->data(value)) {
+      return {*rule->key, rule->type, data};
+    }
+  } else if (Is<IpAddressV4>(value) || Is<IpAddressAndMaskV4>(value)) {
     // Deliberate: the text lacks its negation; hosts match on it as it stands.
     throw FirewallException("You can use base IpAddressV4 class as condition");
   }

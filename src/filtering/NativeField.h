@@ -14,8 +14,9 @@ struct NativeField {
 };
 
 /// The field of a value's most derived class.
-/// @throws FirewallException "Not supported condition value" for null and for a class without a field,
-///         "You can use base IpAddressV4 class as condition" for the base classes of IPv4 addresses.
+/// @throws FirewallException "Not supported condition value" for null, for a class without a field and for a
+///         value that was moved from, "You can use base IpAddressV4 class as condition" for the base classes
+///         of IPv4 addresses.
 NativeField MapToNativeField(const Values::BaseValue* value);
 
 }  // namespace WfpFirewall::Filtering

@@ -1,5 +1,7 @@
 #include <gmock/gmock.h>
 
+#include <utility>
+
 #include "filtering/Condition.h"
 #include "filtering/Filter.h"
 #include "filtering/Values.h"
@@ -106,6 +108,16 @@ TEST(FilterRange, EndOfABaseClassIsRefused) {
   ExpectRefused(ConditionRange(new InterfaceIndex(1), new InterfaceLuid(2)), "Not supported condition value");
   ExpectRefused(ConditionRange(new IpAddressV4("10.0.0.1"), new IpAddressV4("10.0.0.2")),
                 "You can use base IpAddressV4 class as condition");
+}
+
+TEST(FilterRange, EndThatWasMovedFromIsRefused) {
+  for (const bool low : {true, false}) {
+    auto* const empty = new InterfaceIndex(3);
+    const InterfaceIndex heir = std::move(*empty);
+    auto* const whole = new InterfaceIndex(7);
+    ExpectRefused(low ? ConditionRange(empty, whole) : ConditionRange(whole, empty),
+                  "Not supported condition value");
+  }
 }
 
 TEST(FilterRange, TypeDecidesNotTheNumberOfValues) {

@@ -1,6 +1,7 @@
 #include <gmock/gmock.h>
 
 #include <typeinfo>
+#include <utility>
 
 #include "filtering/Condition.h"
 #include "filtering/Values.h"
@@ -112,6 +113,18 @@ TEST(NativeField, ClassDerivedFromAFieldsClassStandsForThatField) {
   EXPECT_EQ(native.Condition().conditionValue.uint16, 53);
 }
 
+TEST(NativeField, ClassWithTwoValuesGivesTheOneWhoseFieldItStandsFor) {
+  struct Both : RemotePort, Protocol {
+    Both() : RemotePort(53), Protocol(IPPROTO_UDP) {}
+  };
+  const NativeForm asPort({ConditionEqual(static_cast<RemotePort*>(new Both()))});
+  EXPECT_EQ(asPort.Condition().fieldKey, GuidFromText(kProtocolKey));
+  EXPECT_EQ(asPort.Condition().conditionValue.uint8, 17);
+  const NativeForm asProtocol({ConditionEqual(static_cast<Protocol*>(new Both()))});
+  EXPECT_EQ(asProtocol.Condition().fieldKey, GuidFromText(kProtocolKey));
+  EXPECT_EQ(asProtocol.Condition().conditionValue.uint8, 17);
+}
+
 void ExpectRefused(BaseValue* value, const char* message) {
   Filter filter(Action::Permit);
   filter.SetLayer(LayerType::AleAuthConnectV4);
@@ -140,6 +153,24 @@ TEST(NativeField, IpV6NetworksOtherThanRemoteAreRefused) {
 TEST(NativeField, ClassesWithoutAFieldAreRefused) {
   struct Unknown : BaseValue {};
   ExpectRefused(new Unknown(), "Not supported condition value");
+}
+
+/// A value whose text, number or record another one has taken over.
+template <typename ValueClass>
+BaseValue* MovedFrom(ValueClass value) {
+  const ValueClass heir = std::move(value);
+  return new ValueClass(std::move(value));  // NOLINT(bugprone-use-after-move): asked for.
+}
+
+TEST(NativeField, ValuesThatWereMovedFromAreRefused) {
+  constexpr const char* kMessage = "Not supported condition value";
+  ExpectRefused(MovedFrom(Protocol(IPPROTO_UDP)), kMessage);
+  ExpectRefused(MovedFrom(RemotePort(53)), kMessage);
+  ExpectRefused(MovedFrom(RemoteIpAddressV4("10.0.0.1")), kMessage);
+  ExpectRefused(MovedFrom(LocalInterfaceLuid(1)), kMessage);
+  ExpectRefused(MovedFrom(AppId(FWP_BYTE_BLOB{})), kMessage);
+  ExpectRefused(MovedFrom(RemoteIpAddressAndMaskV4("10.0.0.0", "255.0.0.0")), kMessage);
+  ExpectRefused(MovedFrom(RemoteIpAddressAndMaskV6("fe80::", 10)), kMessage);
 }
 
 TEST(NativeField, MissingValueIsRefused) { ExpectRefused(nullptr, "Not supported condition value"); }
