@@ -56,6 +56,8 @@ void Sublayer::Apply(HANDLE engine, const Provider& provider) {
     record.displayData = {name_.data(), description_.data()};
     record.providerKey = &providerKey;
   }
+  // Room first: no filter gets into the engine whose id could then not be kept.
+  filterIds_.reserve(filterIds_.size() + records.size());
   for (const FWPM_FILTER0& record : records) {
     UINT64 id = 0;
     const DWORD result = FwpmFilterAdd0(engine, &record, nullptr, &id);
