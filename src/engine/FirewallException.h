@@ -8,12 +8,12 @@
 
 namespace WfpFirewall {
 
+/// The code of a failure that no engine call reported.
+inline constexpr std::uint32_t kNoEngineCode = 1;
+
 /// Every failure of the engine and of the object model.
 class WFPFIREWALL_API FirewallException : public std::exception {
  public:
-  /// The code of a failure that no engine call reported.
-  static constexpr std::uint32_t kNoEngineCode = 1;
-
   /// @param errorCode Windows or FWP_E_ code of the engine call that failed.
   explicit FirewallException(const std::string& message, std::uint32_t errorCode = kNoEngineCode);
 

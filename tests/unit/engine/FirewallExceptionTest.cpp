@@ -17,6 +17,7 @@ TEST(FirewallException, CarriesTextAndCode) {
 
 TEST(FirewallException, CodeIsOneUnlessGiven) {
   EXPECT_EQ(FirewallException("Not supported Layer type.").GetErrorCode(), 1u);
+  EXPECT_EQ(kNoEngineCode, 1u);
 }
 
 TEST(FirewallException, CopiesItsText) {
