@@ -108,22 +108,38 @@ class WFPFIREWALL_API IpAddressAndMaskV4 : public Value<FWP_V4_ADDR_AND_MASK> {
 
 class WFPFIREWALL_API LocalIpAddressAndMaskV4 : public IpAddressAndMaskV4 {
  public:
-  using IpAddressAndMaskV4::IpAddressAndMaskV4;
+  explicit LocalIpAddressAndMaskV4(FWP_V4_ADDR_AND_MASK network) : IpAddressAndMaskV4(network) {}
+  LocalIpAddressAndMaskV4(const std::string& address, const std::string& mask)
+      : IpAddressAndMaskV4(address, mask) {}
+  LocalIpAddressAndMaskV4(const IpV4Address& address, const IpV4Address& mask)
+      : IpAddressAndMaskV4(address, mask) {}
 };
 
 class WFPFIREWALL_API RemoteIpAddressAndMaskV4 : public IpAddressAndMaskV4 {
  public:
-  using IpAddressAndMaskV4::IpAddressAndMaskV4;
+  explicit RemoteIpAddressAndMaskV4(FWP_V4_ADDR_AND_MASK network) : IpAddressAndMaskV4(network) {}
+  RemoteIpAddressAndMaskV4(const std::string& address, const std::string& mask)
+      : IpAddressAndMaskV4(address, mask) {}
+  RemoteIpAddressAndMaskV4(const IpV4Address& address, const IpV4Address& mask)
+      : IpAddressAndMaskV4(address, mask) {}
 };
 
 class WFPFIREWALL_API DestinationIpAddressAndMaskV4 : public IpAddressAndMaskV4 {
  public:
-  using IpAddressAndMaskV4::IpAddressAndMaskV4;
+  explicit DestinationIpAddressAndMaskV4(FWP_V4_ADDR_AND_MASK network) : IpAddressAndMaskV4(network) {}
+  DestinationIpAddressAndMaskV4(const std::string& address, const std::string& mask)
+      : IpAddressAndMaskV4(address, mask) {}
+  DestinationIpAddressAndMaskV4(const IpV4Address& address, const IpV4Address& mask)
+      : IpAddressAndMaskV4(address, mask) {}
 };
 
 class WFPFIREWALL_API SourceIpAddressAndMaskV4 : public IpAddressAndMaskV4 {
  public:
-  using IpAddressAndMaskV4::IpAddressAndMaskV4;
+  explicit SourceIpAddressAndMaskV4(FWP_V4_ADDR_AND_MASK network) : IpAddressAndMaskV4(network) {}
+  SourceIpAddressAndMaskV4(const std::string& address, const std::string& mask)
+      : IpAddressAndMaskV4(address, mask) {}
+  SourceIpAddressAndMaskV4(const IpV4Address& address, const IpV4Address& mask)
+      : IpAddressAndMaskV4(address, mask) {}
 };
 
 /// Base: an IPv6 network. The prefix length's low byte is kept, unchecked. The constructors that take
@@ -137,24 +153,40 @@ class WFPFIREWALL_API IpAddressAndMaskV6 : public Value<FWP_V6_ADDR_AND_MASK> {
 
 class WFPFIREWALL_API RemoteIpAddressAndMaskV6 : public IpAddressAndMaskV6 {
  public:
-  using IpAddressAndMaskV6::IpAddressAndMaskV6;
+  explicit RemoteIpAddressAndMaskV6(FWP_V6_ADDR_AND_MASK network) : IpAddressAndMaskV6(network) {}
+  RemoteIpAddressAndMaskV6(const IpV6Address& address, int prefixLength)
+      : IpAddressAndMaskV6(address, prefixLength) {}
+  RemoteIpAddressAndMaskV6(const std::string& address, int prefixLength)
+      : IpAddressAndMaskV6(address, prefixLength) {}
 };
 
 /// Deliberate: of the IPv6 networks only the remote one can reach the engine; this one and the next
 /// two are refused when the filter is made native.
 class WFPFIREWALL_API LocalIpAddressAndMaskV6 : public IpAddressAndMaskV6 {
  public:
-  using IpAddressAndMaskV6::IpAddressAndMaskV6;
+  explicit LocalIpAddressAndMaskV6(FWP_V6_ADDR_AND_MASK network) : IpAddressAndMaskV6(network) {}
+  LocalIpAddressAndMaskV6(const IpV6Address& address, int prefixLength)
+      : IpAddressAndMaskV6(address, prefixLength) {}
+  LocalIpAddressAndMaskV6(const std::string& address, int prefixLength)
+      : IpAddressAndMaskV6(address, prefixLength) {}
 };
 
 class WFPFIREWALL_API DestinationIpAddressAndMaskV6 : public IpAddressAndMaskV6 {
  public:
-  using IpAddressAndMaskV6::IpAddressAndMaskV6;
+  explicit DestinationIpAddressAndMaskV6(FWP_V6_ADDR_AND_MASK network) : IpAddressAndMaskV6(network) {}
+  DestinationIpAddressAndMaskV6(const IpV6Address& address, int prefixLength)
+      : IpAddressAndMaskV6(address, prefixLength) {}
+  DestinationIpAddressAndMaskV6(const std::string& address, int prefixLength)
+      : IpAddressAndMaskV6(address, prefixLength) {}
 };
 
 class WFPFIREWALL_API SourceIpAddressAndMaskV6 : public IpAddressAndMaskV6 {
  public:
-  using IpAddressAndMaskV6::IpAddressAndMaskV6;
+  explicit SourceIpAddressAndMaskV6(FWP_V6_ADDR_AND_MASK network) : IpAddressAndMaskV6(network) {}
+  SourceIpAddressAndMaskV6(const IpV6Address& address, int prefixLength)
+      : IpAddressAndMaskV6(address, prefixLength) {}
+  SourceIpAddressAndMaskV6(const std::string& address, int prefixLength)
+      : IpAddressAndMaskV6(address, prefixLength) {}
 };
 
 /// Base: a TCP or UDP port.

@@ -2,6 +2,10 @@
 
 #include <gtest/gtest.h>
 
+#include <string>
+#include <utility>
+
+#include "support/LeftOf.h"
 #include "unit/engine/Samples.h"
 
 namespace WfpFirewall {
@@ -13,6 +17,13 @@ TEST(Provider, GivesBackWhatItWasMadeOf) {
   EXPECT_EQ(provider.GetName(), L"CorvaneService");
   EXPECT_EQ(provider.GetDisplayName(), L"Corvane");
   EXPECT_EQ(provider.GetDisplayDesc(), L"Corvane firewall provider");
+}
+
+TEST(Provider, TakesItsTextsOver) {
+  const auto left = [](const auto& make) { return LeftOf(std::wstring(L"Corvane"), make); };
+  EXPECT_EQ(left([](std::wstring&& text) { Provider(GUID(), std::move(text), L"", L""); }), L"");
+  EXPECT_EQ(left([](std::wstring&& text) { Provider(GUID(), L"", std::move(text), L""); }), L"");
+  EXPECT_EQ(left([](std::wstring&& text) { Provider(GUID(), L"", L"", std::move(text)); }), L"");
 }
 
 TEST(Provider, IsPersistentOnlyOnceTold) {

@@ -3,9 +3,12 @@
 #include <gtest/gtest.h>
 
 #include <memory>
+#include <string>
 #include <type_traits>
+#include <utility>
 
 #include "filtering/Values.h"
+#include "support/LeftOf.h"
 #include "unit/engine/Samples.h"
 
 namespace WfpFirewall {
@@ -26,6 +29,12 @@ TEST(Sublayer, HasItsKeyAndNoFiltersAtFirst) {
   EXPECT_EQ(sublayer.GetGuid(), Samples::kFirstKey);
   EXPECT_TRUE(sublayer.IsEmpty());
   EXPECT_TRUE(sublayer.GetFilters().empty());
+}
+
+TEST(Sublayer, TakesItsTextsOver) {
+  const auto left = [](const auto& make) { return LeftOf(std::wstring(L"Ports"), make); };
+  EXPECT_EQ(left([](std::wstring&& text) { Sublayer(GUID(), std::move(text), L""); }), L"");
+  EXPECT_EQ(left([](std::wstring&& text) { Sublayer(GUID(), L"", std::move(text)); }), L"");
 }
 
 TEST(Sublayer, KeepsFiltersInTheOrderOfAdding) {

@@ -3,10 +3,13 @@
 #include <gmock/gmock.h>
 
 #include <memory>
+#include <string>
+#include <utility>
 
 #include "emulator/Control.h"
 #include "filtering/Condition.h"
 #include "support/EngineTest.h"
+#include "support/LeftOf.h"
 #include "unit/engine/FailsWith.h"
 #include "unit/filtering/NativeForm.h"
 
@@ -33,6 +36,10 @@ TEST_F(AppIdTest, PathBecomesTheEnginesIdentifier) {
   const AppId app{std::wstring(kPath)};
   using namespace std::string_literals;
   EXPECT_EQ(Text(*app.GetValue()), u"\\device\\harddiskvolume1\\corvane\\service.exe\0"s);
+}
+
+TEST_F(AppIdTest, TakesItsPathOver) {
+  EXPECT_EQ(LeftOf(std::wstring(kPath), [](std::wstring&& path) { AppId{std::move(path)}; }), L"");
 }
 
 TEST_F(AppIdTest, FileThatDoesNotExistThrowsWithTheEnginesCode) {

@@ -3,6 +3,10 @@
 #include <gtest/gtest.h>
 
 #include <limits>
+#include <string>
+#include <utility>
+
+#include "support/LeftOf.h"
 
 namespace WfpFirewall {
 namespace {
@@ -37,6 +41,10 @@ TEST(IpV4Address, TextReachesAddressesThatANumberCannot) {
 TEST(IpV4Address, TextComesBackAsGiven) {
   EXPECT_EQ(IpV4Address("10.0.0.1").GetAddressString(), "10.0.0.1");
   EXPECT_EQ(IpV4Address("not an address").GetAddressString(), "not an address");
+}
+
+TEST(IpV4Address, TakesItsTextOver) {
+  EXPECT_EQ(LeftOf(std::string("10.0.0.1"), [](std::string&& text) { IpV4Address{std::move(text)}; }), "");
 }
 
 TEST(IpV4Address, TextThatDoesNotParseGivesZero) {

@@ -2,6 +2,10 @@
 
 #include <gmock/gmock.h>
 
+#include <string>
+#include <utility>
+
+#include "support/LeftOf.h"
 #include "unit/engine/FailsWith.h"
 
 namespace WfpFirewall {
@@ -27,6 +31,10 @@ TEST(IpV6Address, TextGivesItsBytesInNetworkOrder) {
 TEST(IpV6Address, TextComesBackAsGiven) {
   EXPECT_EQ(IpV6Address("FE80:0::0:1").GetAddressString(), "FE80:0::0:1");
   EXPECT_EQ(IpV6Address("not an address").GetAddressString(), "not an address");
+}
+
+TEST(IpV6Address, TakesItsTextOver) {
+  EXPECT_EQ(LeftOf(std::string("fe80::1"), [](std::string&& text) { IpV6Address{std::move(text)}; }), "");
 }
 
 TEST(IpV6Address, TextThatDoesNotParseThrowsWhenItsBytesAreAskedFor) {

@@ -3,8 +3,11 @@
 #include <gmock/gmock.h>
 
 #include <memory>
+#include <string>
 #include <type_traits>
+#include <utility>
 
+#include "support/LeftOf.h"
 #include "unit/engine/FailsWith.h"
 
 namespace WfpFirewall::Filtering::Values {
@@ -71,6 +74,19 @@ TEST(IpAddressV4, ParsesTextToHostOrder) {
   EXPECT_EQ(*DestinationIpAddressV4("255.255.255.255").GetValue(), 0xFFFFFFFFu);
 }
 
+template <typename ValueClass>
+std::string LeftOfAddress() {
+  return LeftOf(std::string("10.0.0.1"), [](std::string&& text) { ValueClass{std::move(text)}; });
+}
+
+TEST(IpAddressV4, TakesItsTextOver) {
+  EXPECT_EQ(LeftOfAddress<IpAddressV4>(), "");
+  EXPECT_EQ(LeftOfAddress<LocalIpAddressV4>(), "");
+  EXPECT_EQ(LeftOfAddress<RemoteIpAddressV4>(), "");
+  EXPECT_EQ(LeftOfAddress<DestinationIpAddressV4>(), "");
+  EXPECT_EQ(LeftOfAddress<SourceIpAddressV4>(), "");
+}
+
 TEST(IpAddressV4, TakesAnAddressOfEitherForm) {
   EXPECT_EQ(*SourceIpAddressV4(IpV4Address(0x7F000001)).GetValue(), 0x7F000001u);
   EXPECT_EQ(*SourceIpAddressV4(IpV4Address("10.0.0.1")).GetValue(), 0x0A000001u);
@@ -92,6 +108,21 @@ TEST(IpAddressAndMaskV4, TakesAddressesOfEitherForm) {
   EXPECT_EQ(value.GetValue()->mask, 0xFF000000u);
 }
 
+template <typename ValueClass>
+std::string LeftOfNetworkV4() {
+  const auto fromAddress = [](std::string&& text) { ValueClass(std::move(text), "255.0.0.0"); };
+  const auto fromMask = [](std::string&& text) { ValueClass("10.0.0.0", std::move(text)); };
+  return LeftOf(std::string("10.0.0.0"), fromAddress) + "/" + LeftOf(std::string("255.0.0.0"), fromMask);
+}
+
+TEST(IpAddressAndMaskV4, TakesItsTextsOverWhereTheDerivedClassesCopyThem) {
+  EXPECT_EQ(LeftOfNetworkV4<IpAddressAndMaskV4>(), "/");
+  EXPECT_EQ(LeftOfNetworkV4<LocalIpAddressAndMaskV4>(), "10.0.0.0/255.0.0.0");
+  EXPECT_EQ(LeftOfNetworkV4<RemoteIpAddressAndMaskV4>(), "10.0.0.0/255.0.0.0");
+  EXPECT_EQ(LeftOfNetworkV4<DestinationIpAddressAndMaskV4>(), "10.0.0.0/255.0.0.0");
+  EXPECT_EQ(LeftOfNetworkV4<SourceIpAddressAndMaskV4>(), "10.0.0.0/255.0.0.0");
+}
+
 TEST(IpAddressAndMaskV4, CopiesANativeNetwork) {
   const DestinationIpAddressAndMaskV4 value(FWP_V4_ADDR_AND_MASK{0xC0A80000, 0xFFFF0000});
   EXPECT_EQ(value.GetValue()->addr, 0xC0A80000u);
@@ -106,6 +137,19 @@ TEST(IpAddressAndMaskV6, ParsesTextAndKeepsThePrefixLength) {
   const RemoteIpAddressAndMaskV6 value("fe80::", 10);
   EXPECT_THAT(value.GetValue()->addr, ElementsAre(0xfe, 0x80, 0, 0, 0, 0, 0, 0, 0, 0, 0, 0, 0, 0, 0, 0));
   EXPECT_EQ(value.GetValue()->prefixLength, 10);
+}
+
+template <typename ValueClass>
+std::string LeftOfNetworkV6() {
+  return LeftOf(std::string("fe80::"), [](std::string&& text) { ValueClass(std::move(text), 10); });
+}
+
+TEST(IpAddressAndMaskV6, TakesItsTextOverWhereTheDerivedClassesCopyIt) {
+  EXPECT_EQ(LeftOfNetworkV6<IpAddressAndMaskV6>(), "");
+  EXPECT_EQ(LeftOfNetworkV6<LocalIpAddressAndMaskV6>(), "fe80::");
+  EXPECT_EQ(LeftOfNetworkV6<RemoteIpAddressAndMaskV6>(), "fe80::");
+  EXPECT_EQ(LeftOfNetworkV6<DestinationIpAddressAndMaskV6>(), "fe80::");
+  EXPECT_EQ(LeftOfNetworkV6<SourceIpAddressAndMaskV6>(), "fe80::");
 }
 
 TEST(IpAddressAndMaskV6, TakesAnAddressMadeFromText) {
