@@ -2,6 +2,7 @@
 
 #include <WfpPlatform.h>
 
+#include <algorithm>
 #include <sstream>
 #include <string>
 #include <vector>
@@ -38,5 +39,18 @@ class RuleSetFixture : public EngineTest {
     std::vector<std::string> texts;
     for (const auto& filter : InstallAndLook(ruleSet).filters) texts.push_back(filter.text);
     return texts;
+  }
+
+  /// Whether those are the filters of a table. If not, says which is the first that differs.
+  static testing::AssertionResult Installs(const WfpFirewall::Sublayer& ruleSet, const std::string& table) {
+    const std::vector<std::string> installed = Install(ruleSet);
+    const std::vector<std::string> expected = Lines(table);
+    const auto [is, shouldBe] = std::ranges::mismatch(installed, expected);
+    if (is == installed.end() && shouldBe == expected.end()) return testing::AssertionSuccess();
+    return testing::AssertionFailure()
+           << "filter " << is - installed.begin() + 1 << " differs\n"
+           << "  expected:  " << (shouldBe == expected.end() ? "none" : *shouldBe) << "\n"
+           << "  installed: " << (is == installed.end() ? "none" : *is) << "\n"
+           << "of " << expected.size() << " expected and " << installed.size() << " installed";
   }
 };
