@@ -44,10 +44,11 @@ struct NetworkV6 {
 constexpr NetworkV4 kLoopbackV4{"127.0.0.1", "255.0.0.0"};
 constexpr NetworkV4 kPrivateNetworksV4[]{
     {"192.168.0.0", "255.255.0.0"}, {"10.0.0.0", "255.0.0.0"}, {"172.16.0.0", "255.240.0.0"}};
-constexpr NetworkV4 kGroupsV4[]{{"239.255.255.250", "255.255.255.255"},
-                                {"255.255.255.255", "255.255.255.255"}};
+constexpr NetworkV4 kGroupAndBroadcastV4[]{{"239.255.255.250", "255.255.255.255"},
+                                           {"255.255.255.255", "255.255.255.255"}};
 
-constexpr NetworkV6 kPrivateNetworksV6[]{{"::1", 128}, {"fe80::", 10}, {"fc00::", 7}};
+constexpr NetworkV6 kLoopbackV6{"::1", 128};
+constexpr NetworkV6 kLocalNetworksV6[]{{"fe80::", 10}, {"fc00::", 7}};
 constexpr NetworkV6 kGroupsV6[]{{"ff02::c", 128}, {"ff05::c", 128}, {"ff08::c", 128}, {"ff0e::c", 128}};
 
 Condition OnInterface(UINT64 luid) { return ConditionEqual(new LocalInterfaceLuid(luid)); }
@@ -62,7 +63,7 @@ Condition To(const NetworkV6& network) {
   return ConditionEqual(new RemoteIpAddressAndMaskV6(network.address, network.prefixLength));
 }
 
-/// A permit that takes effect even where another sublayer has blocked the connection.
+/// A final permit: sublayers of lower weight cannot take it back. The block of a heavier one stands.
 Filter Permit(LayerType layer, std::initializer_list<Condition> conditions) {
   FilterBuilder permit = FilterBuilder().CreateFilter(Action::Permit).InLayer(layer);
   for (const Condition& condition : conditions) {
@@ -112,8 +113,8 @@ void InterfaceLeakProtection::AddFiltersV4(UINT64 luid, const IpV4Address& serve
   for (const NetworkV4& network : kPrivateNetworksV4) {
     AddFilter(Permit(kLayerV4, {OffInterface(luid), To(network)}));
   }
-  for (const NetworkV4& group : kGroupsV4) {
-    AddFilter(Permit(kLayerV4, {To(group), OffInterface(luid)}));
+  for (const NetworkV4& destination : kGroupAndBroadcastV4) {
+    AddFilter(Permit(kLayerV4, {To(destination), OffInterface(luid)}));
   }
   AddFilter(Permit(kLayerV4, {OffInterface(luid), ConditionEqual(new RemoteIpAddressV4(serverAddress))}));
   AddFilter(Block(kLayerV4, luid, kBlockWeightV4));
@@ -122,7 +123,8 @@ void InterfaceLeakProtection::AddFiltersV4(UINT64 luid, const IpV4Address& serve
 void InterfaceLeakProtection::AddFiltersV6(UINT64 luid) {
   AddFilter(Permit(kLayerV6, {OnInterface(luid)}));
   AddFilter(Permit(kLayerV6, {OffInterface(luid), ConditionEqual(new LoopbackFlag())}));
-  for (const NetworkV6& network : kPrivateNetworksV6) {
+  AddFilter(Permit(kLayerV6, {OffInterface(luid), To(kLoopbackV6)}));
+  for (const NetworkV6& network : kLocalNetworksV6) {
     AddFilter(Permit(kLayerV6, {OffInterface(luid), To(network)}));
   }
   for (const NetworkV6& group : kGroupsV6) {
