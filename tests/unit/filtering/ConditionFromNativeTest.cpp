@@ -1,5 +1,6 @@
 #include <gmock/gmock.h>
 
+#include <cstring>
 #include <memory>
 #include <typeinfo>
 
@@ -23,6 +24,14 @@ FWPM_FILTER_CONDITION0 Native(const char* key, FWP_DATA_TYPE type) {
   FWPM_FILTER_CONDITION0 native{};
   native.fieldKey = GuidFromText(key);
   native.matchType = FWP_MATCH_EQUAL;
+  native.conditionValue.type = type;
+  return native;
+}
+
+/// The same for a number, in a union whose other bytes are not zero: they are no part of it.
+FWPM_FILTER_CONDITION0 NativeNumber(const char* key, FWP_DATA_TYPE type) {
+  FWPM_FILTER_CONDITION0 native = Native(key, type);
+  std::memset(&native.conditionValue, 0xEE, sizeof(native.conditionValue));
   native.conditionValue.type = type;
   return native;
 }
@@ -70,38 +79,38 @@ void ExpectNumberRead(FWPM_FILTER_CONDITION0 native, int expected) {
 }
 
 TEST(ConditionFromNative, ThirtyTwoBitFields) {
-  FWPM_FILTER_CONDITION0 index = Native(kInterfaceIndexKey, FWP_UINT32);
+  FWPM_FILTER_CONDITION0 index = NativeNumber(kInterfaceIndexKey, FWP_UINT32);
   index.conditionValue.uint32 = 0x10001;
   ExpectNumberRead<InterfaceIndex>(index, 0x10001);
-  FWPM_FILTER_CONDITION0 subIndex = Native(kSubInterfaceIndexKey, FWP_UINT32);
+  FWPM_FILTER_CONDITION0 subIndex = NativeNumber(kSubInterfaceIndexKey, FWP_UINT32);
   subIndex.conditionValue.uint32 = 0x10002;
   ExpectNumberRead<SubInterfaceIndex>(subIndex, 0x10002);
-  FWPM_FILTER_CONDITION0 flags = Native(kFlagsKey, FWP_UINT32);
+  FWPM_FILTER_CONDITION0 flags = NativeNumber(kFlagsKey, FWP_UINT32);
   flags.conditionValue.uint32 = 1;
   ExpectNumberRead<Flag>(flags, 1);
 }
 
 TEST(ConditionFromNative, EightBitFields) {
-  FWPM_FILTER_CONDITION0 protocol = Native(kProtocolKey, FWP_UINT8);
+  FWPM_FILTER_CONDITION0 protocol = NativeNumber(kProtocolKey, FWP_UINT8);
   protocol.conditionValue.uint8 = 255;
   ExpectNumberRead<Protocol>(protocol, 255);
-  FWPM_FILTER_CONDITION0 addressType = Native(kLocalAddressTypeKey, FWP_UINT8);
+  FWPM_FILTER_CONDITION0 addressType = NativeNumber(kLocalAddressTypeKey, FWP_UINT8);
   addressType.conditionValue.uint8 = 3;
   ExpectNumberRead<IpLocalAddressType>(addressType, 3);
 }
 
 TEST(ConditionFromNative, Ports) {
-  FWPM_FILTER_CONDITION0 local = Native(kLocalPortKey, FWP_UINT16);
+  FWPM_FILTER_CONDITION0 local = NativeNumber(kLocalPortKey, FWP_UINT16);
   local.conditionValue.uint16 = 65535;
   ExpectNumberRead<LocalPort>(local, 65535);
-  FWPM_FILTER_CONDITION0 remote = Native(kRemotePortKey, FWP_UINT16);
-  remote.conditionValue.uint16 = 53;
-  ExpectNumberRead<RemotePort>(remote, 53);
+  FWPM_FILTER_CONDITION0 remote = NativeNumber(kRemotePortKey, FWP_UINT16);
+  remote.conditionValue.uint16 = 8080;
+  ExpectNumberRead<RemotePort>(remote, 8080);
 }
 
 template <typename ValueClass>
 void ExpectAddressRead(const char* key) {
-  FWPM_FILTER_CONDITION0 native = Native(key, FWP_UINT32);
+  FWPM_FILTER_CONDITION0 native = NativeNumber(key, FWP_UINT32);
   native.conditionValue.uint32 = 0xC0A80001;
   const auto value = Read<ValueClass>(native);
   ASSERT_NE(value, nullptr);

@@ -59,7 +59,7 @@ TEST(NativeField, ProtocolIsWrittenAsItsByte) {
 
 TEST(NativeField, OnlyTheLowByteOfAProtocolIsWritten) {
   const NativeForm native({ConditionEqual(new Protocol(static_cast<IPPROTO>(0x111)))});
-  EXPECT_EQ(native.Condition().conditionValue.uint8, 0x11);
+  EXPECT_EQ(native.Condition().conditionValue.uint32, 0x11u);  // nothing beside the byte
 }
 
 TEST(NativeField, LocalAddressTypeIsWrittenAsItsByte) {
