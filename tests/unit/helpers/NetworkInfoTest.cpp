@@ -226,11 +226,20 @@ TEST(NetworkInfoFilter, KeepsWhatThePredicateHoldsForInOrder) {
   EXPECT_EQ(kept[1].GetName(), L"C");
 }
 
-TEST(NetworkInfoFilter, NothingThatMatchesGivesAnEmptyListAndLeavesTheInput) {
-  const auto interfaces = ThreeInterfaces();
-  EXPECT_THAT(NetworkInfo::Filter(interfaces, [](const NetworkInterface&) { return false; }), IsEmpty());
-  ASSERT_EQ(interfaces.size(), 3u);
-  EXPECT_EQ(interfaces[1].GetName(), L"B");
+TEST(NetworkInfoFilter, NothingThatMatchesGivesAnEmptyList) {
+  EXPECT_THAT(NetworkInfo::Filter(ThreeInterfaces(), [](const NetworkInterface&) { return false; }),
+              IsEmpty());
+}
+
+TEST(NetworkInfoFilter, GivesCopiesAndLeavesTheInput) {
+  auto interfaces = ThreeInterfaces();
+  for (const bool matches : {true, false}) {
+    NetworkInfo::Filter(interfaces, [matches](const NetworkInterface&) { return matches; });
+    ASSERT_EQ(interfaces.size(), 3u);
+    EXPECT_EQ(interfaces[0].GetName(), L"A");
+    EXPECT_EQ(interfaces[1].GetName(), L"B");
+    EXPECT_EQ(interfaces[2].GetName(), L"C");
+  }
 }
 
 TEST(NetworkInfoFilter, EmptyPredicateIsABadFunctionCall) {

@@ -1,6 +1,6 @@
 #include "helpers/tarnwell/Utilities.h"
 
-#include <gtest/gtest.h>
+#include <gmock/gmock.h>
 
 #include <stdexcept>
 #include <string>
@@ -62,11 +62,9 @@ TEST_F(Utilities, FailureToFindTheSystemMessageIsADoubleFailure) {
 }
 
 TEST_F(Utilities, FailedAssertionNamesExpressionLineUnitAndItsName) {
-  try {
-    RaiseFailedAssertion("1 > 2", 40, "Unit.cpp", "Unit");
-  } catch (const std::runtime_error& error) {
-    EXPECT_STREQ(error.what(), "Failed assertion { 1 > 2 } on line 40 of Unit.cpp (Unit)");
-  }
+  EXPECT_THAT(
+      [] { RaiseFailedAssertion("1 > 2", 40, "Unit.cpp", "Unit"); },
+      testing::ThrowsMessage<std::runtime_error>("Failed assertion { 1 > 2 } on line 40 of Unit.cpp (Unit)"));
   EXPECT_TRUE(FakePlatform::GetCalls().empty());
 }
 
