@@ -1,5 +1,7 @@
 #include "EmulatedEngine.h"
 
+#include <gtest/gtest.h>
+
 #include <sstream>
 
 namespace {
@@ -53,4 +55,22 @@ EngineEmulatorOutstanding EmulatedEngine::CountOutstanding() const {
   EngineEmulatorOutstanding outstanding{};
   module_.Find<decltype(&EngineEmulatorCountOutstanding)>("EngineEmulatorCountOutstanding")(&outstanding);
   return outstanding;
+}
+
+std::shared_ptr<void> EmulatedEngine::OccupySublayer(const GUID& key) const {
+  FWPM_SESSION0 options{};
+  options.flags = FWPM_SESSION_FLAG_DYNAMIC;
+  HANDLE handle = nullptr;
+  EXPECT_EQ(module_.Find<decltype(&FwpmEngineOpen0)>("FwpmEngineOpen0")(nullptr, RPC_C_AUTHN_WINNT, nullptr,
+                                                                        &options, &handle),
+            ERROR_SUCCESS);
+  std::shared_ptr<void> session(handle, module_.Find<decltype(&FwpmEngineClose0)>("FwpmEngineClose0"));
+
+  std::wstring name = L"Another program's";
+  FWPM_SUBLAYER0 sublayer{};
+  sublayer.subLayerKey = key;
+  sublayer.displayData.name = name.data();
+  EXPECT_EQ(module_.Find<decltype(&FwpmSubLayerAdd0)>("FwpmSubLayerAdd0")(handle, &sublayer, nullptr),
+            ERROR_SUCCESS);
+  return session;
 }

@@ -1,6 +1,7 @@
 #pragma once
 
 #include <cstddef>
+#include <memory>
 #include <string>
 #include <vector>
 
@@ -29,6 +30,9 @@ class EmulatedEngine {
   /// The lines of the snapshot that tell of filters.
   [[nodiscard]] Texts Filters() const;
   [[nodiscard]] EngineEmulatorOutstanding CountOutstanding() const;
+
+  /// Adds a sublayer of another program, which has it as long as the result lives.
+  [[nodiscard]] std::shared_ptr<void> OccupySublayer(const GUID& key) const;
 
  private:
   EmulatedEngine();

@@ -1,6 +1,7 @@
 #include <gmock/gmock.h>
 
 #include <algorithm>
+#include <memory>
 #include <vector>
 
 #include "LibraryTest.h"
@@ -11,6 +12,7 @@ using testing::Contains;
 using testing::ElementsAre;
 using testing::EndsWith;
 using testing::HasSubstr;
+using testing::IsEmpty;
 using testing::SizeIs;
 
 class LibraryLeakProtection : public LibraryTest {
@@ -64,8 +66,12 @@ TEST_F(LibraryLeakProtection, GoesOnIsReplacedAndGoesOff) {
 
 TEST_F(LibraryLeakProtection, KeepsNoPointerToTheAddresses) {
   std::vector<std::uint32_t> addresses{0x01020304, 0xFFFFFFFF};
+  // As long as another program has the sublayer, the engine takes none of the interface rules.
+  std::shared_ptr<void> otherProgram = engine_.OccupySublayer(kInterfaceLeakKey);
   ASSERT_EQ(Enable(addresses), 0U);
+  ASSERT_THAT(ListedAddresses(), IsEmpty());
   std::ranges::fill(addresses, 0U);
+  otherProgram.reset();
   // The kill switch is applied together with what is registered.
   ASSERT_EQ(DisableInternet(), 0U);
   EXPECT_THAT(ListedAddresses(), ElementsAre(EndsWith("| IP_REMOTE_ADDRESS EQUAL UINT32 1.2.3.4 & "

@@ -2,9 +2,12 @@
 #include <gmock/gmock.h>
 
 #include <algorithm>
+#include <memory>
 
 #include "LeakProtectionTest.h"
 #include "emulator/Control.h"
+#include "engine/Engine.h"
+#include "engine/Sublayer.h"
 #include "filtering/EngineKeys.h"
 #include "helpers/NetworkInfoException.h"
 #include "support/AppBlock.h"
@@ -214,10 +217,22 @@ TEST_F(LeakProtection, EndsWithASecondInitialize) {
   EXPECT_EQ(Installed(), "");
 }
 
+/// A sublayer of another program, which has it as long as the result lives. Until then the engine takes none
+/// of our filters for that key.
+std::shared_ptr<void> OccupySublayer(const GUID& key) {
+  std::shared_ptr<void> session = WfpFirewall::Engine::OpenEngine();
+  WfpFirewall::Sublayer(key, L"Another program's", L"").Apply(session.get(), {kProviderKey, L"", L"", L""});
+  return session;
+}
+
 TEST_F(LeakProtection, ReadsThePermittedAddressesOnlyDuringTheCall) {
   std::vector<std::uint32_t> addresses{0xFFFFFFFF, 0x80000000, 0};
+  std::shared_ptr<void> otherProgram = OccupySublayer(kInterfaceLeakKey);
   ASSERT_EQ(Enable(addresses), 0U);
+  ASSERT_EQ(Installed(), "dns 12, copy 1, interface 0");
   std::ranges::fill(addresses, 1);
+  otherProgram.reset();
+  ASSERT_EQ(EnableDhcp(Log), 0U);  // installs what is registered
   EXPECT_THAT(
       ListedAddresses(),
       ElementsAre(EndsWith("| IP_REMOTE_ADDRESS EQUAL UINT32 255.255.255.255 & IP_REMOTE_ADDRESS EQUAL "
