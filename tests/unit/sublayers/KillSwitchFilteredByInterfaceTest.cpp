@@ -117,6 +117,15 @@ TEST_F(KillSwitchFilteredByInterfaceTest, HasTheKeyOfTheSource) {
   EXPECT_EQ(KillSwitchFilteredByInterface(source_, {kTunnel}).GetGuid(), kKey);
 }
 
+TEST_F(KillSwitchFilteredByInterfaceTest, HasNameDescriptionAndWeightOfTheSource) {
+  source_.SetWeight(32001);
+  const auto sublayers = InstallAndLook(KillSwitchFilteredByInterface(source_, {kTunnel})).sublayers;
+  ASSERT_THAT(sublayers, SizeIs(1));
+  EXPECT_EQ(sublayers[0].name, L"Kill switch");
+  EXPECT_EQ(sublayers[0].description, L"Cuts the machine off");
+  EXPECT_EQ(sublayers[0].weight, 32001);
+}
+
 TEST_F(KillSwitchFilteredByInterfaceTest, BuildingAgainAddsTheConditionsASecondTime) {
   KillSwitchFilteredByInterface variant(source_, {kTunnel});
   KillSwitch& base = variant;

@@ -115,6 +115,19 @@ TEST_F(KillSwitchWithWhitelistedAppsTest, IdentifiersLiveAsLongAsACopyOfTheFilte
   EXPECT_EQ(BlocksNotGivenBack(), 0u);
 }
 
+TEST_F(KillSwitchWithWhitelistedAppsTest, HasTheKeyOfTheSource) {
+  EXPECT_EQ(KillSwitchWithWhitelistedApps(source_, {kBrowser}).GetGuid(), kKey);
+}
+
+TEST_F(KillSwitchWithWhitelistedAppsTest, HasNameDescriptionAndWeightOfTheSource) {
+  source_.SetWeight(32001);
+  const auto sublayers = InstallAndLook(KillSwitchWithWhitelistedApps(source_, {kBrowser})).sublayers;
+  ASSERT_THAT(sublayers, SizeIs(1));
+  EXPECT_EQ(sublayers[0].name, L"Kill switch");
+  EXPECT_EQ(sublayers[0].description, L"Cuts the machine off");
+  EXPECT_EQ(sublayers[0].weight, 32001);
+}
+
 TEST_F(KillSwitchWithWhitelistedAppsTest, BuildingAgainAppendsThePermitsASecondTime) {
   KillSwitchWithWhitelistedApps variant(source_, {kBrowser});
   KillSwitch& base = variant;
