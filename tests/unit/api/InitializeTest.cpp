@@ -126,6 +126,28 @@ TEST_F(InitializeCommand, OnceMoreClosesTheSessionAndLeavesTheEngineEmpty) {
   EXPECT_EQ(IsDhcpEnabled(), 0U);
 }
 
+TEST_F(InitializeCommand, OnceMoreSwitchesEveryFeatureOff) {
+  InitializeModule();
+  EngineEmulator::PretendFileExists(L"C:\\dns.exe");
+  ASSERT_EQ(DisableInternet(nullptr, 0, nullptr, 0, Log), 0U);
+  ASSERT_EQ(EnableDhcp(Log), 0U);
+  ASSERT_EQ(EnableLeakProtection("198.51.100.7", Log, nullptr, 0, 7, nullptr, 0), 0U);
+  ASSERT_EQ(IsLeakProtectionEnabled(), 1U);
+  ASSERT_EQ(DisableLocalNetwork(Log), 0U);
+  ASSERT_EQ(EnableSkeinFirewallRules(Log, nullptr, 0, 7, nullptr, 0), 0U);
+  ExpectOutstandingMemory(1);  // the array of leak protection's enumeration
+
+  InitializeModule();
+
+  EXPECT_EQ(IsInternetEnabled(), 1U);
+  EXPECT_EQ(IsDhcpEnabled(), 0U);
+  EXPECT_EQ(IsLeakProtectionEnabled(), 0U);
+  EXPECT_EQ(IsLocalNetworkEnabled(), 1U);
+  TakeCalls();
+  EXPECT_EQ(DisableSkeinFirewallRules(), 0U);  // Skein has no query
+  EXPECT_THAT(TakeCalls(), IsEmpty());
+}
+
 TEST_F(InitializeCommand, OnceMoreTakesTheNewIdentities) {
   InitializeModule();
   ASSERT_EQ(EnableDhcp(Log), 0U);

@@ -82,6 +82,20 @@ TEST_F(BlockedAppsFilters, ComeFromEveryOwnerLayerAndSublayer) {
                           "\\device\\harddiskvolume1\\c.exe"));
 }
 
+TEST_F(BlockedAppsFilters, ComeFromEveryProvider) {
+  const std::shared_ptr<void> session = Engine::OpenEngine();
+  std::wstring name = L"Another product";
+  FWPM_PROVIDER0 provider{};
+  provider.providerKey = Samples::kThirdKey;
+  provider.displayData.name = name.data();
+  ASSERT_EQ(FwpmProviderAdd0(session.get(), &provider, nullptr), ERROR_SUCCESS);
+  AppBlock block(L"C:\\a.exe");
+  block.filter.providerKey = &provider.providerKey;
+  ASSERT_EQ(FwpmFilterAdd0(session.get(), &block.filter, nullptr, nullptr), ERROR_SUCCESS);
+  EXPECT_THAT(Copies(), ElementsAre("ALE_AUTH_CONNECT_V4 | BLOCK | EMPTY | - | ALE_APP_ID EQUAL BYTE_BLOB "
+                                    "\\device\\harddiskvolume1\\a.exe"));
+}
+
 TEST_F(BlockedAppsFilters, AreNotThosePermittingAnApp) {
   AppBlock permit(L"C:\\a.exe");
   permit.filter.action.type = FWP_ACTION_PERMIT;
