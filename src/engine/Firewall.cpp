@@ -24,9 +24,11 @@ bool Firewall::HasSublayer(GUID guid) const {
 
 void Firewall::RemoveSublayer(GUID guid) {
   const auto matches = [&](const Sublayer& entry) { return entry.GetGuid() == guid; };
-  for (Sublayer& entry : registry_) {
+  for (const Sublayer& entry : registry_) {
     if (matches(entry)) {
-      entry.Destroy(engine_.get());
+      // A copy, as Destroy forgets the filter ids: when it throws, the entry still has them, and the next
+      // removal deletes what is left.
+      Sublayer(entry).Destroy(engine_.get());
     }
   }
   std::erase_if(registry_, matches);

@@ -32,7 +32,8 @@ class WFPFIREWALL_API Firewall {
   [[nodiscard]] bool HasSublayer(Sublayer& sublayer) const;
   [[nodiscard]] bool HasSublayer(GUID guid) const;
   /// Removes every entry of that key from the engine and from the registry. Does not open the session.
-  /// @throws FirewallException as Sublayer::Destroy; the registry then stays as it was.
+  /// @throws FirewallException as Sublayer::Destroy; the registry then stays as it was, filter ids
+  ///         included, so that a second attempt deletes what is left.
   void RemoveSublayer(GUID guid);
 
   /// Installs every entry that the engine does not have yet, in registry order. Begins no transaction.

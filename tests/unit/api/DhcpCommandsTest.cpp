@@ -176,6 +176,8 @@ TEST_F(DhcpCommands, DisableIgnoresAFilterThatCannotBeDeletedButNotTheSublayerIt
                                      "Failed to remove provider."));
   EXPECT_EQ(FilterTexts().size(), 1U);
   EXPECT_EQ(IsDhcpEnabled(), 1U);
+  EXPECT_EQ(DisableDhcp(Log), 0U);
+  EXPECT_EQ(FilterTexts().size(), 0U);
 }
 
 TEST_F(DhcpCommands, DisableToleratesTheProvidersNotFoundCode) {

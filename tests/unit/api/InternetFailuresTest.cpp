@@ -233,6 +233,25 @@ TEST_F(InternetFailures, AFilterThatCannotBeDeletedIsIgnoredButNotTheSublayerItB
   EXPECT_EQ(IsInternetEnabled(), 0U);
 }
 
+TEST_F(InternetFailures, EnableAgainDeletesTheFilterThatStayed) {
+  ASSERT_EQ(DisablePlain(Log), 0U);
+  EngineEmulator::FailCall("FwpmFilterDeleteById0", 2, 5);
+  ASSERT_EQ(EnableInternet(), 2150760458U);  // FWP_E_IN_USE
+  EXPECT_EQ(EnableInternet(), 0U);
+  EXPECT_EQ(IsInternetEnabled(), 1U);
+  EXPECT_THAT(FilterTexts(), IsEmpty());
+  EXPECT_TRUE(EngineEmulator::TakeSnapshot().sublayers.empty());
+}
+
+TEST_F(InternetFailures, DisableAfterAFailedEnableReplacesWhatStayed) {
+  ASSERT_EQ(DisablePlain(Log), 0U);
+  EngineEmulator::FailCall("FwpmFilterDeleteById0", 2, 5);
+  ASSERT_EQ(EnableInternet(), 2150760458U);  // FWP_E_IN_USE
+  EXPECT_EQ(DisablePlain(Log), 0U);
+  EXPECT_EQ(FilterTexts().size(), 51U);
+  EXPECT_EQ(EngineEmulator::CountOutstanding().openTransactions, 0U);
+}
+
 TEST_F(InternetFailures, EnableToleratesTheProvidersNotFoundCode) {
   ASSERT_EQ(DisablePlain(Log), 0U);
   EngineEmulator::FailCall("FwpmSubLayerDeleteByKey0", 1, 0x80320005);

@@ -99,7 +99,8 @@ TEST_P(LeakStepFailure, OfTheRemovalInAReplacementRemovesAll) {
               ElementsAre("FwpmTransactionBegin0",  //
                           "FwpmSubLayerGetByKey0", "FwpmFreeMemory0", "FwpmFilterDeleteById0 x 20",
                           "FwpmSubLayerDeleteByKey0",  //
-                          "FwpmSubLayerGetByKey0", "FwpmFreeMemory0", "FwpmSubLayerDeleteByKey0",
+                          "FwpmSubLayerGetByKey0", "FwpmFreeMemory0", "FwpmFilterDeleteById0 x 20",
+                          "FwpmSubLayerDeleteByKey0",  //
                           "FwpmSubLayerGetByKey0", "FwpmFreeMemory0", "FwpmFilterDeleteById0 x 12",
                           "FwpmSubLayerDeleteByKey0", "FwpmFreeMemory0 x 4",  //
                           "FwpmSubLayerGetByKey0", "FwpmFreeMemory0", "FwpmFilterDeleteById0",
@@ -107,6 +108,17 @@ TEST_P(LeakStepFailure, OfTheRemovalInAReplacementRemovesAll) {
   EXPECT_EQ(Registered(), "");
   EXPECT_EQ(Installed(), "");
   EXPECT_TRUE(TransactionIsOpen());
+}
+
+TEST_P(LeakStepFailure, OfAFilterInDisableIsMendedByTheNextDisable) {
+  TurnOn();
+  EngineEmulator::FailCall("FwpmFilterDeleteById0", 5, GetParam().code);
+  EXPECT_EQ(DisableLeakProtection(), 0U);
+  EXPECT_EQ(Registered(), "interface");
+  EXPECT_EQ(Installed(), "interface 1");
+  EXPECT_EQ(DisableLeakProtection(), 0U);
+  EXPECT_EQ(Registered(), "");
+  EXPECT_EQ(Installed(), "");
 }
 
 TEST_P(LeakStepFailure, OfTheCommitLeavesTheInterfaceRulesThatTheEngineBroughtBack) {

@@ -155,6 +155,8 @@ TEST_F(LocalNetworkCommands, EnableKeepsTheBlockRegisteredWhenAFilterIsLeft) {
   EXPECT_STREQ(GetErrorText(), "Failed to remove provider.");
   EXPECT_EQ(FilterTexts().size(), 1U);
   EXPECT_EQ(IsLocalNetworkEnabled(), 0U);
+  EXPECT_EQ(EnableLocalNetwork(), 0U);
+  EXPECT_EQ(FilterTexts().size(), 0U);
 }
 
 TEST_F(LocalNetworkCommands, EnableForgetsWhatTheEngineDeniesHaving) {

@@ -117,6 +117,20 @@ TEST_F(SkeinFailures, OldFiltersStayWhenOneOfThemCannotBeDeletedInsideEnable) {
                                          "IP_REMOTE_ADDRESS EQUAL V4_ADDR_MASK 100.64.0.0/255.192.0.0"));
 }
 
+TEST_F(SkeinFailures, EnableAfterAFailedRemovalRemovesWhatStayed) {
+  ASSERT_EQ(EnableOn(7, Log), 0U);
+  EngineEmulator::FailCall("FwpmFilterDeleteById0", 1, 5);
+  ASSERT_EQ(EnableOn(8, Log), 0U);
+  ASSERT_THAT(FilterTexts(), SizeIs(1));
+  EXPECT_EQ(EnableOn(9, Log), 0U);
+  EXPECT_THAT(FilterTexts(), ElementsAre("ALE_AUTH_RECV_ACCEPT_V4 | BLOCK | UINT8 14 | CLEAR_ACTION_RIGHT | "
+                                         "IP_LOCAL_INTERFACE EQUAL UINT64 9 & "
+                                         "IP_REMOTE_ADDRESS EQUAL V4_ADDR_MASK 100.64.0.0/255.192.0.0",
+                                         "ALE_AUTH_RECV_ACCEPT_V4 | PERMIT | UINT8 15 | CLEAR_ACTION_RIGHT | "
+                                         "IP_LOCAL_INTERFACE EQUAL UINT64 9 & "
+                                         "IP_REMOTE_ADDRESS EQUAL UINT32 100.64.0.9"));
+}
+
 TEST_F(SkeinFailures, DisableForgetsWhatTheEngineDeniesHaving) {
   ASSERT_EQ(EnableOn(7, Log), 0U);
   EngineEmulator::FailCall("FwpmSubLayerGetByKey0", 1, 5);

@@ -18,6 +18,7 @@ using testing::IsEmpty;
 using testing::SizeIs;
 
 constexpr DWORD kProviderNotFound = 0x80320005;
+constexpr DWORD kInUse = 0x8032000a;
 
 class FirewallRegistry : public FirewallFixture {};
 
@@ -156,6 +157,23 @@ TEST_F(FirewallRegistry, FailedRemoveLeavesTheRegistryAsItWas) {
   EXPECT_TRUE(firewall_->HasSublayer(kFirstKey));
   firewall_->RemoveSublayer(kFirstKey);
   EXPECT_FALSE(firewall_->HasSublayer(kFirstKey));
+  EXPECT_THAT(InstalledKeys(), IsEmpty());
+}
+
+TEST_F(FirewallRegistry, RemoveAfterAFailedOneDeletesTheFilterThatStayed) {
+  Add(Samples::ThreeFilters());
+  firewall_->Apply();
+  FailCall("FwpmFilterDeleteById0", 2, 5);
+  EXPECT_THAT([&] { firewall_->RemoveSublayer(kFirstKey); }, FailsWith("Failed to remove provider.", kInUse));
+  EXPECT_THAT(FilterTexts(), SizeIs(1));
+  TakeCalls();
+  firewall_->RemoveSublayer(kFirstKey);
+  // The entry has kept all of its filter ids, those of deleted filters included.
+  EXPECT_THAT(TakeCalls(),
+              ElementsAre("FwpmSubLayerGetByKey0", "FwpmFreeMemory0", "FwpmFilterDeleteById0",
+                          "FwpmFilterDeleteById0", "FwpmFilterDeleteById0", "FwpmSubLayerDeleteByKey0"));
+  EXPECT_FALSE(firewall_->HasSublayer(kFirstKey));
+  EXPECT_THAT(FilterTexts(), IsEmpty());
   EXPECT_THAT(InstalledKeys(), IsEmpty());
 }
 

@@ -50,16 +50,14 @@ constexpr Outcome NotInstalled(const char* message, const Code* code = nullptr,
           .provider = true};
 }
 
-/// The end of a replacement: of the other two rule sets nothing stays, nor, as a rule, of the interface
-/// rules.
-constexpr Outcome NotReplaced(const char* message, const char* lastLine, const Code* code = nullptr,
-                              const RuleSetChange& interfaceRules = kGone) {
+/// The end of a replacement: nothing stays.
+constexpr Outcome NotReplaced(const char* message, const char* lastLine, const Code* code = nullptr) {
   return {.message = message,
           .code = code,
           .lastLine = lastLine,
           .dnsLeak = kGone,
           .firewallCopy = kGone,
-          .interfaceLeak = interfaceRules,
+          .interfaceLeak = kGone,
           .transaction = true};
 }
 
@@ -186,8 +184,11 @@ constexpr Rule kRules[]{
     // What is not removed is taken to be installed already.
     {kEnableLeakProtection, kInterfaceRulesWhole, "FwpmSubLayerGetByKey0", kOnce, kHarmless},
     {kEnableLeakProtection, kOnlyInterfaceRulesLeft, "FwpmSubLayerGetByKey0", kOnce, {.transaction = true}},
+    // The filter that stayed goes with the removals that end the command.
     {kEnableLeakProtection, kInterfaceRulesWhole, "FwpmFilterDeleteById0", kEach,
-     NotReplaced(kRemovalFails, kReplaceLine, &kInUse, kOneFilterLeft)},
+     NotReplaced(kRemovalFails, kReplaceLine, &kInUse)},
+    // These are gone, but an entry whose removal failed still knows them.
+    {kEnableLeakProtection, kOnlyInterfaceRulesLeft, "FwpmFilterDeleteById0", kEach, kHarmless},
     {kEnableLeakProtection, kReplacing, "FwpmSubLayerDeleteByKey0", kOnce,
      NotReplaced(kRemovalFails, kReplaceLine)},
     {kEnableLeakProtection,
@@ -244,6 +245,8 @@ constexpr Rule kRules[]{
      "FwpmFilterDeleteById0",
      {34, 35},
      Disabled(kGone, kGone, kOneFilterLeft)},
+    {kDisableLeakProtection, kOnlyDnsRulesLeft | kOnlyInterfaceRulesLeft, "FwpmFilterDeleteById0", kEach,
+     kHarmless},
     {kDisableLeakProtection, kReplacing, "FwpmSubLayerDeleteByKey0", kOnce, Disabled(kNoFilterLeft)},
     {kDisableLeakProtection, kReplacing, "FwpmSubLayerDeleteByKey0", kOnce, Disabled(kEmptyAndForgotten),
      kProviderNotFound.value},

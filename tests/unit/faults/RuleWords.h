@@ -27,7 +27,8 @@ constexpr const char* kCreateLine = "NATIVE: create killswitch layer";
 
 constexpr unsigned kAllStates = (kSkeinTorso << 1U) - 1;
 constexpr unsigned kBothOff = kOff | kOffAgain | kOffBesideProvider;
-constexpr unsigned kKillSwitchInEngine = kKillSwitchOn | kKillSwitchWithAppsOn | kBothOn | kKillSwitchTorso;
+constexpr unsigned kKillSwitchUntouched = kKillSwitchOn | kKillSwitchWithAppsOn | kBothOn | kKillSwitchTorso;
+constexpr unsigned kKillSwitchInEngine = kKillSwitchUntouched | kKillSwitchHalfRemoved;
 constexpr unsigned kReplaceable = kKillSwitchInEngine | kKillSwitchUnopened;
 constexpr unsigned kKillSwitchRegistered = kReplaceable | kReplacementFailed;
 constexpr unsigned kDhcpInEngine = kDhcpOn | kBothOn | kDhcpTorso;

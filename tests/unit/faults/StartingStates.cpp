@@ -68,6 +68,12 @@ void FailAtFilter(LogCallback log) {
   turnOn(log);
 }
 
+void FailToRemove(LogCallback log) {
+  Disable(log);
+  FailCall("FwpmFilterDeleteById0", 2, kAccessDenied);
+  EnableInternet();
+}
+
 void FailToReplace(LogCallback log) {
   Disable(log);
   FailCall("FwpmSubLayerAdd0", 1, kAccessDenied);
@@ -103,6 +109,7 @@ void FailToReplaceInterfaceRules(LogCallback log) {
 
 constexpr const char* kOpenFailed = "Error opening engine.";
 constexpr const char* kFilterFailed = "Failed to add filter to firewall.";
+constexpr const char* kRemovalFailed = "Failed to remove provider.";
 
 constexpr StartingState kStates[]{
     {"Off", kOff, StayOff, {}, kAllCommands},
@@ -138,6 +145,11 @@ constexpr StartingState kStates[]{
      FailAtFilter<3, Disable>,
      {.session = true, .provider = true, .errorText = kFilterFailed, .killSwitch = {true, 2}},
      kModule | kInternet | kDhcp},
+    {"KillSwitchHalfRemoved",
+     kKillSwitchHalfRemoved,
+     FailToRemove,
+     {.session = true, .provider = true, .errorText = kRemovalFailed, .killSwitch = {true, 1}},
+     kModule | kOneOfInternet},
     {"DhcpUnopened",
      kDhcpUnopened,
      FailToOpen<TurnDhcpOn>,
