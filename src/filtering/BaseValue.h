@@ -7,7 +7,9 @@
 
 namespace WfpFirewall::Filtering::Values {
 
-/// What a condition compares a field with. The most derived class names the field; see NativeField.h.
+/// What a condition compares a field with. The most derived class says which field: Values::LocalPort the
+/// local port, for one. A class that is marked "base" names none, and is refused when a filter is made
+/// native.
 class WFPFIREWALL_API BaseValue {
  public:
   virtual ~BaseValue() = default;

@@ -189,7 +189,10 @@ class WFPFIREWALL_API SourceIpAddressAndMaskV6 : public IpAddressAndMaskV6 {
       : IpAddressAndMaskV6(address, prefixLength) {}
 };
 
-/// Base: a TCP or UDP port.
+/// Base: a TCP or UDP port. In a range it is refused when the filter is made native ("Not supported value
+/// type in range."), deliberately: a range's ends are byte blobs or numbers of 8, 32 or 64 bits, and a port
+/// has 16. Two conditions, from and up to, do not make a range of ports either: on one field they are
+/// alternatives.
 class WFPFIREWALL_API Port : public Value<std::uint16_t> {
  public:
   explicit Port(std::uint16_t port) : Value(port) {}
