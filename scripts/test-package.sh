@@ -37,8 +37,13 @@ cmake --build "$package/examples"
 x86_64-w64-mingw32-gcc-posix -std=c11 -I "$sdk/include" examples/c/host.c "$sdk/lib/Corvane.Native.Firewall.lib" \
   -o "$package/run/host_in_c_for_visual_studio.exe"
 
-step "Run them on the emulated engine"
+step "Run hosts without the library, and be told so"
 start_wine
+for host in host_in_c loading_host_in_c; do
+  { scripts/wine.sh "$package/run/$host.exe" 2>&1 || true; } | grep -E 'Corvane\.Native\.Firewall\.dll .*(not found|not there)'
+done
+
+step "Run them on the emulated engine"
 # Beside a program, and named to Wine as wanted, the emulator takes the place of the platform's own.
 cp "$sdk/bin/Corvane.Native.Firewall.dll" build/windows/bin/emulator/fwpuclnt.dll "$package/run"
 export WINEDLLOVERRIDES="fwpuclnt=n;mscoree,mshtml="
@@ -47,7 +52,7 @@ for host in host_in_c host_in_c_for_visual_studio; do
   run "$host"
   same host_in_c.txt <"$package/run/$host.txt"
 done
-for program in host_in_cpp own_rule_set; do
+for program in loading_host_in_c host_in_cpp own_rule_set; do
   run "$program"
   same "$program.txt" <"$package/run/$program.txt"
 done

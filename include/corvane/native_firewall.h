@@ -235,6 +235,50 @@ uint64_t CORVANE_CALL EnableSkeinFirewallRules(LogCallback log, const wchar_t* c
  */
 uint64_t CORVANE_CALL DisableSkeinFirewallRules(void);
 
+/*
+ * For hosts that load the library themselves: each function's address, as GetProcAddress gives it by the
+ * function's name.
+ */
+// NOLINTBEGIN(modernize-use-using): C.
+// clang-format off
+typedef void(CORVANE_CALL* InitializeFunction)(
+    const GUID* providerKey, const wchar_t* providerName, const wchar_t* providerDescription,
+    const GUID* killSwitchKey, const wchar_t* killSwitchName, const wchar_t* killSwitchDescription,
+    const GUID* localNetworkKey, const wchar_t* localNetworkName, const wchar_t* localNetworkDescription,
+    const GUID* dhcpKey, const wchar_t* dhcpName, const wchar_t* dhcpDescription,
+    const GUID* dnsLeakKey, const wchar_t* dnsLeakName, const wchar_t* dnsLeakDescription,
+    const GUID* interfaceLeakKey, const wchar_t* interfaceLeakName, const wchar_t* interfaceLeakDescription,
+    const GUID* firewallCopyKey, const wchar_t* firewallCopyName, const wchar_t* firewallCopyDescription,
+    const GUID* skeinKey, const wchar_t* skeinName, const wchar_t* skeinDescription,
+    const wchar_t* dnsPermittedAppPath);
+// clang-format on
+typedef const char*(CORVANE_CALL* GetErrorTextFunction)(void);
+typedef uint64_t(CORVANE_CALL* IsInternetEnabledFunction)(void);
+typedef uint64_t(CORVANE_CALL* EnableInternetFunction)(void);
+typedef uint64_t(CORVANE_CALL* DisableInternetFunction)(const wchar_t* const* apps, uint32_t appCount,
+                                                        const wchar_t* const* interfaceNames,
+                                                        uint32_t interfaceCount, LogCallback log);
+typedef uint64_t(CORVANE_CALL* IsDhcpEnabledFunction)(void);
+typedef uint64_t(CORVANE_CALL* EnableDhcpFunction)(LogCallback log);
+typedef uint64_t(CORVANE_CALL* DisableDhcpFunction)(LogCallback log);
+typedef uint64_t(CORVANE_CALL* IsLeakProtectionEnabledFunction)(void);
+typedef uint64_t(CORVANE_CALL* EnableLeakProtectionFunction)(const char* serverAddress, LogCallback log,
+                                                             const wchar_t* const* interfaceNames,
+                                                             uint32_t interfaceCount, uint64_t interfaceLuid,
+                                                             const uint32_t* permittedAddresses,
+                                                             uint64_t permittedAddressCount);
+typedef uint64_t(CORVANE_CALL* DisableLeakProtectionFunction)(void);
+typedef uint64_t(CORVANE_CALL* IsLocalNetworkEnabledFunction)(void);
+typedef uint64_t(CORVANE_CALL* EnableLocalNetworkFunction)(void);
+typedef uint64_t(CORVANE_CALL* DisableLocalNetworkFunction)(LogCallback log);
+typedef uint64_t(CORVANE_CALL* EnableSkeinFirewallRulesFunction)(LogCallback log,
+                                                                 const wchar_t* const* interfaceNames,
+                                                                 uint32_t interfaceCount,
+                                                                 uint64_t interfaceLuid,
+                                                                 const uint32_t* peers, uint64_t peerCount);
+typedef uint64_t(CORVANE_CALL* DisableSkeinFirewallRulesFunction)(void);
+// NOLINTEND(modernize-use-using)
+
 #ifdef __cplusplus
 }
 #endif

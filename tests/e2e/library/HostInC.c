@@ -1,11 +1,26 @@
 /* A host in plain C. */
 #include "corvane/native_firewall.h"
 
-typedef uint64_t(CORVANE_CALL* DisableInternetFunction)(const wchar_t* const* apps, uint32_t appCount,
-                                                        const wchar_t* const* interfaceNames,
-                                                        uint32_t interfaceCount, LogCallback log);
-_Static_assert(_Generic(&DisableInternet, DisableInternetFunction : 1, default : 0),
-               "a host's own idea of the function");
+#define ASSERT_TYPE(function)                                                \
+  _Static_assert(_Generic(&(function), function##Function : 1, default : 0), \
+                 "the pointer type of " #function " is another")
+
+ASSERT_TYPE(Initialize);
+ASSERT_TYPE(GetErrorText);
+ASSERT_TYPE(IsInternetEnabled);
+ASSERT_TYPE(EnableInternet);
+ASSERT_TYPE(DisableInternet);
+ASSERT_TYPE(IsDhcpEnabled);
+ASSERT_TYPE(EnableDhcp);
+ASSERT_TYPE(DisableDhcp);
+ASSERT_TYPE(IsLeakProtectionEnabled);
+ASSERT_TYPE(EnableLeakProtection);
+ASSERT_TYPE(DisableLeakProtection);
+ASSERT_TYPE(IsLocalNetworkEnabled);
+ASSERT_TYPE(EnableLocalNetwork);
+ASSERT_TYPE(DisableLocalNetwork);
+ASSERT_TYPE(EnableSkeinFirewallRules);
+ASSERT_TYPE(DisableSkeinFirewallRules);
 
 static uint32_t lineCount;
 
