@@ -55,11 +55,6 @@ DWORD CheckFile(std::wstring_view path, const std::set<std::wstring>& pretendedF
   if (pretendedFiles.contains(lowerCasePath)) {
     return ERROR_SUCCESS;
   }
-  const std::wstring folder = lowerCasePath.substr(0, lowerCasePath.find_last_of(L'\\') + 1);
-  const auto inFolder = pretendedFiles.lower_bound(folder);
-  if (inFolder != pretendedFiles.end() && inFolder->starts_with(folder)) {
-    return ERROR_FILE_NOT_FOUND;
-  }
   std::error_code ignored;
   const std::filesystem::path file(path);
   if (std::filesystem::is_directory(file, ignored)) {
@@ -68,8 +63,12 @@ DWORD CheckFile(std::wstring_view path, const std::set<std::wstring>& pretendedF
   if (std::filesystem::exists(file, ignored)) {
     return ERROR_SUCCESS;
   }
-  return std::filesystem::is_directory(file.parent_path(), ignored) ? ERROR_FILE_NOT_FOUND
-                                                                    : ERROR_PATH_NOT_FOUND;
+  const std::wstring folder = lowerCasePath.substr(0, lowerCasePath.find_last_of(L'\\') + 1);
+  const auto inFolder = pretendedFiles.lower_bound(folder);
+  const bool isFolderPretended = inFolder != pretendedFiles.end() && inFolder->starts_with(folder);
+  return isFolderPretended || std::filesystem::is_directory(file.parent_path(), ignored)
+             ? ERROR_FILE_NOT_FOUND
+             : ERROR_PATH_NOT_FOUND;
 }
 
 std::vector<UINT8> ApplicationIdOf(std::wstring_view path) {

@@ -17,7 +17,8 @@ namespace EngineEmulator {
 std::wstring LowerCase(std::wstring_view text);
 
 /// ERROR_SUCCESS for a full path of an existing file, else what opening it would give.
-/// @param pretendedFiles paths in lower case that count as existing, and so do their folders.
+/// @param pretendedFiles paths in lower case that count as existing, and so do their folders. What else is in
+/// these folders is as it is.
 DWORD CheckFile(std::wstring_view path, const std::set<std::wstring>& pretendedFiles);
 
 /// "C:\A.exe" as "\device\harddiskvolume1\a.exe" in UTF-16, least significant byte first, with the

@@ -104,6 +104,15 @@ TEST(LeakProtectionSteps, CopyTheBlocksOfAnotherOwner) {
                                     "\\device\\harddiskvolume1\\worse.exe; weight UINT8 15\n"));
 }
 
+TEST(LeakProtectionSteps, HaveTheirNameRulesBesideABlockedApplicationOfTheSameFolder) {
+  const ToolRun run =
+      RunEmulated({L"--block-app", (ProgramFolder() / L"unwanted.exe").native(), L"enable-leak-protection",
+                   L"--server", L"198.51.100.7", L"--luid", L"7", L"status", L"list"});
+  EXPECT_EQ(run.exitCode, 0u);
+  EXPECT_THAT(run.output, HasSubstr("  leak protection: on\n"));
+  EXPECT_THAT(run.output, HasSubstr("Keeps name look-ups inside the tunnel; weight 32001; filters 12\n"));
+}
+
 TEST(LeakProtectionSteps, LogTheNamesAndSearchTheAdapters) {
   const ToolRun run = RunEmulated({L"enable-leak-protection", L"--server", L"198.51.100.7", L"--interface",
                                    L"no adapter", L"--interface", L"is described like this"});

@@ -85,8 +85,23 @@ TEST_F(ApplicationId, TellsAMissingFileFromAMissingFolder) {
   EXPECT_EQ(Fail(L"C:\\no such folder\\program.exe"), 3U);
 }
 
+TEST_F(ApplicationId, APretendedFileTakesNothingFromItsFolder) {
+  EngineEmulator::PretendFileExists(L"C:\\windows\\no such program.exe");
+  FWP_BYTE_BLOB* blob = nullptr;
+  EXPECT_EQ(FwpmGetAppIdFromFileName0(L"C:\\windows\\regedit.exe", &blob), kSuccess);
+  Free(blob);
+  EXPECT_EQ(Fail(L"C:\\windows\\system32"), 5U);
+  EXPECT_EQ(Fail(L"C:\\windows\\another.exe"), 2U);
+}
+
 TEST_F(ApplicationId, IsNotGivenForAFolder) { EXPECT_EQ(Fail(L"C:\\windows"), 5U); }
 #endif
+
+TEST_F(ApplicationId, TheFolderOfAPretendedFileIsThere) {
+  EngineEmulator::PretendFileExists(L"C:\\Nowhere\\A.exe");
+  EXPECT_EQ(Fail(L"C:\\Nowhere\\B.exe"), 2U);
+  EXPECT_EQ(Fail(L"C:\\Nowhere else\\A.exe"), 3U);
+}
 
 TEST_F(ApplicationId, IsNotGivenForAPathThatIsNotFull) {
   EXPECT_EQ(Fail(L"program.exe"), 3U);
