@@ -75,12 +75,13 @@ class LayerLint {
     }
     ForEachBit(matching_.perhaps, slot.begin, slot.end, [&](std::size_t filter) {
       const bool isFirst = layer_.IsUndominated(filter, matching_.sure, order);
-      if (!HasBit(matching_.sure, filter)) {
-        if (isFirst) seen_.deciding.insert(FilterAt(filter));
+      const bool isSure = HasBit(matching_.sure, filter);
+      if (!isSure && isFirst) {
+        seen_.deciding.insert(FilterAt(filter));
         return;
       }
       seen_.outranked.emplace(FilterAt(filter), FilterAt(*deciding));
-      if (isFirst && filter != *deciding && layer_.AreTied(filter, *deciding, order) &&
+      if (isSure && isFirst && filter != *deciding && layer_.AreTied(filter, *deciding, order) &&
           layer_.RangeOf(filter) != layer_.RangeOf(*deciding)) {
         seen_.tied.emplace(FilterAt(std::min(filter, *deciding)), FilterAt(std::max(filter, *deciding)));
       }

@@ -90,6 +90,23 @@ ALE_AUTH_CONNECT_V4 | PERMIT | UINT8 1 | - | IP_REMOTE_PORT EQUAL UINT16 443
               IsEmpty());
 }
 
+TEST_F(LintTest, FiltersInDoubtThatNeverDecideAreNotCalledNeverTrue) {
+  const std::string block = "ALE_AUTH_CONNECT_V4 | BLOCK | UINT8 2 | - | -\n";
+  EXPECT_THAT(
+      FindingsOf(block + "ALE_AUTH_CONNECT_V4 | PERMIT | UINT8 1 | - | INTERFACE_TYPE EQUAL UINT32 6"),
+      ElementsAre("never-decides 2 1"));
+  EXPECT_THAT(FindingsOf(block + "ALE_AUTH_CONNECT_V4 | CALLOUT_TERMINATING | UINT8 1 | - | -"),
+              ElementsAre("never-decides 2 1"));
+}
+
+TEST_F(LintTest, FiltersInDoubtThatMayDecideAreNotIdle) {
+  EXPECT_THAT(FindingsOf(R"(
+ALE_AUTH_CONNECT_V4 | BLOCK | UINT8 2 | - | IP_REMOTE_PORT EQUAL UINT16 443
+ALE_AUTH_CONNECT_V4 | CALLOUT_TERMINATING | UINT8 1 | - | -
+)"),
+              IsEmpty());
+}
+
 TEST_F(LintTest, FiltersThatSeveralOthersHideTogether) {
   EXPECT_THAT(FindingsOf(R"(
 ALE_AUTH_CONNECT_V4 | BLOCK | UINT8 2 | - | IP_REMOTE_ADDRESS EQUAL V4_ADDR_MASK 10.0.0.0/255.128.0.0
