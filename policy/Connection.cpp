@@ -15,6 +15,12 @@ constexpr std::array<std::string_view, kFieldCount> kFieldTexts{
 
 constexpr std::string_view kUnset = "unset";
 
+constexpr UINT8 kIcmp = 1;
+constexpr UINT8 kUdp = 17;
+constexpr UINT8 kIcmpV6 = 58;
+constexpr UINT16 kEchoRequest = 8;
+constexpr UINT16 kEchoRequestV6 = 128;
+
 /// The number of bytes in network order.
 Number FromBytes(const std::array<UINT8, 16>& bytes) {
   Number number;
@@ -40,13 +46,13 @@ std::string ProtocolText(std::optional<UINT8> protocol) {
   }
   std::string number = "protocol " + Catalog::FormatNumber(unsigned{*protocol});
   switch (*protocol) {
-    case 1:
+    case kIcmp:
       return number + " (ICMP)";
-    case 6:
+    case kTcp:
       return number + " (TCP)";
-    case 17:
+    case kUdp:
       return number + " (UDP)";
-    case 58:
+    case kIcmpV6:
       return number + " (ICMPv6)";
     default:
       return number;
@@ -86,16 +92,30 @@ std::string ApplicationText(const std::optional<std::string>& application, const
 
 std::string_view FieldText(Field field) { return kFieldTexts[static_cast<std::size_t>(field)]; }
 
-Connection OrdinaryConnection(Direction direction, IpVersion ipVersion) {
+PortUse PortUseOf(IpVersion ipVersion, UINT8 protocol) {
+  if (protocol == kTcp || protocol == kUdp) {
+    return PortUse::Ports;
+  }
+  return protocol == (ipVersion == IpVersion::V4 ? kIcmp : kIcmpV6) ? PortUse::IcmpTypeAndCode
+                                                                    : PortUse::None;
+}
+
+Connection OrdinaryConnection(Direction direction, IpVersion ipVersion, UINT8 protocol) {
   Connection connection;
   connection.direction = direction;
   connection.ipVersion = ipVersion;
-  connection.protocol = 6;
+  connection.protocol = protocol;
   const bool v4 = ipVersion == IpVersion::V4;
   connection.localAddress = v4 ? Number(0xC0000201) : Number(0x20010DB800000000, 1);
   connection.remoteAddress = v4 ? Number(0xC6336401) : Number(0x20010DB800010000, 1);
-  connection.localPort = UINT16{50000};
-  connection.remotePort = UINT16{443};
+  const PortUse portUse = PortUseOf(ipVersion, protocol);
+  if (portUse == PortUse::Ports) {
+    connection.localPort = UINT16{50000};
+    connection.remotePort = UINT16{443};
+  } else if (portUse == PortUse::IcmpTypeAndCode) {
+    connection.localPort = v4 ? kEchoRequest : kEchoRequestV6;
+    connection.remotePort = UINT16{0};
+  }
   connection.application = ApplicationBytes("other.exe");
   connection.localInterface = UINT64{999};
   connection.flags = 0;

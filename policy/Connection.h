@@ -61,9 +61,20 @@ struct Connection {
   bool operator==(const Connection&) const = default;
 };
 
-/// A connection that no filter has a special word for: TCP from port 50000 to port 443, flags 0, with
-/// addresses from the ranges for documentation, an application and interfaces that nobody names.
-Connection OrdinaryConnection(Direction direction, IpVersion ipVersion);
+/// What connections of a protocol have where others have ports.
+enum class PortUse {
+  Ports,            ///< TCP, UDP
+  IcmpTypeAndCode,  ///< ICMP of the same IP version
+  None,             ///< all others: the fields are without a value
+};
+PortUse PortUseOf(IpVersion ipVersion, UINT8 protocol);
+
+inline constexpr UINT8 kTcp = 6;
+
+/// A connection that no filter has a special word for: flags 0, with addresses from the ranges for
+/// documentation, an application and interfaces that nobody names; TCP and UDP from port 50000 to port 443,
+/// ICMP an echo request, other protocols without ports.
+Connection OrdinaryConnection(Direction direction, IpVersion ipVersion, UINT8 protocol = kTcp);
 
 /// Human names that texts use in place of numbers and identifiers.
 struct Labels {

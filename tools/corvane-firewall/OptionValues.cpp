@@ -45,6 +45,8 @@ std::optional<Endpoint> ParseEndpoint(const std::string& text) {
   return Endpoint{*address, port};
 }
 
+std::optional<std::uint8_t> ParseByte(const std::string& text) { return ParseNumber<std::uint8_t>(text); }
+
 std::optional<std::uint8_t> ParseProtocol(const std::string& text, Policy::IpVersion ipVersion) {
   if (text == "tcp") {
     return std::uint8_t{6};
@@ -55,7 +57,7 @@ std::optional<std::uint8_t> ParseProtocol(const std::string& text, Policy::IpVer
   if (text == "icmp") {
     return ipVersion == Policy::IpVersion::V4 ? std::uint8_t{1} : std::uint8_t{58};
   }
-  return ParseNumber<std::uint8_t>(text);
+  return ParseByte(text);
 }
 
 std::string RejectEmpty(const std::string& value) { return value.empty() ? "the value is empty" : ""; }
@@ -74,6 +76,10 @@ std::string RejectAllButEndpoint(const std::string& value) {
              : value +
                    " is neither an address nor one with a port up to 65535, such as 10.0.0.1:53 or "
                    "[fe80::1]:53";
+}
+
+std::string RejectAllButByte(const std::string& value) {
+  return ParseByte(value) ? "" : value + " is no number from 0 to 255";
 }
 
 std::string RejectAllButProtocol(const std::string& value) {

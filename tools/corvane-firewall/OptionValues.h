@@ -18,6 +18,8 @@ struct Endpoint {
 };
 /// "10.0.0.1", "10.0.0.1:53", "fe80::1", "[fe80::1]:53"; empty for any other text.
 std::optional<Endpoint> ParseEndpoint(const std::string& text);
+/// A decimal number up to 255; empty for any other text.
+std::optional<std::uint8_t> ParseByte(const std::string& text);
 /// "tcp", "udp", "icmp" or a number; empty for any other text.
 std::optional<std::uint8_t> ParseProtocol(const std::string& text, Policy::IpVersion ipVersion);
 
@@ -26,4 +28,5 @@ std::string RejectEmpty(const std::string& value);
 std::string RejectAllButIpV4(const std::string& value);
 std::string RejectAllButLuid(const std::string& value);
 std::string RejectAllButEndpoint(const std::string& value);
+std::string RejectAllButByte(const std::string& value);
 std::string RejectAllButProtocol(const std::string& value);

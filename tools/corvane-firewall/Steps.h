@@ -20,6 +20,8 @@ struct StepOptions {
   std::vector<std::string> remotes;
   std::vector<std::string> local;
   std::vector<std::string> protocol;
+  std::vector<std::string> icmpType;
+  std::vector<std::string> icmpCode;
   std::vector<std::string> inbound;
   std::vector<std::string> loopback;
   std::vector<std::string> file;

@@ -42,6 +42,14 @@ TEST(Protocol, HasANameOrANumber) {
   }
 }
 
+TEST(Byte, IsADecimalNumberUpTo255) {
+  EXPECT_EQ(ParseByte("0"), 0);
+  EXPECT_EQ(ParseByte("255"), 255);
+  for (const char* text : {"", "256", "-1", "0x8", "icmp"}) {
+    EXPECT_FALSE(ParseByte(text).has_value()) << text;
+  }
+}
+
 TEST(Luid, IsADecimalNumberAboveZero) {
   EXPECT_EQ(ParseLuid("18446744073709551615"), 18446744073709551615u);
   for (const char* text : {"", "0", "18446744073709551616", "7a", "Tunnel"}) {

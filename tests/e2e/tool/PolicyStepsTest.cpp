@@ -100,6 +100,56 @@ TEST(Explain, IcmpIsAnEchoRequestOfTheIpVersion) {
               HasSubstr("protocol 58 (ICMPv6), local [2001:db8::1]:128, remote [fe80::1]:0"));
 }
 
+TEST(Explain, IcmpTypeAndCodeAreOptions) {
+  const Json connection = LastStep({L"explain", L"--protocol", L"1", L"--remote", L"10.0.0.1", L"--icmp-type",
+                                    L"3", L"--icmp-code", L"13"})["explanations"][0]["connection"];
+  EXPECT_EQ(connection["protocol"], 1);
+  EXPECT_EQ(connection["localPort"], 3);
+  EXPECT_EQ(connection["remotePort"], 13);
+  const Json withoutCode = LastStep({L"explain", L"--protocol", L"58", L"--remote", L"fe80::1",
+                                     L"--icmp-type", L"135"})["explanations"][0]["connection"];
+  EXPECT_EQ(withoutCode["localPort"], 135);
+  EXPECT_EQ(withoutCode["remotePort"], 0);
+}
+
+TEST(Explain, ProtocolWithoutPortsHasNone) {
+  for (const wchar_t* protocol : {L"47", L"50", L"58"}) {
+    const Json connection = LastStep(
+        {L"explain", L"--protocol", protocol, L"--remote", L"10.0.0.1"})["explanations"][0]["connection"];
+    EXPECT_TRUE(connection["localPort"].is_null());
+    EXPECT_TRUE(connection["remotePort"].is_null());
+  }
+}
+
+TEST(Explain, ProtocolWithoutPortsFaresAsTheMapTells) {
+  EXPECT_THAT(
+      RunEmulated({L"disable-internet", L"explain", L"--protocol", L"47", L"--remote", L"10.0.0.1"}).output,
+      HasSubstr("protocol 47, local 192.0.2.1:unset, remote 10.0.0.1:unset, application other.exe, "
+                "interface 999, flags 0x00000000: depends on unset-fields: "));
+}
+
+struct Contradiction {
+  std::vector<std::wstring> options;
+  const char* wrong;
+};
+
+TEST(Explain, PortsAndIcmpTypesAreOfTheirProtocolsOnly) {
+  const Contradiction contradictions[]{
+      {{L"--protocol", L"47", L"--remote", L"10.0.0.1:53"}, "Protocol 47 has no ports"},
+      {{L"--protocol", L"50", L"--remote", L"::1", L"--local", L"[::1]:53"}, "Protocol 50 has no ports"},
+      {{L"--protocol", L"icmp", L"--remote", L"10.0.0.1:53"}, "ICMP has no ports, but a type and a code"},
+      {{L"--icmp-type", L"8", L"--remote", L"10.0.0.1"}, "Only ICMP has a type and a code"},
+      {{L"--icmp-code", L"0", L"--protocol", L"1", L"--remote", L"::1"}, "Only ICMP has a type and a code"},
+  };
+  for (const auto& [options, wrong] : contradictions) {
+    std::vector<std::wstring> arguments{L"explain"};
+    arguments.insert(arguments.end(), options.begin(), options.end());
+    const ToolRun run = RunEmulated(arguments);
+    EXPECT_EQ(run.exitCode, 1u);
+    EXPECT_THAT(run.errors, StartsWith(std::string("explain failed: ") + wrong + "\nhint: Give "));
+  }
+}
+
 TEST(Explain, ExemptApplicationIsKnownByItsFile) {
   const std::wstring app = (ProgramFolder() / L"corvane-firewall.exe").native();
   const Json explained =

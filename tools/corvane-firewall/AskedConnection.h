@@ -1,0 +1,11 @@
+#pragma once
+
+#include <string>
+
+#include "Steps.h"
+#include "policy/Connection.h"
+
+/// The connection that explain's options describe.
+/// @param remote one of the values of --remote.
+/// @throws Failure when the options contradict each other, or name an adapter or a file that is not there.
+Policy::Connection AskedConnection(const std::string& remote, const StepOptions& options);
