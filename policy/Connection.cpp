@@ -40,11 +40,12 @@ std::array<UINT8, 16> ToBytes(Number number) {
   return bytes;
 }
 
+/// "6 (TCP)"
 std::string ProtocolText(std::optional<UINT8> protocol) {
   if (!protocol) {
-    return "protocol unset";
+    return std::string(kUnset);
   }
-  std::string number = "protocol " + Catalog::FormatNumber(unsigned{*protocol});
+  std::string number = Catalog::FormatNumber(unsigned{*protocol});
   switch (*protocol) {
     case kIcmp:
       return number + " (ICMP)";
@@ -59,13 +60,21 @@ std::string ProtocolText(std::optional<UINT8> protocol) {
   }
 }
 
+std::string AddressText(IpVersion ipVersion, const std::optional<Number>& address) {
+  return address ? FormatAddress(ipVersion, *address) : std::string(kUnset);
+}
+
+std::string PortText(std::optional<UINT16> port) {
+  return port ? Catalog::FormatNumber(*port) : std::string(kUnset);
+}
+
 /// "10.0.0.1:53", "[fe80::1]:53"
 std::string EndText(IpVersion ipVersion, std::optional<Number> address, std::optional<UINT16> port) {
-  std::string host = address ? FormatAddress(ipVersion, *address) : std::string(kUnset);
+  std::string host = AddressText(ipVersion, address);
   if (address && ipVersion == IpVersion::V6) {
     host = '[' + host + ']';
   }
-  return host + ':' + (port ? Catalog::FormatNumber(*port) : std::string(kUnset));
+  return host + ':' + PortText(port);
 }
 
 std::string InterfaceText(std::optional<UINT64> luid, const Labels& labels) {
@@ -86,6 +95,10 @@ std::string ApplicationText(const std::optional<std::string>& application, const
   }
   return Catalog::FormatTextOrBytes(
       {reinterpret_cast<const UINT8*>(application->data()), application->size()});
+}
+
+std::string FlagsText(std::optional<UINT32> flags) {
+  return flags ? Catalog::FormatHex(*flags) : std::string(kUnset);
 }
 
 }  // namespace
@@ -152,15 +165,41 @@ std::string ApplicationBytes(std::string_view utf8) {
   return bytes;
 }
 
+std::string FieldValueText(const Connection& connection, Field field, const Labels& labels) {
+  switch (field) {
+    case Field::Flags:
+      return FlagsText(connection.flags);
+    case Field::LocalInterface:
+      return InterfaceText(connection.localInterface, labels);
+    case Field::ArrivalInterface:
+      return InterfaceText(connection.arrivalInterface, labels);
+    case Field::NextHopInterface:
+      return InterfaceText(connection.nextHopInterface, labels);
+    case Field::Application:
+      return ApplicationText(connection.application, labels);
+    case Field::Protocol:
+      return ProtocolText(connection.protocol);
+    case Field::LocalPort:
+      return PortText(connection.localPort);
+    case Field::RemotePort:
+      return PortText(connection.remotePort);
+    case Field::LocalAddress:
+      return AddressText(connection.ipVersion, connection.localAddress);
+    case Field::RemoteAddress:
+      return AddressText(connection.ipVersion, connection.remoteAddress);
+  }
+  return {};
+}
+
 std::string Describe(const Connection& connection, const Labels& labels) {
   std::string text = connection.direction == Direction::Outbound ? "outbound" : "inbound";
   text += connection.ipVersion == IpVersion::V4 ? " IPv4, " : " IPv6, ";
-  text += ProtocolText(connection.protocol);
+  text += "protocol " + ProtocolText(connection.protocol);
   text += ", local " + EndText(connection.ipVersion, connection.localAddress, connection.localPort);
   text += ", remote " + EndText(connection.ipVersion, connection.remoteAddress, connection.remotePort);
   text += ", application " + ApplicationText(connection.application, labels);
   text += ", interface " + InterfaceText(connection.localInterface, labels);
-  text += ", flags " + (connection.flags ? Catalog::FormatHex(*connection.flags) : std::string(kUnset));
+  text += ", flags " + FlagsText(connection.flags);
   return text;
 }
 

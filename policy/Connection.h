@@ -96,6 +96,9 @@ std::string FormatAddress(IpVersion ipVersion, Number address);
 /// The bytes of an application id, from its text in well-formed UTF-8: "\device\harddiskvolume1\a.exe".
 std::string ApplicationBytes(std::string_view utf8);
 
+/// What a connection has in a field: "53", "10.0.0.1", "6 (TCP)", "other.exe", "unset".
+std::string FieldValueText(const Connection& connection, Field field, const Labels& labels = {});
+
 /// "outbound IPv4, protocol 6 (TCP), local 192.0.2.1:50000, remote 198.51.100.1:443, application other.exe,
 /// interface 7, flags 0x00000000"; fields without a value are "unset".
 std::string Describe(const Connection& connection, const Labels& labels = {});

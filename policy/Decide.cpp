@@ -46,6 +46,59 @@ void AddBystanders(const Arbitration& layer, const Arbitration::Slot& slot, Sect
 
 bool Blocks(const SublayerTrace& trace) { return trace.deciding->action == FWP_ACTION_BLOCK; }
 
+/// What would become of a layer and of a sublayer if one more filter matched.
+class OneMore {
+ public:
+  OneMore(const Arbitration& layer, Section::Matching matching, World world)
+      : layer_(layer),
+        world_(world),
+        before_(matching),
+        sure_(matching.sure, matching.sure + layer.WordCount()),
+        perhaps_(matching.perhaps, matching.perhaps + layer.WordCount()) {
+    worlds_[world.Index()] = true;
+    action_ = LayerAction();
+  }
+
+  /// Whether the filter would end its sublayer's block or turn the layer's verdict.
+  bool TurnsWith(std::size_t filter, const Arbitration::Slot& slot) {
+    const auto before = layer_.Deciding(slot, before_.sure, world_);
+    SetBit(sure_.data(), filter);
+    SetBit(perhaps_.data(), filter);
+    const bool decides = layer_.Deciding(slot, sure_.data(), world_) == filter;
+    const bool endsBlock = before && IsBlock(*before) && !IsBlock(filter);
+    const bool turns = decides && (endsBlock || LayerAction() != action_);
+    SetBit(sure_.data(), filter, false);
+    SetBit(perhaps_.data(), filter, false);
+    return turns;
+  }
+
+ private:
+  bool IsBlock(std::size_t filter) const { return layer_.RangeOf(filter).least == Strength::Block; }
+
+  std::optional<Action> LayerAction() const {
+    Verdict verdict;
+    layer_.Decide(sure_.data(), perhaps_.data(), worlds_, verdict);
+    return verdict.In(world_);
+  }
+
+  const Arbitration& layer_;
+  World world_;
+  Section::Matching before_;
+  std::vector<BitWord> sure_;
+  std::vector<BitWord> perhaps_;
+  WorldSet worlds_;
+  std::optional<Action> action_;
+};
+
+void AddNearMisses(const Arbitration& layer, const std::vector<Section::NearMatch>& nearMatches,
+                   OneMore& oneMore, const Arbitration::Slot& slot, SublayerTrace& trace) {
+  for (const auto& [filter, field] : nearMatches) {
+    if (filter >= slot.begin && filter < slot.end && oneMore.TurnsWith(filter, slot)) {
+      trace.nearMisses.push_back({layer.Filters()[filter], field});
+    }
+  }
+}
+
 /// Says of each sublayer what became of its decision.
 void AddEffects(std::vector<SublayerTrace>& traces, World world) {
   const bool blockOverrides = world.ReadingOf(Assumption::StaticBlocks) ==
@@ -118,12 +171,16 @@ Explanation Decider::Explain(const Connection& connection, World world) const {
   Explanation explanation{connection, world, section.Decide(state.Words()), {}};
   for (std::size_t i = 0; i < section.Layers().size(); ++i) {
     const Arbitration& layer = section.Layers()[i];
+    const Section::Matching matching = section.MatchingIn(world, i, state.Words());
+    const auto nearMatches = section.NearMatchesIn(world, i, connection);
+    OneMore oneMore(layer, matching, world);
     const Verdict verdict = section.DecideLayer(i, state.Words());
     LayerTrace trace{&layer.Layer(), verdict, verdict.In(world), {}};
     for (const Arbitration::Slot& slot : layer.Slots()) {
       SublayerTrace ofSlot;
       ofSlot.sublayer = slot.sublayer;
-      AddBystanders(layer, slot, section.MatchingIn(world, i, state.Words()), world, ofSlot);
+      AddBystanders(layer, slot, matching, world, ofSlot);
+      AddNearMisses(layer, nearMatches, oneMore, slot, ofSlot);
       trace.sublayers.push_back(std::move(ofSlot));
     }
     SortTies(trace.sublayers, world);

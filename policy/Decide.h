@@ -14,6 +14,13 @@
 
 namespace Policy {
 
+/// A filter that would end its sublayer's block or turn the layer's verdict, did one field not keep it from
+/// matching.
+struct NearMiss {
+  const Filter* filter;
+  Field field;
+};
+
 /// What a sublayer does to a connection, in one world.
 struct SublayerTrace {
   enum class Effect {
@@ -27,6 +34,7 @@ struct SublayerTrace {
   const Filter* deciding = nullptr;      ///< the one of its filters that counts; null if none
   std::vector<const Filter*> outranked;  ///< matching filters that came too late, heaviest first
   std::vector<const Filter*> unjudged;   ///< filters that perhaps match, or whose callout decides
+  std::vector<NearMiss> nearMisses;      ///< by field, heaviest first
   Effect effect = Effect::None;
   const Sublayer* by = nullptr;  ///< who overrides it, or made it be ignored
 };

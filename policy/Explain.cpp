@@ -1,5 +1,8 @@
 // Explanations in words.
 #include <algorithm>
+#include <map>
+#include <utility>
+#include <vector>
 
 #include "catalog/Format.h"
 #include "catalog/Names.h"
@@ -43,6 +46,37 @@ std::string EffectText(const SublayerTrace& trace) {
   }
 }
 
+/// Longer lists of filters are cut.
+constexpr std::size_t kMostFilters = 5;
+
+/// "filter 23 "Name"", "filters 23, 24, 25, 26, 27 and 3 more"
+std::string FiltersText(const std::vector<const Filter*>& filters) {
+  if (filters.size() == 1) {
+    return Describe(*filters.front());
+  }
+  std::string text = "filters ";
+  for (std::size_t i = 0; i < std::min(filters.size(), kMostFilters); ++i) {
+    text.append(i == 0 ? "" : ", ").append(Catalog::FormatNumber(filters[i]->id));
+  }
+  const std::size_t more = filters.size() - std::min(filters.size(), kMostFilters);
+  return more == 0 ? text : text + " and " + Catalog::FormatNumber(more) + " more";
+}
+
+/// A line for all near misses of the same action and field.
+void AddNearMisses(const std::vector<NearMiss>& nearMisses, const Connection& connection,
+                   const Labels& labels, std::string& text) {
+  std::map<std::pair<bool, Field>, std::vector<const Filter*>> groups;
+  for (const auto& [filter, field] : nearMisses) {
+    groups[{filter->action == FWP_ACTION_BLOCK, field}].push_back(filter);
+  }
+  for (const auto& [kind, filters] : groups) {
+    const auto [blocks, field] = kind;
+    text += "      " + FiltersText(filters) + " would " + (blocks ? "block" : "permit") + ", but the ";
+    text.append(FieldText(field)).append(field == Field::Flags ? " are " : " is ");
+    text += FieldValueText(connection, field, labels) + '\n';
+  }
+}
+
 void AddSublayer(const SublayerTrace& trace, std::string& text) {
   text += "    sublayer " + SublayerText(*trace.sublayer) + ": ";
   if (trace.deciding == nullptr) {
@@ -69,6 +103,7 @@ std::string Describe(const Explanation& explanation, const Labels& labels) {
     text.append("  ").append(layer.layer->name).append(": ").append(Describe(layer.verdict)).append("\n");
     for (const SublayerTrace& sublayer : layer.sublayers) {
       AddSublayer(sublayer, text);
+      AddNearMisses(sublayer.nearMisses, explanation.connection, labels, text);
     }
     const auto decides = [](const SublayerTrace& trace) { return trace.deciding != nullptr; };
     if (std::ranges::none_of(layer.sublayers, decides)) {

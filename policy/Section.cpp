@@ -256,6 +256,35 @@ Section::Matching Section::MatchingIn(std::size_t plane, std::size_t layer, cons
   return {sure, layout_.hasDoubt ? sure + layout_.filterWords : sure};
 }
 
+std::vector<Section::NearMatch> Section::NearMatchesIn(World world, std::size_t layer,
+                                                       const Connection& connection) const {
+  const std::size_t at = planeOfWorld_[world.Index()] * layout_.PlaneWords() + layerAt_[layer];
+  const std::size_t perhapsAt = layout_.hasDoubt ? at + layout_.filterWords : at;
+  const std::size_t words = layers_[layer].WordCount();
+  std::vector<BitWord> failing(tables_.size() * words);
+  std::vector<BitWord> once(words);
+  std::vector<BitWord> severally(words);
+  for (std::size_t table = 0; table < tables_.size(); ++table) {
+    const FieldTable& values = *tables_[table];
+    const BitWord* signature = values.Signatures()[values.SignatureOf(connection)];
+    for (std::size_t i = 0; i < words; ++i) {
+      const BitWord unsure = ~signature[at + i];
+      severally[i] |= once[i] & unsure;
+      once[i] |= unsure;
+      failing[table * words + i] = base_[at + i] & ~signature[perhapsAt + i];
+    }
+  }
+  std::vector<NearMatch> found;
+  for (std::size_t table = 0; table < tables_.size(); ++table) {
+    ForEachBit(failing.data() + table * words, 0, layers_[layer].Filters().size(), [&](std::size_t filter) {
+      if (!HasBit(severally.data(), filter)) {
+        found.push_back({filter, tables_[table]->GetField()});
+      }
+    });
+  }
+  return found;
+}
+
 /// The action where neither doubt nor an assumption can make a difference.
 std::optional<Action> Section::DecideSurely(const BitWord* state) const {
   std::optional<Action> action;

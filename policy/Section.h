@@ -78,6 +78,14 @@ class Section {
   /// The same by the number of a plane.
   Matching MatchingIn(std::size_t plane, std::size_t layer, const BitWord* state) const;
 
+  /// A filter of a layer, by number, that does not match because of one field alone.
+  struct NearMatch {
+    std::size_t filter;
+    Field field;
+  };
+  /// Those of a connection in a world, by field. Filters that would match only perhaps are left out.
+  std::vector<NearMatch> NearMatchesIn(World world, std::size_t layer, const Connection& connection) const;
+
  private:
   using GroupsByField = std::array<std::vector<TestGroup>, kFieldCount>;
 

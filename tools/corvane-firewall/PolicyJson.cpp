@@ -53,6 +53,17 @@ Json References(const std::vector<const Policy::Filter*>& filters) {
   return json;
 }
 
+Json ToJson(const std::vector<Policy::NearMiss>& nearMisses) {
+  Json json = Json::array();
+  for (const auto& [filter, field] : nearMisses) {
+    const auto action = filter->action == FWP_ACTION_BLOCK ? Policy::Action::Block : Policy::Action::Permit;
+    json.push_back({{"filter", Reference(filter)},
+                    {"action", Policy::ActionText(action)},
+                    {"field", Policy::FieldText(field)}});
+  }
+  return json;
+}
+
 Json SublayerName(const Policy::Sublayer* sublayer) {
   if (sublayer == nullptr) {
     return nullptr;
@@ -85,6 +96,7 @@ Json ToJson(const Policy::LayerTrace& trace) {
                                  {"deciding", Reference(sublayer.deciding)},
                                  {"outranked", References(sublayer.outranked)},
                                  {"unjudged", References(sublayer.unjudged)},
+                                 {"nearMisses", ToJson(sublayer.nearMisses)},
                                  {"effect", EffectText(sublayer.effect)},
                                  {"by", SublayerName(sublayer.by)}});
   }

@@ -1,6 +1,6 @@
 #include <gmock/gmock.h>
 
-#include "ToolProcess.h"
+#include "EmulatedTool.h"
 
 namespace {
 
@@ -8,11 +8,6 @@ using testing::AllOf;
 using testing::EndsWith;
 using testing::HasSubstr;
 using testing::StartsWith;
-
-ToolRun RunEmulated(std::vector<std::wstring> arguments) {
-  arguments.insert(arguments.begin(), {L"--engine", L"emulated"});
-  return RunTool(arguments);
-}
 
 std::size_t Count(const std::string& text, const std::string& part) {
   std::size_t count = 0;

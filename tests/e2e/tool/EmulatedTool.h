@@ -1,0 +1,15 @@
+#pragma once
+
+#include <nlohmann/json.hpp>
+#include <string>
+#include <vector>
+
+#include "ToolProcess.h"
+
+using Json = nlohmann::json;
+
+/// Runs the tool on the emulated engine.
+ToolRun RunEmulated(std::vector<std::wstring> arguments);
+
+/// The last step of the document that a run which succeeds writes with --json.
+Json LastStep(std::vector<std::wstring> arguments);
