@@ -6,11 +6,11 @@
 #include <functional>
 #include <memory>
 #include <string>
+#include <utility>
+#include <vector>
 
 #include "EngineClient.h"
 #include "Identities.h"
-#include "Text.h"
-#include "catalog/Describe.h"
 #include "catalog/Names.h"
 
 namespace {
@@ -49,8 +49,7 @@ class EngineSession {
     }
     CheckEngine(result, "FwpmProviderGetByKey0");
     const auto provider = Own(found);
-    return ListedProvider{Catalog::FormatGuid(key), Text(provider->displayData.name),
-                          Text(provider->displayData.description)};
+    return List(*provider);
   }
 
   /// Visits every object of a kind, page by page.
@@ -72,79 +71,33 @@ class EngineSession {
     }
   }
 
-  /// A text of the engine's, which may be null.
-  static std::string Text(const wchar_t* text) { return text == nullptr ? std::string() : ToUtf8(text); }
-
  private:
   EngineHandle session_ = OpenEngine();
 };
 
-std::string DescribeWeight(const FWP_VALUE0& weight) {
-  switch (weight.type) {
-    case FWP_UINT8:
-      return "UINT8 " + std::to_string(weight.uint8);
-    case FWP_UINT64:
-      return "UINT64 " + std::to_string(*weight.uint64);
-    default:
-      return "EMPTY";
-  }
-}
-
-ListedFilter List(const FWPM_FILTER0& filter) {
-  ListedFilter listed{filter.filterId,
-                      EngineSession::Text(filter.displayData.name),
-                      Catalog::LayerName(filter.layerKey),
-                      Catalog::ActionName(filter.action.type),
-                      {},
-                      DescribeWeight(filter.weight),
-                      (filter.flags & FWPM_FILTER_FLAG_CLEAR_ACTION_RIGHT) != 0};
-  std::for_each_n(filter.filterCondition, filter.numFilterConditions, [&](const auto& condition) {
-    listed.conditions.push_back(Catalog::DescribeCondition(condition));
-  });
-  return listed;
-}
-
-struct OurFilter {
-  GUID sublayer;
-  ListedFilter filter;
-};
-
-std::vector<OurFilter> ReadOurFilters(const EngineSession& session) {
-  std::vector<OurFilter> filters;
-  session.ForEach<Filters>([&](const FWPM_FILTER0& filter) {
-    if (filter.providerKey != nullptr && *filter.providerKey == kProvider.key) {
-      filters.push_back({filter.subLayerKey, List(filter)});
-    }
-  });
-  // The engine promises no order; ids count up as filters are added.
-  std::ranges::sort(filters, {}, [](const OurFilter& ours) { return ours.filter.id; });
-  return filters;
+bool IsOurs(const FWPM_FILTER0& filter) {
+  return filter.providerKey != nullptr && *filter.providerKey == kProvider.key;
 }
 
 }  // namespace
 
-Listing ReadEngine() {
+Listing ReadEngine(Owners owners) {
   const EngineSession session;
-  Listing listing{session.ReadProvider(kProvider.key), {}};
-  const std::vector<OurFilter> filters = ReadOurFilters(session);
-
-  // The library does not tie its sublayers to its provider, so they are known by their keys or by what
-  // they hold.
-  session.ForEach<Sublayers>([&](const FWPM_SUBLAYER0& sublayer) {
-    ListedSublayer listed{Catalog::FormatGuid(sublayer.subLayerKey),
-                          EngineSession::Text(sublayer.displayData.name),
-                          EngineSession::Text(sublayer.displayData.description),
-                          sublayer.weight,
-                          {}};
-    for (const OurFilter& ours : filters) {
-      if (ours.sublayer == sublayer.subLayerKey) {
-        listed.filters.push_back(ours.filter);
-      }
-    }
-    if (IsRuleSet(sublayer.subLayerKey) || !listed.filters.empty()) {
-      listing.sublayers.push_back(std::move(listed));
+  std::vector<ListedFilter> filters;
+  session.ForEach<Filters>([&](const FWPM_FILTER0& filter) {
+    if (owners == Owners::All || IsOurs(filter)) {
+      filters.push_back(List(filter));
     }
   });
-  std::ranges::stable_sort(listing.sublayers, std::greater{}, &ListedSublayer::weight);
-  return listing;
+  // The library does not tie its sublayers to its provider, so they are known by their keys or by what
+  // they hold.
+  std::vector<ListedSublayer> sublayers;
+  session.ForEach<Sublayers>([&](const FWPM_SUBLAYER0& sublayer) {
+    const std::string key = Catalog::FormatGuid(sublayer.subLayerKey);
+    if (owners == Owners::All || IsRuleSet(sublayer.subLayerKey) ||
+        std::ranges::find(filters, key, &ListedFilter::sublayer) != filters.end()) {
+      sublayers.push_back(List(sublayer));
+    }
+  });
+  return {session.ReadProvider(kProvider.key), Arrange(std::move(sublayers), std::move(filters))};
 }

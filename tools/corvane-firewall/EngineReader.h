@@ -2,7 +2,10 @@
 
 #include "Listing.h"
 
-/// Reads our provider, its filters and their sublayers from the engine that this process is bound to,
-/// the system's or the emulated one.
+/// Whose filters and sublayers are read. Those of ours that hold nothing are among them.
+enum class Owners { Ours, All };
+
+/// Reads our provider, filters and sublayers from the engine that this process is bound to, the system's or
+/// the emulated one.
 /// @throws Failure with the engine's code, or when the engine's client library lacks a function.
-Listing ReadEngine();
+Listing ReadEngine(Owners owners);

@@ -1,33 +1,53 @@
 #include "JsonReporter.h"
 
+#include <algorithm>
 #include <iostream>
+#include <iterator>
 
 #include "PolicyJson.h"
 
-using Json = nlohmann::ordered_json;
-
 namespace {
 
-Json ToJson(const ListedFilter& filter) {
-  return {{"id", filter.id},
-          {"name", filter.name},
-          {"layer", filter.layer},
-          {"action", filter.action},
-          {"conditions", filter.conditions},
-          {"weight", filter.weight},
-          {"override", filter.overridesOtherSublayers}};
+Json KeyOrNull(const std::optional<std::string>& key) { return key ? Json(*key) : Json(nullptr); }
+
+template <class Listed, class Convert>
+Json ToArray(const std::vector<Listed>& all, Convert convert) {
+  Json json = Json::array();
+  std::ranges::transform(all, std::back_inserter(json), convert);
+  return json;
 }
 
-Json ToJson(const ListedSublayer& sublayer) {
-  Json filters = Json::array();
-  for (const ListedFilter& filter : sublayer.filters) {
-    filters.push_back(ToJson(filter));
-  }
+Json ValueToJson(const ListedValue& value) { return {{"type", value.type}, {"value", value.value}}; }
+
+Json ConditionToJson(const ListedCondition& condition) {
+  return {{"field", condition.field},     {"fieldKey", condition.fieldKey}, {"match", condition.match},
+          {"type", condition.value.type}, {"value", condition.value.value}, {"text", condition.text}};
+}
+
+Json FilterToJson(const ListedFilter& filter) {
+  return {{"id", filter.id},
+          {"key", filter.key},
+          {"name", filter.name},
+          {"provider", KeyOrNull(filter.provider)},
+          {"layer", filter.layer},
+          {"layerKey", filter.layerKey},
+          {"sublayer", filter.sublayer},
+          {"action", filter.action},
+          {"callout", KeyOrNull(filter.callout)},
+          {"flags", filter.flags},
+          {"override", (filter.flags & FWPM_FILTER_FLAG_CLEAR_ACTION_RIGHT) != 0},
+          {"weight", ValueToJson(filter.weight)},
+          {"effectiveWeight", ValueToJson(filter.effectiveWeight)},
+          {"conditions", ToArray(filter.conditions, ConditionToJson)}};
+}
+
+Json SublayerToJson(const ListedSublayer& sublayer) {
   return {{"key", sublayer.key},
           {"name", sublayer.name},
           {"description", sublayer.description},
-          {"weight", sublayer.weight},
-          {"filters", std::move(filters)}};
+          {"provider", KeyOrNull(sublayer.provider)},
+          {"weight", sublayer.weight ? Json(*sublayer.weight) : Json(nullptr)},
+          {"filters", ToArray(sublayer.filters, FilterToJson)}};
 }
 
 }  // namespace
@@ -56,7 +76,9 @@ void JsonReporter::ShowStatus(const Status& status) {
 void JsonReporter::ShowAdapters(const std::vector<ListedAdapter>& adapters) {
   Json& list = Step()["adapters"] = Json::array();
   for (const ListedAdapter& adapter : adapters) {
-    list.push_back({{"name", adapter.name}, {"description", adapter.description}, {"luid", adapter.luid}});
+    list.push_back({{"name", adapter.name},
+                    {"description", adapter.description},
+                    {"luid", std::to_string(adapter.luid)}});
   }
 }
 
@@ -68,10 +90,7 @@ void JsonReporter::ShowListing(const Listing& listing) {
     step["provider"] = {
         {"key", provider.key}, {"name", provider.name}, {"description", provider.description}};
   }
-  step["sublayers"] = Json::array();
-  for (const ListedSublayer& sublayer : listing.sublayers) {
-    step["sublayers"].push_back(ToJson(sublayer));
-  }
+  step["sublayers"] = ToArray(listing.sublayers, SublayerToJson);
 }
 
 void JsonReporter::ShowExplanation(const Policy::Explanation& explanation, const Policy::Labels& labels) {

@@ -1,7 +1,6 @@
 #pragma once
 
-#include <nlohmann/json.hpp>
-
+#include "Json.h"
 #include "Reporter.h"
 
 /// One JSON document for machines, written to stdout by Finish.
@@ -25,8 +24,8 @@ class JsonReporter : public Reporter {
   void Finish() override;
 
  private:
-  nlohmann::ordered_json& Step() { return document_["steps"].back(); }
+  Json& Step() { return document_["steps"].back(); }
 
   Engine engine_;
-  nlohmann::ordered_json document_;
+  Json document_;
 };

@@ -1,17 +1,16 @@
 #pragma once
 
-#include <nlohmann/json.hpp>
 #include <string_view>
 #include <vector>
 
+#include "Json.h"
 #include "policy/Lint.h"
 #include "policy/Map.h"
 #include "policy/Promises.h"
 
-// What the policy library says, for machines. Numbers that may need more than 53 bits (addresses, LUIDs,
-// weights, the ends of intervals) are texts of hexadecimal digits; applications are the hexadecimal bytes of
-// their ids.
-using Json = nlohmann::ordered_json;
+// What the policy library says, for machines. Numbers that may need more than 53 bits are texts: LUIDs of
+// decimal digits, others (weights, the ends of intervals) of hexadecimal ones. Applications are the
+// hexadecimal bytes of their ids.
 
 /// "0x0a000001"
 std::string HexText(Policy::Number number);

@@ -117,7 +117,9 @@ void AdaptersStep(const StepContext& context, const StepOptions&) {
   context.reporter.ShowAdapters(adapters);
 }
 
-void ListStep(const StepContext& context, const StepOptions&) { context.reporter.ShowListing(ReadEngine()); }
+void ListStep(const StepContext& context, const StepOptions& options) {
+  context.reporter.ShowListing(ReadEngine(options.all.empty() ? Owners::Ours : Owners::All));
+}
 
 constexpr StepOption kDisableInternetOptions[]{
     {"--app", "PATH", "Executable that stays connected", &StepOptions::apps},
@@ -148,6 +150,10 @@ constexpr StepOption kEnableSkeinOptions[]{
      RejectAllButIpV4},
 };
 
+constexpr StepOption kListOptions[]{
+    {"--all", nullptr, "The sublayers and filters of everybody, not ours alone", &StepOptions::all},
+};
+
 constexpr Step kSteps[]{
     {"disable-internet", "Install the kill switch, or replace it", kDisableInternetOptions, true,
      DisableInternetStep},
@@ -164,7 +170,7 @@ constexpr Step kSteps[]{
     {"disable-skein", "Remove the rules of the Skein network", {}, false, DisableSkeinStep},
     {"status", "Tell what is switched on", {}, false, StatusStep},
     {"adapters", "List the network adapters as the firewall sees them", {}, false, AdaptersStep},
-    {"list", "List what the engine holds of ours", {}, false, ListStep},
+    {"list", "List what the engine holds of ours", kListOptions, false, ListStep},
     {"explain", "Tell what the engine does with a connection, and why", kExplainOptions, false, ExplainStep},
     {"map", "Tell what the engine does with every connection that can exist", {}, false, MapStep},
     {"prove", "Check what the features switched on in this run promise", {}, false, ProveStep},

@@ -24,6 +24,7 @@ struct StepOptions {
   std::vector<std::string> icmpCode;
   std::vector<std::string> inbound;
   std::vector<std::string> loopback;
+  std::vector<std::string> all;
   std::vector<std::string> file;
 };
 

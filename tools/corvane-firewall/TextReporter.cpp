@@ -4,6 +4,9 @@
 #include <map>
 #include <sstream>
 
+#include "Identities.h"
+#include "catalog/Names.h"
+
 namespace {
 
 const char* OnOrOff(bool on) { return on ? "on" : "off"; }
@@ -12,19 +15,35 @@ std::string Heading(const std::string& kind, const std::string& name, const std:
   return "  " + kind + " \"" + name + "\" {" + key + "}";
 }
 
-std::string Line(const ListedFilter& filter) {
-  std::string line = filter.layer + ": " + filter.action;
+/// "UINT8 14", "EMPTY"
+std::string Text(const ListedValue& value) {
+  if (value.value.is_null()) {
+    return value.type;
+  }
+  return value.type + ' ' + (value.value.is_string() ? value.value.get<std::string>() : value.value.dump());
+}
+
+/// @param ours the key of our provider; filters of all others name theirs.
+std::string Line(const ListedFilter& filter, const std::string& ours) {
+  std::string line = "filter " + std::to_string(filter.id) + " \"" + filter.name + "\" at " + filter.layer +
+                     ": " + filter.action;
   const char* separator = " when ";
-  for (const std::string& condition : filter.conditions) {
-    line += separator + condition;
+  for (const ListedCondition& condition : filter.conditions) {
+    line += separator + condition.text;
     separator = " and ";
   }
   if (filter.conditions.empty()) {
     line += " always";
   }
-  line += "; weight " + filter.weight;
-  if (filter.overridesOtherSublayers) {
+  line += "; weight " + Text(filter.weight);
+  if ((filter.flags & FWPM_FILTER_FLAG_CLEAR_ACTION_RIGHT) != 0) {
     line += "; overrides other sublayers";
+  }
+  if (const UINT32 others = filter.flags & ~UINT32{FWPM_FILTER_FLAG_CLEAR_ACTION_RIGHT}; others != 0) {
+    line += "; flags " + Catalog::FilterFlagNames(others);
+  }
+  if (filter.provider != ours) {
+    line += filter.provider ? "; provider {" + *filter.provider + "}" : "; no provider";
   }
   return line;
 }
@@ -81,14 +100,16 @@ void TextReporter::ShowListing(const Listing& listing) {
   } else {
     std::cout << "  no provider of this tool\n";
   }
+  const std::string ours = Catalog::FormatGuid(kProvider.key);
   if (listing.sublayers.empty()) {
     std::cout << "  no sublayers, no filters\n";
   }
   for (const ListedSublayer& sublayer : listing.sublayers) {
     std::cout << Heading("sublayer", sublayer.name, sublayer.key) << ": " << sublayer.description
-              << "; weight " << sublayer.weight << "; filters " << sublayer.filters.size() << "\n";
+              << "; weight " << (sublayer.weight ? std::to_string(*sublayer.weight) : "unknown")
+              << "; filters " << sublayer.filters.size() << "\n";
     for (const ListedFilter& filter : sublayer.filters) {
-      std::cout << "    " << Line(filter) << "\n";
+      std::cout << "    " << Line(filter, ours) << "\n";
     }
   }
 }

@@ -2,9 +2,15 @@
 
 #include <gtest/gtest.h>
 
+#include <regex>
+
 ToolRun RunEmulated(std::vector<std::wstring> arguments) {
   arguments.insert(arguments.begin(), {L"--engine", L"emulated"});
   return RunTool(arguments);
+}
+
+std::string WithoutIds(const std::string& text) {
+  return std::regex_replace(text, std::regex("filter [0-9]+"), "filter #");
 }
 
 Json LastStep(std::vector<std::wstring> arguments) {

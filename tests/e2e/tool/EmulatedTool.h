@@ -11,5 +11,8 @@ using Json = nlohmann::json;
 /// Runs the tool on the emulated engine.
 ToolRun RunEmulated(std::vector<std::wstring> arguments);
 
+/// A text with "filter #" in place of each filter's id.
+std::string WithoutIds(const std::string& text);
+
 /// The last step of the document that a run which succeeds writes with --json.
 Json LastStep(std::vector<std::wstring> arguments);

@@ -99,7 +99,7 @@ TEST_F(EngineReader, LeavesOutWhatOthersOwn) {
   AddFilter(&kForeignProvider, kForeignSublayer, {});
   AddFilter(&kForeignProvider, kDhcp.key, {});
   AddFilter(nullptr, kDhcp.key, {});
-  const Listing listing = ReadEngine();
+  const Listing listing = ReadEngine(Owners::Ours);
   EXPECT_FALSE(listing.provider.has_value());
   ASSERT_EQ(listing.sublayers.size(), 1u);
   EXPECT_EQ(listing.sublayers[0].key, "28c81cd0-d8bf-4ab0-9def-9a7bf71e4641");
@@ -110,17 +110,33 @@ TEST_F(EngineReader, FindsSublayersOfAnyKeyThatHoldOurFilters) {
   AddProvider(kProvider.key);
   AddSublayer(kUnknownSublayer, 7);
   AddFilter(&kProvider.key, kUnknownSublayer, {});
-  const Listing listing = ReadEngine();
+  const Listing listing = ReadEngine(Owners::Ours);
   ASSERT_EQ(listing.sublayers.size(), 1u);
   EXPECT_EQ(listing.sublayers[0].key, "f0000000-0000-0000-0000-000000000003");
   EXPECT_EQ(listing.sublayers[0].filters.size(), 1u);
+}
+
+TEST_F(EngineReader, FindsWhatOthersOwnOnRequest) {
+  AddProvider(kForeignProvider);
+  AddSublayer(kForeignSublayer, 65535);
+  AddFilter(&kForeignProvider, kForeignSublayer, {});
+  AddFilter(nullptr, kForeignSublayer, {});
+  const Listing listing = ReadEngine(Owners::All);
+  ASSERT_EQ(listing.sublayers.size(), 19u);  // 18 are built in
+  const ListedSublayer& heaviest = listing.sublayers[0];
+  EXPECT_EQ(heaviest.key, "f0000000-0000-0000-0000-000000000002");
+  EXPECT_EQ(heaviest.weight, 65535u);
+  ASSERT_EQ(heaviest.filters.size(), 2u);
+  EXPECT_EQ(heaviest.filters[0].provider, "f0000000-0000-0000-0000-000000000001");
+  EXPECT_EQ(heaviest.filters[1].provider, std::nullopt);
+  EXPECT_LT(heaviest.filters[0].id, heaviest.filters[1].id);
 }
 
 TEST_F(EngineReader, PutsTheWeightiestSublayerFirst) {
   AddSublayer(kDhcp.key, 3);
   AddSublayer(kKillSwitch.key, 65535);
   AddSublayer(kSkein.key, 15);
-  const Listing listing = ReadEngine();
+  const Listing listing = ReadEngine(Owners::Ours);
   ASSERT_EQ(listing.sublayers.size(), 3u);
   EXPECT_EQ(listing.sublayers[0].weight, 65535u);
   EXPECT_EQ(listing.sublayers[1].weight, 15u);
@@ -139,19 +155,27 @@ TEST_F(EngineReader, TellsWeightsWithTheirTypes) {
   weight.type = FWP_UINT64;
   weight.uint64 = &large;
   AddFilter(&kProvider.key, kDhcp.key, weight);
-  const Listing listing = ReadEngine();
+  const Listing listing = ReadEngine(Owners::Ours);
   ASSERT_EQ(listing.sublayers.size(), 1u);
   ASSERT_EQ(listing.sublayers[0].filters.size(), 3u);
-  EXPECT_EQ(listing.sublayers[0].filters[0].weight, "EMPTY");
-  EXPECT_EQ(listing.sublayers[0].filters[1].weight, "UINT8 15");
-  EXPECT_EQ(listing.sublayers[0].filters[2].weight, "UINT64 18446744073709551615");
+  const auto& filters = listing.sublayers[0].filters;
+  EXPECT_EQ(filters[0].weight.type, "EMPTY");
+  EXPECT_TRUE(filters[0].weight.value.is_null());
+  EXPECT_EQ(filters[1].weight.type, "UINT8");
+  EXPECT_EQ(filters[1].weight.value, 15);
+  EXPECT_EQ(filters[2].weight.type, "UINT64");
+  EXPECT_EQ(filters[2].weight.value, "18446744073709551615");
+  EXPECT_EQ(filters[0].effectiveWeight.value, "0");
+  EXPECT_EQ(filters[1].effectiveWeight.value, "17293822569102704640");
+  EXPECT_EQ(filters[2].effectiveWeight.type, "UINT64");
+  EXPECT_EQ(filters[2].effectiveWeight.value, "18446744073709551615");
 }
 
 TEST_F(EngineReader, GivesBackItsSessionItsHandlesAndItsMemory) {
   AddProvider(kProvider.key);
   AddSublayer(kDhcp.key, 1);
   AddFilter(&kProvider.key, kDhcp.key, {});
-  ReadEngine();
+  ReadEngine(Owners::Ours);
   ExpectOnlyOurSessionIsOpen();
   EXPECT_THAT(Journal(), testing::HasSubstr("FwpmFilterDestroyEnumHandle0("));
   EXPECT_THAT(Journal(), testing::HasSubstr("FwpmSubLayerDestroyEnumHandle0("));
@@ -166,7 +190,7 @@ TEST_F(EngineReader, NamesTheFunctionThatFailsAndGivesAllBack) {
         "FwpmSubLayerCreateEnumHandle0", "FwpmSubLayerEnum0"}) {
     FailNext(function, ERROR_ACCESS_DENIED);
     try {
-      ReadEngine();
+      ReadEngine(Owners::Ours);
       ADD_FAILURE() << function << " was expected to fail";
     } catch (const Failure& failure) {
       EXPECT_EQ(failure.what(), function + " failed");

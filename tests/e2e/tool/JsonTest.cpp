@@ -1,12 +1,10 @@
 #include <gmock/gmock.h>
 
-#include <nlohmann/json.hpp>
+#include <algorithm>
 
-#include "ToolProcess.h"
+#include "EmulatedTool.h"
 
 namespace {
-
-using Json = nlohmann::json;
 
 Json RunForJson(std::vector<std::wstring> arguments, DWORD exitCode) {
   arguments.insert(arguments.begin(), {L"--engine", L"emulated", L"--json"});
@@ -45,16 +43,42 @@ TEST(JsonOutput, ListsProviderSublayersAndFilters) {
   ASSERT_EQ(sublayer["filters"].size(), 51u);
   Json broadcast = sublayer["filters"][7];
   EXPECT_GT(broadcast["id"], 0);
-  broadcast.erase("id");
+  EXPECT_EQ(broadcast["key"].get<std::string>().size(), 36u);
+  EXPECT_EQ(broadcast["effectiveWeight"]["type"], "UINT64");
+  for (const char* member : {"id", "key", "effectiveWeight"}) {
+    broadcast.erase(member);
+  }
   EXPECT_EQ(broadcast, Json::parse(R"json({
     "name": "Corvane Kill Switch",
+    "provider": "b2574836-bff5-4a6e-9bc2-db92f1632330",
     "layer": "ALE_AUTH_CONNECT_V4",
+    "layerKey": "c38d57d1-05a7-4c33-904f-7fbceee60e82",
+    "sublayer": "d1afa5f6-6c35-4ca2-b760-1643d9dbc916",
     "action": "PERMIT",
-    "conditions": ["IP_REMOTE_ADDRESS EQUAL V4_ADDR_MASK 255.255.255.255/255.255.255.255",
-                   "IP_REMOTE_PORT NOT_EQUAL UINT16 53"],
-    "weight": "UINT8 14",
-    "override": true
+    "callout": null,
+    "flags": 8,
+    "override": true,
+    "weight": {"type": "UINT8", "value": 14},
+    "conditions": [
+      {"field": "IP_REMOTE_ADDRESS", "fieldKey": "b235ae9a-1d64-49b8-a44c-5ff3d9095045", "match": "EQUAL",
+       "type": "V4_ADDR_MASK", "value": {"address": "255.255.255.255", "mask": "255.255.255.255"},
+       "text": "IP_REMOTE_ADDRESS EQUAL V4_ADDR_MASK 255.255.255.255/255.255.255.255"},
+      {"field": "IP_REMOTE_PORT", "fieldKey": "c35a604d-d22b-4e1a-91b4-68f674ee674b", "match": "NOT_EQUAL",
+       "type": "UINT16", "value": 53, "text": "IP_REMOTE_PORT NOT_EQUAL UINT16 53"}]
   })json"));
+}
+
+TEST(JsonOutput, ListOfAllHasEverySublayer) {
+  const Json document = RunForJson({L"--block-app", L"C:\\bad.exe", L"list", L"list", L"--all"}, 0);
+  EXPECT_EQ(document["steps"][0]["sublayers"], Json::array());
+  const Json& all = document["steps"][1]["sublayers"];
+  EXPECT_EQ(all.size(), 18u);
+  const auto universal =
+      std::ranges::find_if(all, [](const Json& one) { return one["name"] == "UNIVERSAL"; });
+  ASSERT_NE(universal, all.end());
+  ASSERT_EQ((*universal)["filters"].size(), 2u);
+  EXPECT_EQ((*universal)["filters"][0]["name"], "Block of another owner");
+  EXPECT_TRUE((*universal)["filters"][0]["provider"].is_null());
 }
 
 TEST(JsonOutput, ListOfAnEmptyEngineHasNoProvider) {
@@ -82,7 +106,7 @@ TEST(JsonOutput, AdaptersHaveNameDescriptionAndLuid) {
   for (const Json& adapter : adapters) {
     EXPECT_TRUE(adapter["name"].is_string());
     EXPECT_TRUE(adapter["description"].is_string());
-    EXPECT_TRUE(adapter["luid"].is_number_unsigned());
+    EXPECT_THAT(adapter["luid"].get<std::string>(), testing::MatchesRegex("\\d+"));
   }
 }
 

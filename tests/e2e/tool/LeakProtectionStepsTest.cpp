@@ -1,6 +1,6 @@
 #include <gmock/gmock.h>
 
-#include "ToolProcess.h"
+#include "EmulatedTool.h"
 
 namespace {
 
@@ -10,17 +10,17 @@ using testing::Not;
 
 using Arguments = std::vector<std::wstring>;
 
-ToolRun RunEmulated(const Arguments& arguments) {
-  Arguments all{L"--engine", L"emulated", L"--dns-app", (ProgramFolder() / L"corvane-firewall.exe").native()};
+ToolRun RunWithDnsApp(const Arguments& arguments) {
+  Arguments all{L"--dns-app", (ProgramFolder() / L"corvane-firewall.exe").native()};
   all.insert(all.end(), arguments.begin(), arguments.end());
-  return RunTool(all);
+  return RunEmulated(all);
 }
 
 TEST(LeakProtectionSteps, GoOnAreReplacedAndGoOff) {
-  const ToolRun run = RunEmulated({L"enable-leak-protection", L"--server", L"198.51.100.7", L"--luid", L"7",
-                                   L"--allow", L"1.2.3.4", L"status", L"enable-leak-protection", L"--server",
-                                   L"198.51.100.7", L"--luid", L"7", L"--allow", L"200.1.2.3", L"--allow",
-                                   L"5.6.7.8", L"disable-leak-protection", L"status"});
+  const ToolRun run = RunWithDnsApp({L"enable-leak-protection", L"--server", L"198.51.100.7", L"--luid", L"7",
+                                     L"--allow", L"1.2.3.4", L"status", L"enable-leak-protection",
+                                     L"--server", L"198.51.100.7", L"--luid", L"7", L"--allow", L"200.1.2.3",
+                                     L"--allow", L"5.6.7.8", L"disable-leak-protection", L"status"});
   EXPECT_EQ(run.exitCode, 0u);
   EXPECT_EQ(run.errors, "");
   EXPECT_EQ(run.output,
@@ -59,8 +59,8 @@ TEST(LeakProtectionSteps, GoOnAreReplacedAndGoOff) {
 }
 
 TEST(LeakProtectionSteps, ListTheThreeRuleSetsByWeight) {
-  const ToolRun run = RunEmulated({L"enable-leak-protection", L"--server", L"198.51.100.7", L"--luid", L"7",
-                                   L"--allow", L"200.1.2.3", L"--allow", L"5.6.7.8", L"list"});
+  const ToolRun run = RunWithDnsApp({L"enable-leak-protection", L"--server", L"198.51.100.7", L"--luid", L"7",
+                                     L"--allow", L"200.1.2.3", L"--allow", L"5.6.7.8", L"list"});
   EXPECT_EQ(run.exitCode, 0u);
   const std::size_t dns = run.output.find(
       "  sublayer \"Corvane DNS Leak Protection\" {b22d6566-f522-4aed-9e2b-1b573ae94781}: Keeps name "
@@ -78,44 +78,49 @@ TEST(LeakProtectionSteps, ListTheThreeRuleSetsByWeight) {
   EXPECT_LT(copy, interfaces);
   EXPECT_THAT(
       run.output,
-      HasSubstr("    ALE_AUTH_CONNECT_V4: PERMIT when IP_REMOTE_ADDRESS EQUAL UINT32 200.1.2.3 and "
+      HasSubstr("\" at ALE_AUTH_CONNECT_V4: PERMIT when IP_REMOTE_ADDRESS EQUAL UINT32 200.1.2.3 and "
                 "IP_REMOTE_ADDRESS EQUAL UINT32 5.6.7.8; weight UINT8 15; overrides other sublayers\n"));
   EXPECT_THAT(run.output,
-              HasSubstr("    ALE_AUTH_CONNECT_V4: PERMIT when IP_LOCAL_INTERFACE NOT_EQUAL UINT64 7 and "
+              HasSubstr("\" at ALE_AUTH_CONNECT_V4: PERMIT when IP_LOCAL_INTERFACE NOT_EQUAL UINT64 7 and "
                         "IP_REMOTE_ADDRESS EQUAL UINT32 198.51.100.7; weight UINT8 14; overrides other "
                         "sublayers\n"));
 }
 
 TEST(LeakProtectionSteps, CopyTheBlocksOfAnotherOwner) {
   const ToolRun run =
-      RunEmulated({L"--block-app", L"C:\\bad.exe", L"--block-app", L"C:\\worse.exe", L"list",
-                   L"enable-leak-protection", L"--server", L"198.51.100.7", L"--luid", L"7", L"list"});
+      RunWithDnsApp({L"--block-app", L"C:\\bad.exe", L"--block-app", L"C:\\worse.exe", L"list",
+                     L"enable-leak-protection", L"--server", L"198.51.100.7", L"--luid", L"7", L"list"});
   EXPECT_EQ(run.exitCode, 0u);
   EXPECT_EQ(run.errors, "");
   EXPECT_THAT(run.output, HasSubstr("list\n  no provider of this tool\n  no sublayers, no filters\n"));
-  EXPECT_THAT(run.output, HasSubstr("application blocks of Windows Firewall; weight 15; filters 4\n"
-                                    "    ALE_AUTH_CONNECT_V4: BLOCK when ALE_APP_ID EQUAL BYTE_BLOB "
-                                    "\\device\\harddiskvolume1\\bad.exe; weight UINT8 15\n"
-                                    "    ALE_AUTH_CONNECT_V6: BLOCK when ALE_APP_ID EQUAL BYTE_BLOB "
-                                    "\\device\\harddiskvolume1\\bad.exe; weight UINT8 15\n"
-                                    "    ALE_AUTH_CONNECT_V4: BLOCK when ALE_APP_ID EQUAL BYTE_BLOB "
-                                    "\\device\\harddiskvolume1\\worse.exe; weight UINT8 15\n"
-                                    "    ALE_AUTH_CONNECT_V6: BLOCK when ALE_APP_ID EQUAL BYTE_BLOB "
-                                    "\\device\\harddiskvolume1\\worse.exe; weight UINT8 15\n"));
+  EXPECT_THAT(WithoutIds(run.output),
+              HasSubstr("application blocks of Windows Firewall; weight 15; filters 4\n"
+                        "    filter # \"Corvane Copy of Windows Firewall\" at ALE_AUTH_CONNECT_V4: BLOCK "
+                        "when ALE_APP_ID EQUAL BYTE_BLOB "
+                        "\\device\\harddiskvolume1\\bad.exe; weight UINT8 15\n"
+                        "    filter # \"Corvane Copy of Windows Firewall\" at ALE_AUTH_CONNECT_V6: BLOCK "
+                        "when ALE_APP_ID EQUAL BYTE_BLOB "
+                        "\\device\\harddiskvolume1\\bad.exe; weight UINT8 15\n"
+                        "    filter # \"Corvane Copy of Windows Firewall\" at ALE_AUTH_CONNECT_V4: BLOCK "
+                        "when ALE_APP_ID EQUAL BYTE_BLOB "
+                        "\\device\\harddiskvolume1\\worse.exe; weight UINT8 15\n"
+                        "    filter # \"Corvane Copy of Windows Firewall\" at ALE_AUTH_CONNECT_V6: BLOCK "
+                        "when ALE_APP_ID EQUAL BYTE_BLOB "
+                        "\\device\\harddiskvolume1\\worse.exe; weight UINT8 15\n"));
 }
 
 TEST(LeakProtectionSteps, HaveTheirNameRulesBesideABlockedApplicationOfTheSameFolder) {
   const ToolRun run =
-      RunEmulated({L"--block-app", (ProgramFolder() / L"unwanted.exe").native(), L"enable-leak-protection",
-                   L"--server", L"198.51.100.7", L"--luid", L"7", L"status", L"list"});
+      RunWithDnsApp({L"--block-app", (ProgramFolder() / L"unwanted.exe").native(), L"enable-leak-protection",
+                     L"--server", L"198.51.100.7", L"--luid", L"7", L"status", L"list"});
   EXPECT_EQ(run.exitCode, 0u);
   EXPECT_THAT(run.output, HasSubstr("  leak protection: on\n"));
   EXPECT_THAT(run.output, HasSubstr("Keeps name look-ups inside the tunnel; weight 32001; filters 12\n"));
 }
 
 TEST(LeakProtectionSteps, LogTheNamesAndSearchTheAdapters) {
-  const ToolRun run = RunEmulated({L"enable-leak-protection", L"--server", L"198.51.100.7", L"--interface",
-                                   L"no adapter", L"--interface", L"is described like this"});
+  const ToolRun run = RunWithDnsApp({L"enable-leak-protection", L"--server", L"198.51.100.7", L"--interface",
+                                     L"no adapter", L"--interface", L"is described like this"});
   EXPECT_EQ(run.exitCode, 0u);
   EXPECT_THAT(run.output, HasSubstr("  NATIVE: Enabling leak protection. Allowed interface: no adapter,is "
                                     "described like this\n"
@@ -124,8 +129,8 @@ TEST(LeakProtectionSteps, LogTheNamesAndSearchTheAdapters) {
 }
 
 TEST(LeakProtectionSteps, TakeALuidOfAllBits) {
-  const ToolRun run = RunEmulated({L"enable-leak-protection", L"--server", L"255.255.255.254", L"--luid",
-                                   L"18446744073709551615", L"list"});
+  const ToolRun run = RunWithDnsApp({L"enable-leak-protection", L"--server", L"255.255.255.254", L"--luid",
+                                     L"18446744073709551615", L"list"});
   EXPECT_EQ(run.exitCode, 0u);
   EXPECT_THAT(run.output, HasSubstr("IP_LOCAL_INTERFACE EQUAL UINT64 18446744073709551615"));
   EXPECT_THAT(run.output, HasSubstr("IP_REMOTE_ADDRESS EQUAL UINT32 255.255.255.254"));

@@ -88,26 +88,32 @@ TEST(Steps, ListTellsTheSixDhcpFiltersInWords) {
   const ToolRun run = RunEmulated({L"enable-dhcp", L"list"});
   EXPECT_EQ(run.exitCode, 0u);
   EXPECT_THAT(
-      run.output,
+      WithoutIds(run.output),
       EndsWith(
           "list\n"
           "  provider \"Corvane Firewall Tool\" {b2574836-bff5-4a6e-9bc2-db92f1632330}: Rules installed by "
           "corvane-firewall\n"
           "  sublayer \"Corvane DHCP\" {28c81cd0-d8bf-4ab0-9def-9a7bf71e4641}: Lets address configuration "
           "through; weight 0; filters 6\n"
-          "    ALE_AUTH_CONNECT_V4: PERMIT when IP_PROTOCOL EQUAL UINT8 17 and IP_LOCAL_PORT EQUAL UINT16 67 "
+          "    filter # \"Corvane DHCP\" at ALE_AUTH_CONNECT_V4: PERMIT when IP_PROTOCOL EQUAL UINT8 17 and "
+          "IP_LOCAL_PORT EQUAL UINT16 67 "
           "and IP_REMOTE_PORT EQUAL UINT16 68; weight UINT8 14\n"
-          "    ALE_FLOW_ESTABLISHED_V4: PERMIT when IP_PROTOCOL EQUAL UINT8 17 and IP_LOCAL_PORT EQUAL "
+          "    filter # \"Corvane DHCP\" at ALE_FLOW_ESTABLISHED_V4: PERMIT when IP_PROTOCOL EQUAL UINT8 17 "
+          "and IP_LOCAL_PORT EQUAL "
           "UINT16 67 and IP_REMOTE_PORT EQUAL UINT16 68; weight UINT8 14\n"
-          "    ALE_AUTH_CONNECT_V6: PERMIT when IP_PROTOCOL EQUAL UINT8 17 and IP_LOCAL_PORT EQUAL UINT16 "
+          "    filter # \"Corvane DHCP\" at ALE_AUTH_CONNECT_V6: PERMIT when IP_PROTOCOL EQUAL UINT8 17 and "
+          "IP_LOCAL_PORT EQUAL UINT16 "
           "546 "
           "and IP_REMOTE_PORT EQUAL UINT16 547; weight UINT8 14\n"
-          "    ALE_AUTH_CONNECT_V6: PERMIT when IP_PROTOCOL EQUAL UINT8 17 and IP_LOCAL_PORT EQUAL UINT16 "
+          "    filter # \"Corvane DHCP\" at ALE_AUTH_CONNECT_V6: PERMIT when IP_PROTOCOL EQUAL UINT8 17 and "
+          "IP_LOCAL_PORT EQUAL UINT16 "
           "547 "
           "and IP_REMOTE_PORT EQUAL UINT16 546; weight UINT8 14\n"
-          "    ALE_FLOW_ESTABLISHED_V6: PERMIT when IP_PROTOCOL EQUAL UINT8 17 and IP_LOCAL_PORT EQUAL "
+          "    filter # \"Corvane DHCP\" at ALE_FLOW_ESTABLISHED_V6: PERMIT when IP_PROTOCOL EQUAL UINT8 17 "
+          "and IP_LOCAL_PORT EQUAL "
           "UINT16 546 and IP_REMOTE_PORT EQUAL UINT16 547; weight UINT8 14\n"
-          "    ALE_FLOW_ESTABLISHED_V6: PERMIT when IP_PROTOCOL EQUAL UINT8 17 and IP_LOCAL_PORT EQUAL "
+          "    filter # \"Corvane DHCP\" at ALE_FLOW_ESTABLISHED_V6: PERMIT when IP_PROTOCOL EQUAL UINT8 17 "
+          "and IP_LOCAL_PORT EQUAL "
           "UINT16 547 and IP_REMOTE_PORT EQUAL UINT16 546; weight UINT8 14\n"
           "  done\n"));
 }
@@ -116,7 +122,7 @@ TEST(Steps, ListTellsTheKillSwitchWithItsBlocksAndItsOverride) {
   const ToolRun run = RunEmulated({L"disable-internet", L"list"});
   EXPECT_EQ(run.exitCode, 0u);
   EXPECT_THAT(run.output, HasSubstr("Blocks traffic outside the tunnel; weight 0; filters 51\n"));
-  EXPECT_EQ(Count(run.output, "\n    ALE_"), 51u);
+  EXPECT_EQ(Count(run.output, "\n    filter "), 51u);
   EXPECT_EQ(Count(run.output, ": BLOCK always; weight UINT8 14\n"), 6u);
   EXPECT_EQ(Count(run.output, "; overrides other sublayers\n"), 3u);
   EXPECT_EQ(Count(run.output,
@@ -125,12 +131,38 @@ TEST(Steps, ListTellsTheKillSwitchWithItsBlocksAndItsOverride) {
             3u);
 }
 
+TEST(Steps, ListHasTheFilterThatExplainNames) {
+  const ToolRun run = RunEmulated({L"disable-internet", L"list", L"explain", L"--remote", L"1.1.1.1"});
+  const std::string before = "hard block of ";
+  const std::size_t at = run.output.find(before);
+  ASSERT_NE(at, std::string::npos);
+  const std::size_t begin = at + before.size();
+  const std::string filter = run.output.substr(begin, run.output.find('\n', begin) - begin);
+  EXPECT_THAT(filter, StartsWith("filter "));
+  EXPECT_THAT(run.output,
+              HasSubstr("    " + filter + " at ALE_AUTH_CONNECT_V4: BLOCK always; weight UINT8 14\n"));
+}
+
+TEST(Steps, ListOfAllHasWhatOthersOwn) {
+  const std::vector<std::wstring> options{L"--block-app", L"C:\\bad.exe", L"enable-dhcp", L"list"};
+  EXPECT_EQ(Count(RunEmulated(options).output, "\n    filter "), 6u);
+  std::vector<std::wstring> all = options;
+  all.emplace_back(L"--all");
+  const std::string output = WithoutIds(RunEmulated(all).output);
+  EXPECT_EQ(Count(output, "\n    filter "), 8u);
+  EXPECT_EQ(Count(output, "\n  sublayer "), 19u);
+  EXPECT_THAT(output, HasSubstr("  sublayer \"Corvane DHCP\" {28c81cd0-"));
+  EXPECT_THAT(output, HasSubstr("    filter # \"Block of another owner\" at ALE_AUTH_CONNECT_V6: BLOCK when "
+                                "ALE_APP_ID EQUAL BYTE_BLOB \\device\\harddiskvolume1\\bad.exe; weight "
+                                "EMPTY; no provider\n"));
+}
+
 TEST(Steps, ListGroupsFiltersBySublayer) {
   const ToolRun run = RunEmulated({L"enable-dhcp", L"disable-internet", L"list"});
   EXPECT_EQ(run.exitCode, 0u);
   EXPECT_EQ(Count(run.output, "\n  sublayer "), 2u);
   EXPECT_THAT(run.output, AllOf(HasSubstr("\"Corvane DHCP\""), HasSubstr("\"Corvane Kill Switch\"")));
-  EXPECT_EQ(Count(run.output, "\n    ALE_"), 57u);
+  EXPECT_EQ(Count(run.output, "\n    filter "), 57u);
 }
 
 TEST(Steps, AppStaysConnectedInSixLayers) {
@@ -191,7 +223,7 @@ TEST(Steps, LocalNetworksAreBlockedAndFreedAgain) {
   EXPECT_THAT(run.output, HasSubstr("  sublayer \"Corvane Local Network\" "
                                     "{c65ec4fb-2f21-4713-b30f-2e770f8afd47}: ; weight 0; filters 15\n"));
   EXPECT_THAT(run.output,
-              HasSubstr("    ALE_FLOW_ESTABLISHED_V6: BLOCK when IP_REMOTE_PORT NOT_EQUAL UINT16 53 and "
+              HasSubstr("\" at ALE_FLOW_ESTABLISHED_V6: BLOCK when IP_REMOTE_PORT NOT_EQUAL UINT16 53 and "
                         "IP_REMOTE_ADDRESS EQUAL V6_ADDR_MASK fc00::/7; weight UINT8 14\n"));
   EXPECT_THAT(run.output, EndsWith("enable-local-network\n"
                                    "  done\n"
@@ -214,12 +246,14 @@ TEST(Steps, SkeinLetsPeersInOnTheAdapterOfALuid) {
                                      "  NATIVE: Apply skein firewall rules.\n"
                                      "  done\n"));
   EXPECT_THAT(
-      run.output,
+      WithoutIds(run.output),
       EndsWith("Rules of the Skein network; weight 0; filters 2\n"
-               "    ALE_AUTH_RECV_ACCEPT_V4: BLOCK when IP_LOCAL_INTERFACE EQUAL UINT64 7 and "
+               "    filter # \"Corvane Skein\" at ALE_AUTH_RECV_ACCEPT_V4: BLOCK when IP_LOCAL_INTERFACE "
+               "EQUAL UINT64 7 and "
                "IP_REMOTE_ADDRESS EQUAL V4_ADDR_MASK 100.64.0.0/255.192.0.0; weight UINT8 14; overrides "
                "other sublayers\n"
-               "    ALE_AUTH_RECV_ACCEPT_V4: PERMIT when IP_LOCAL_INTERFACE EQUAL UINT64 7 and "
+               "    filter # \"Corvane Skein\" at ALE_AUTH_RECV_ACCEPT_V4: PERMIT when IP_LOCAL_INTERFACE "
+               "EQUAL UINT64 7 and "
                "IP_REMOTE_ADDRESS EQUAL UINT32 100.64.0.9 and IP_REMOTE_ADDRESS EQUAL UINT32 203.0.113.5; "
                "weight UINT8 15; overrides other sublayers\n"
                "  done\n"));

@@ -1,0 +1,144 @@
+#include "Listing.h"
+
+#include <gmock/gmock.h>
+
+#include "Failure.h"
+#include "NativeJson.h"
+
+namespace {
+
+FWP_CONDITION_VALUE0 Value(FWP_DATA_TYPE type) {
+  FWP_CONDITION_VALUE0 value{};
+  value.type = type;
+  return value;
+}
+
+TEST(NativeJson, NumbersUpTo32BitsAreNumbersAndLongerOnesTexts) {
+  FWP_CONDITION_VALUE0 byte = Value(FWP_UINT8);
+  byte.uint8 = 255;
+  EXPECT_EQ(ToJson(byte).dump(), "255");
+  FWP_CONDITION_VALUE0 port = Value(FWP_UINT16);
+  port.uint16 = 53;
+  EXPECT_EQ(ToJson(port).dump(), "53");
+  FWP_CONDITION_VALUE0 address = Value(FWP_UINT32);
+  address.uint32 = 0xC6336407;
+  EXPECT_EQ(ToJson(address).dump(), "3325256711");
+  UINT64 most = 18446744073709551615u;
+  FWP_CONDITION_VALUE0 luid = Value(FWP_UINT64);
+  luid.uint64 = &most;
+  EXPECT_EQ(ToJson(luid).dump(), R"("18446744073709551615")");
+  INT64 least = -9223372036854775807 - 1;
+  FWP_CONDITION_VALUE0 negative = Value(FWP_INT64);
+  negative.int64 = &least;
+  EXPECT_EQ(ToJson(negative).dump(), R"("-9223372036854775808")");
+  FWP_CONDITION_VALUE0 small = Value(FWP_INT8);
+  small.int8 = -1;
+  EXPECT_EQ(ToJson(small).dump(), "-1");
+}
+
+TEST(NativeJson, NetworksHaveTheirPartsAndAddressesAreTexts) {
+  FWP_V4_ADDR_AND_MASK v4{0x0A000000, 0xFF000000};
+  FWP_CONDITION_VALUE0 network = Value(FWP_V4_ADDR_MASK);
+  network.v4AddrMask = &v4;
+  EXPECT_EQ(ToJson(network).dump(), R"({"address":"10.0.0.0","mask":"255.0.0.0"})");
+  FWP_V6_ADDR_AND_MASK v6{{0xFE, 0x80}, 10};
+  network = Value(FWP_V6_ADDR_MASK);
+  network.v6AddrMask = &v6;
+  EXPECT_EQ(ToJson(network).dump(), R"({"address":"fe80::","prefixLength":10})");
+  FWP_BYTE_ARRAY16 bytes{{0x20, 0x01, 0x0D, 0xB8}};
+  FWP_CONDITION_VALUE0 address = Value(FWP_BYTE_ARRAY16_TYPE);
+  address.byteArray16 = &bytes;
+  EXPECT_EQ(ToJson(address).dump(), R"("2001:db8::")");
+}
+
+TEST(NativeJson, BytesAreHexadecimalDigits) {
+  UINT8 data[]{0x61, 0x00, 0xFF};
+  FWP_BYTE_BLOB blob{3, data};
+  FWP_CONDITION_VALUE0 value = Value(FWP_BYTE_BLOB_TYPE);
+  value.byteBlob = &blob;
+  EXPECT_EQ(ToJson(value).dump(), R"("6100ff")");
+  blob.size = 0;
+  EXPECT_EQ(ToJson(value).dump(), R"("")");
+  blob = {3, nullptr};
+  EXPECT_TRUE(ToJson(value).is_null());
+}
+
+TEST(NativeJson, ARangeHasTwoEndsWithTheirTypes) {
+  FWP_RANGE0 range{};
+  range.valueLow.type = FWP_UINT16;
+  range.valueLow.uint16 = 1;
+  range.valueHigh.type = FWP_UINT16;
+  range.valueHigh.uint16 = 1023;
+  FWP_CONDITION_VALUE0 value = Value(FWP_RANGE_TYPE);
+  value.rangeValue = &range;
+  EXPECT_EQ(ToJson(value).dump(),
+            R"({"low":{"type":"UINT16","value":1},"high":{"type":"UINT16","value":1023}})");
+}
+
+TEST(NativeJson, WhatIsMissingIsNull) {
+  for (const FWP_DATA_TYPE type :
+       {FWP_EMPTY, FWP_UINT64, FWP_INT64, FWP_DOUBLE, FWP_BYTE_ARRAY16_TYPE, FWP_BYTE_BLOB_TYPE, FWP_SID,
+        FWP_SECURITY_DESCRIPTOR_TYPE, FWP_TOKEN_INFORMATION_TYPE, FWP_TOKEN_ACCESS_INFORMATION_TYPE,
+        FWP_UNICODE_STRING_TYPE, FWP_BYTE_ARRAY6_TYPE, FWP_V4_ADDR_MASK, FWP_V6_ADDR_MASK, FWP_RANGE_TYPE,
+        static_cast<FWP_DATA_TYPE>(99)}) {
+    EXPECT_TRUE(ToJson(Value(type)).is_null()) << type;
+  }
+}
+
+TEST(Listing, AFilterHasItsKeysFlagsAndCallout) {
+  GUID provider{1, 2, 3, {4}};
+  FWPM_FILTER0 filter{};
+  filter.filterId = 4294967296;
+  filter.filterKey = {0xa0000000, 0, 0, {}};
+  filter.providerKey = &provider;
+  filter.action.type = FWP_ACTION_CALLOUT_TERMINATING;
+  filter.action.calloutKey = {0xb0000000, 0, 0, {}};
+  filter.flags = 0x21;
+  const ListedFilter listed = List(filter);
+  EXPECT_EQ(listed.id, 4294967296u);
+  EXPECT_EQ(listed.key, "a0000000-0000-0000-0000-000000000000");
+  EXPECT_EQ(listed.name, "");
+  EXPECT_EQ(listed.provider, "00000001-0002-0003-0400-000000000000");
+  EXPECT_EQ(listed.action, "CALLOUT_TERMINATING");
+  EXPECT_EQ(listed.callout, "b0000000-0000-0000-0000-000000000000");
+  EXPECT_EQ(listed.flags, 0x21u);
+  EXPECT_TRUE(listed.conditions.empty());
+  filter.action.type = FWP_ACTION_PERMIT;
+  EXPECT_EQ(List(filter).callout, std::nullopt);
+}
+
+TEST(Listing, AFilterWithoutTheConditionsThatItCountsIsAFailure) {
+  FWPM_FILTER0 filter{};
+  filter.filterId = 7;
+  filter.numFilterConditions = 1;
+  try {
+    List(filter);
+    FAIL();
+  } catch (const Failure& failure) {
+    EXPECT_STREQ(failure.what(), "The engine gave filter 7 without its conditions");
+  }
+}
+
+ListedFilter FilterOf(std::uint64_t id, const char* sublayer) {
+  ListedFilter filter{};
+  filter.id = id;
+  filter.sublayer = sublayer;
+  return filter;
+}
+
+TEST(Listing, FiltersOfASublayerThatIsNotShownAreNotLost) {
+  const auto sublayers = Arrange({{"light", "", "", {}, 1, {}}, {"heavy", "", "", {}, 2, {}}},
+                                 {FilterOf(3, "hidden"), FilterOf(2, "light"), FilterOf(1, "hidden")});
+  ASSERT_EQ(sublayers.size(), 3u);
+  EXPECT_EQ(sublayers[0].key, "heavy");
+  EXPECT_TRUE(sublayers[0].filters.empty());
+  EXPECT_EQ(sublayers[1].key, "light");
+  EXPECT_EQ(sublayers[1].filters.size(), 1u);
+  EXPECT_EQ(sublayers[2].key, "hidden");
+  EXPECT_EQ(sublayers[2].weight, std::nullopt);
+  ASSERT_EQ(sublayers[2].filters.size(), 2u);
+  EXPECT_EQ(sublayers[2].filters[0].id, 1u);
+  EXPECT_EQ(sublayers[2].filters[1].id, 3u);
+}
+
+}  // namespace
