@@ -126,6 +126,16 @@ std::size_t FlagsTable::SignatureOf(const Connection& connection) const {
   return connection.flags ? SignatureOfWord(*connection.flags) : unset_;
 }
 
+std::vector<UINT32> FlagsTable::NamedWith(UINT32 bits) const {
+  std::vector<UINT32> words;
+  for (const Class& named : named_) {
+    if (named.bits == bits) {
+      words.push_back(named.word);
+    }
+  }
+  return words;
+}
+
 ValueClass FlagsTable::Collect(const std::vector<bool>& signatures, const Connection& ordinary) const {
   ValueClass found;
   found.unset = signatures[unset_];
@@ -137,7 +147,7 @@ ValueClass FlagsTable::Collect(const std::vector<bool>& signatures, const Connec
   }
   for (const Class& pattern : patterns_) {
     if (signatures[pattern.signature]) {
-      found.masked.push_back({testedBits_, pattern.bits});
+      found.masked.push_back({testedBits_, pattern.bits, NamedWith(pattern.bits)});
       found.exampleNumber = found.exampleNumber.value_or(pattern.word);
     }
   }

@@ -27,6 +27,8 @@ class FlagsTable : public FieldTable {
   void AddNamedWords();
   void AddBitPatterns();
   bool IsNamed(UINT32 word) const;
+  /// The named words with some of the tested bits, ascending.
+  std::vector<UINT32> NamedWith(UINT32 bits) const;
   std::optional<UINT32> UnnamedWord(UINT32 bits) const;
   std::size_t InternWord(UINT32 word);
   std::size_t SignatureOfWord(UINT32 word) const;

@@ -82,7 +82,10 @@ std::optional<std::size_t> ClassOfNumber(const FieldClasses& field, const std::o
 
 /// The class of a word of flags that none names.
 std::size_t ClassOfPattern(const FieldClasses& field, UINT32 word) {
-  const auto fits = [word](const ValueClass::Masked& masked) { return (word & masked.mask) == masked.value; };
+  const auto fits = [word](const ValueClass::Masked& masked) {
+    return (word & masked.mask) == masked.value &&
+           std::ranges::find(masked.except, word) == masked.except.end();
+  };
   const auto found = std::ranges::find_if(
       field.classes, [&](const ValueClass& values) { return std::ranges::any_of(values.masked, fits); });
   return static_cast<std::size_t>(found - field.classes.begin());

@@ -17,11 +17,12 @@ namespace Policy {
 
 /// Values of a field that behave alike: wherever the rest of the connection is the same, so is the verdict.
 struct ValueClass {
-  /// Words of flags with certain bits: all whose bits under `mask` are `value`, less the words that the
-  /// intervals of the field's classes name.
+  /// Words of flags with certain bits: all whose bits under `mask` are `value`, but for some words, which
+  /// have classes by their own right.
   struct Masked {
     UINT32 mask;
     UINT32 value;
+    std::vector<UINT32> except;  ///< ascending
     bool operator==(const Masked&) const = default;
   };
 

@@ -103,10 +103,28 @@ Json ToJson(const Policy::LayerTrace& trace) {
   return json;
 }
 
-Json ToJson(const std::vector<Policy::Interval>& intervals) {
+/// LUIDs are decimal, other numbers hexadecimal.
+std::string NumberText(Policy::Number number, bool isLuid) {
+  return isLuid ? Catalog::FormatNumber(number.low) : HexText(number);
+}
+
+bool IsLuid(Policy::Field field) {
+  using enum Policy::Field;
+  return field == LocalInterface || field == ArrivalInterface || field == NextHopInterface;
+}
+
+Json ToJson(const std::vector<Policy::Interval>& intervals, bool areLuids) {
   Json json = Json::array();
   for (const Policy::Interval& interval : intervals) {
-    json.push_back({HexText(interval.first), HexText(interval.last)});
+    json.push_back({NumberText(interval.first, areLuids), NumberText(interval.last, areLuids)});
+  }
+  return json;
+}
+
+Json ToJson(const std::vector<Policy::ValueClass::Masked>& patterns) {
+  Json json = Json::array();
+  for (const auto& [mask, value, except] : patterns) {
+    json.push_back({{"mask", mask}, {"value", value}, {"except", except}});
   }
   return json;
 }
@@ -119,22 +137,22 @@ Json HexTexts(const std::vector<std::string>& texts) {
   return json;
 }
 
-Json ToJson(const Policy::ValueClass& values) {
-  Json masked = Json::array();
-  for (const auto& [mask, value] : values.masked) {
-    masked.push_back({mask, value});
+Json ExampleOf(const Policy::ValueClass& values, bool isLuid) {
+  if (values.exampleApplication) {
+    return HexText(*values.exampleApplication);
   }
+  return ToJson(values.exampleNumber, [isLuid](Policy::Number number) { return NumberText(number, isLuid); });
+}
+
+Json ToJson(const Policy::ValueClass& values, Policy::Field field) {
   return {{"text", values.text},
           {"unset", values.unset},
-          {"intervals", ToJson(values.intervals)},
-          {"masked", std::move(masked)},
+          {"intervals", ToJson(values.intervals, IsLuid(field))},
+          {"masked", ToJson(values.masked)},
           {"applications", HexTexts(values.applications)},
           {"endings", HexTexts(values.endings)},
           {"others", values.others},
-          {"example", values.exampleApplication ? Json(HexText(*values.exampleApplication))
-                                                : ToJson(values.exampleNumber, [](Policy::Number number) {
-                                                    return HexText(number);
-                                                  })}};
+          {"example", ExampleOf(values, IsLuid(field))}};
 }
 
 Json ToJson(const Policy::MapTarget& target) {
@@ -150,7 +168,7 @@ Json ToJson(const Policy::MapSection& section) {
   for (const Policy::FieldClasses& field : section.fields) {
     Json classes = Json::array();
     for (const Policy::ValueClass& values : field.classes) {
-      classes.push_back(ToJson(values));
+      classes.push_back(ToJson(values, field.field));
     }
     json["fields"].push_back({{"field", Policy::FieldText(field.field)}, {"classes", std::move(classes)}});
   }
@@ -172,13 +190,15 @@ const char* KindText(Policy::Test::Kind kind) {
 
 Json ToJson(const Policy::Condition& condition) {
   const Policy::Test& test = condition.test;
+  // The fields of 64 bits are LUIDs, and one counter.
+  const bool isLuid = condition.field != nullptr && condition.field->type == FWP_UINT64;
   return {{"field", condition.field == nullptr ? Catalog::FormatGuid(condition.fieldKey)
                                                : std::string(condition.field->name)},
           {"text", condition.text},
           {"test", KindText(test.kind)},
           {"negated", test.negated},
-          {"first", HexText(test.interval.first)},
-          {"last", HexText(test.interval.last)},
+          {"first", NumberText(test.interval.first, isLuid)},
+          {"last", NumberText(test.interval.last, isLuid)},
           {"bytes", HexText(test.bytes)}};
 }
 
@@ -226,7 +246,8 @@ Json ToJson(const Policy::Verdict& verdict) {
 
 Json ToJson(const Policy::Connection& connection, const Policy::Labels& labels) {
   const auto number = [](auto value) { return value; };
-  const auto hex = [](const auto& value) { return HexText(value); };
+  const auto luid = [](UINT64 value) { return Catalog::FormatNumber(value); };
+  const auto bytes = [](const std::string& value) { return HexText(value); };
   const auto address = [&](Policy::Number value) {
     return Policy::FormatAddress(connection.ipVersion, value);
   };
@@ -238,10 +259,10 @@ Json ToJson(const Policy::Connection& connection, const Policy::Labels& labels) 
           {"localPort", ToJson(connection.localPort, number)},
           {"remoteAddress", ToJson(connection.remoteAddress, address)},
           {"remotePort", ToJson(connection.remotePort, number)},
-          {"application", ToJson(connection.application, hex)},
-          {"interface", ToJson(connection.localInterface, hex)},
-          {"arrivalInterface", ToJson(connection.arrivalInterface, hex)},
-          {"nextHopInterface", ToJson(connection.nextHopInterface, hex)},
+          {"application", ToJson(connection.application, bytes)},
+          {"interface", ToJson(connection.localInterface, luid)},
+          {"arrivalInterface", ToJson(connection.arrivalInterface, luid)},
+          {"nextHopInterface", ToJson(connection.nextHopInterface, luid)},
           {"flags", ToJson(connection.flags, number)}};
 }
 

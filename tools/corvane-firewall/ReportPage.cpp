@@ -45,7 +45,7 @@ Json Applications(const Policy::Snapshot& snapshot) {
 Json Interfaces(const Policy::Labels& labels) {
   Json json = Json::array();
   for (const auto& [luid, name] : labels.interfaces) {
-    json.push_back({{"luid", HexText(luid)}, {"name", name}});
+    json.push_back({{"luid", Catalog::FormatNumber(luid)}, {"name", name}});
   }
   return json;
 }

@@ -60,8 +60,8 @@ TEST(Explain, OptionsMakeTheConnection) {
     "remoteAddress": "10.0.0.1",
     "remotePort": 53,
     "application": "5c006400650076006900630065005c0068006100720064006400690073006b0076006f006c0075006d00650031005c0061002e006500780065000000",
-    "interface": "0x7",
-    "arrivalInterface": "0x7",
+    "interface": "7",
+    "arrivalInterface": "7",
     "nextHopInterface": null,
     "flags": 1
   })json"));

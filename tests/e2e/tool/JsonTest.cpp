@@ -81,6 +81,26 @@ TEST(JsonOutput, ListOfAllHasEverySublayer) {
   EXPECT_TRUE((*universal)["filters"][0]["provider"].is_null());
 }
 
+TEST(JsonOutput, LuidsAreDecimalTextsEverywhere) {
+  const Json document =
+      RunForJson({L"enable-skein", L"--luid", L"18446744073709551615", L"list", L"explain", L"--inbound",
+                  L"--remote", L"100.64.0.1", L"--interface", L"18446744073709551615", L"map", L"prove"},
+                 0);
+  const std::string luid = "18446744073709551615";
+  EXPECT_EQ(document["steps"][1]["sublayers"][0]["filters"][0]["conditions"][0]["value"], luid);
+  const Json& connection = document["steps"][2]["explanations"][0]["connection"];
+  EXPECT_EQ(connection["interface"], luid);
+  EXPECT_EQ(connection["arrivalInterface"], luid);
+  EXPECT_TRUE(connection["nextHopInterface"].is_null());
+  const Json& interfaces = document["steps"][3]["map"]["sections"][2]["fields"][0];
+  EXPECT_EQ(interfaces["field"], "interface");
+  EXPECT_EQ(interfaces["classes"][0]["intervals"], Json::parse(R"([["0", "18446744073709551614"]])"));
+  EXPECT_EQ(interfaces["classes"][0]["example"], "999");
+  EXPECT_EQ(interfaces["classes"][1]["intervals"],
+            Json::parse(R"([["18446744073709551615", "18446744073709551615"]])"));
+  EXPECT_EQ(interfaces["classes"][1]["example"], luid);
+}
+
 TEST(JsonOutput, ListOfAnEmptyEngineHasNoProvider) {
   const Json list = RunForJson({L"list"}, 0)["steps"][0];
   EXPECT_TRUE(list["provider"].is_null());

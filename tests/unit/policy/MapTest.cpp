@@ -118,6 +118,24 @@ ALE_AUTH_CONNECT_V4 | BLOCK | UINT8 1 | - | FLAGS FLAGS_ALL_SET UINT32 2
                                     "  otherwise: permit\n"));
 }
 
+TEST_F(MapTest, APatternOfFlagsExceptsTheWordsThatHaveAClass) {
+  Install(1, R"(
+ALE_AUTH_CONNECT_V4 | BLOCK | UINT8 2 | - | FLAGS EQUAL UINT32 5
+ALE_AUTH_CONNECT_V4 | BLOCK | UINT8 2 | - | FLAGS EQUAL UINT32 6
+ALE_AUTH_CONNECT_V4 | BLOCK | UINT8 1 | - | FLAGS FLAGS_ALL_SET UINT32 2
+)");
+  const Policy::Snapshot snapshot = Read();
+  const Map map = Policy::MakeMap(snapshot);
+  const auto& fields = map.sections.at(0).fields;
+  ASSERT_THAT(fields, SizeIs(1));
+  std::vector<Policy::ValueClass::Masked> masked;
+  for (const auto& values : fields[0].classes) {
+    masked.insert(masked.end(), values.masked.begin(), values.masked.end());
+  }
+  EXPECT_THAT(masked, testing::UnorderedElementsAre(Policy::ValueClass::Masked{2, 2, {6}},
+                                                    Policy::ValueClass::Masked{2, 0, {1, 5, 0x800001}}));
+}
+
 TEST_F(MapTest, EndingsOfApplicationsAreClasses) {
   Install(1, R"(
 ALE_AUTH_CONNECT_V4 | PERMIT | UINT8 2 | - | ALE_APP_ID EQUAL BYTE_BLOB \x\a.exe

@@ -108,7 +108,10 @@ const policy = (() => {
       return listed;
     }
     return classes.findIndex((values) =>
-      values.masked.some(([mask, bits]) => (value & BigInt(mask)) === BigInt(bits)),
+      values.masked.some(
+        ({ mask, value: bits, except }) =>
+          (value & BigInt(mask)) === BigInt(bits) && !except.some((word) => BigInt(word) === value),
+      ),
     );
   }
 

@@ -21,7 +21,7 @@
   for (const { conditions } of snapshot.filters) {
     for (const { field, test, first, last } of conditions) {
       if (field.endsWith("_INTERFACE") && test === "in-interval" && first === last && !interfaceNames.has(first)) {
-        interfaceNames.set(first, String(BigInt(first)));
+        interfaceNames.set(first, first);
       }
     }
   }
@@ -125,14 +125,13 @@
 
   function connectionText(connection) {
     const address = policy.formatAddress(connection.ipVersion, connection["remote address"]);
-    const luid = `0x${connection.interface.toString(16)}`;
     const application = data.applications.find(({ id }) => id === connection.application);
     return [
       `${connection.direction} IPv${connection.ipVersion}`,
       `protocol ${connection.protocol}`,
       `remote ${connection.ipVersion === 6 ? `[${address}]` : address}:${connection["remote port"]}`,
       `local port ${connection["local port"]}`,
-      `interface ${interfaceNames.get(luid) ?? "that no filter names"}`,
+      `interface ${interfaceNames.get(String(connection.interface)) ?? "that no filter names"}`,
       `application ${application?.text ?? "that no filter names"}`,
       ...(connection.flags === 1n ? ["loopback"] : []),
     ].join(", ");
