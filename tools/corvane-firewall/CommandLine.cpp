@@ -6,6 +6,8 @@
 
 namespace {
 
+constexpr const char* kJson = "--json";
+
 /// The global options are understood everywhere, so each part of the command line gets them.
 void AddGlobalOptions(CLI::App& app, Plan& plan) {
   app.prefix_command();
@@ -29,7 +31,7 @@ void AddGlobalOptions(CLI::App& app, Plan& plan) {
          "Application that another owner blocks in the emulated engine; the file need not exist")
       ->type_name("PATH")
       ->allow_extra_args(false);
-  app.add_flag("--json", plan.json, "One JSON document on stdout");
+  app.add_flag(kJson, plan.json, "One JSON document on stdout")->disable_flag_override();
   app.add_flag("--no-hold", plan.noHold, "End after the last step, and with it all rules, without waiting");
   for (CLI::Option* option : app.get_options()) {
     option->group("Global options");
@@ -130,6 +132,10 @@ UsageError Unknown(const std::string& argument, const std::vector<PlannedStep>& 
 }
 
 }  // namespace
+
+bool AsksForJson(const std::vector<std::string>& arguments) {
+  return std::ranges::find(arguments, kJson) != arguments.end();
+}
 
 Plan ParseCommandLine(const std::vector<std::string>& arguments) {
   Plan plan;

@@ -1,6 +1,5 @@
 #pragma once
 
-#include <stdexcept>
 #include <string>
 #include <vector>
 
@@ -25,11 +24,14 @@ struct Plan {
 };
 
 /// A command line that makes no sense: what is wrong with it and what would be right.
-class UsageError : public std::runtime_error {
+class UsageError : public Failure {
  public:
   UsageError(const std::string& wrong, const std::string& right)
-      : std::runtime_error(wrong + "\nhint: " + right + ", see corvane-firewall --help") {}
+      : Failure(wrong, right + ", see corvane-firewall --help") {}
 };
+
+/// Whether a command line asks for a JSON document, be it one that makes no sense.
+bool AsksForJson(const std::vector<std::string>& arguments);
 
 /// @param arguments without the program's name.
 /// @throws UsageError

@@ -30,7 +30,7 @@ Failure::Failure(const std::string& text, std::string hint)
 
 Failure::Failure(std::uint64_t code, const std::string& text) : std::runtime_error(text), code_(code) {}
 
-std::string Failure::Hint(Engine engine) const {
+std::string Failure::Hint(std::optional<Engine> engine) const {
   if (engine == Engine::System) {
     for (const CodeHint& entry : kSystemHints) {
       if (code_ == entry.code) {

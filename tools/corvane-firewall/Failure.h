@@ -17,7 +17,8 @@ class Failure : public std::runtime_error {
 
   [[nodiscard]] std::optional<std::uint64_t> Code() const { return code_; }
   /// What to do about it; empty when there is nothing to say.
-  [[nodiscard]] std::string Hint(Engine engine) const;
+  /// @param engine that it was about; none where no step was run.
+  [[nodiscard]] std::string Hint(std::optional<Engine> engine) const;
 
  private:
   std::optional<std::uint64_t> code_;

@@ -8,6 +8,8 @@
 
 namespace {
 
+const char* EngineName(Engine engine) { return engine == Engine::System ? "system" : "emulated"; }
+
 Json KeyOrNull(const std::optional<std::string>& key) { return key ? Json(*key) : Json(nullptr); }
 
 template <class Listed, class Convert>
@@ -52,9 +54,9 @@ Json SublayerToJson(const ListedSublayer& sublayer) {
 
 }  // namespace
 
-JsonReporter::JsonReporter(Engine engine)
+JsonReporter::JsonReporter(std::optional<Engine> engine)
     : engine_(engine),
-      document_{{"engine", engine == Engine::System ? "system" : "emulated"},
+      document_{{"engine", engine ? Json(EngineName(*engine)) : Json(nullptr)},
                 {"ok", true},
                 {"steps", Json::array()}} {}
 

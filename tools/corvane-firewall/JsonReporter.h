@@ -6,7 +6,8 @@
 /// One JSON document for machines, written to stdout by Finish.
 class JsonReporter : public Reporter {
  public:
-  explicit JsonReporter(Engine engine);
+  /// @param engine none where the command line does not tell.
+  explicit JsonReporter(std::optional<Engine> engine);
 
   void BeginStep(const std::string& step) override;
   void Log(const std::string& line) override;
@@ -26,6 +27,6 @@ class JsonReporter : public Reporter {
  private:
   Json& Step() { return document_["steps"].back(); }
 
-  Engine engine_;
+  std::optional<Engine> engine_;
   Json document_;
 };

@@ -1,8 +1,10 @@
 #include "RunPlan.h"
 
 #include <algorithm>
+#include <exception>
 #include <iostream>
 #include <memory>
+#include <optional>
 
 #include "ForeignBlocks.h"
 #include "JsonReporter.h"
@@ -11,11 +13,16 @@
 
 namespace {
 
-std::unique_ptr<Reporter> MakeReporter(const Plan& plan) {
-  if (plan.json) {
-    return std::make_unique<JsonReporter>(plan.engine);
+std::unique_ptr<Reporter> MakeReporter(bool asJson, std::optional<Engine> engine) {
+  if (asJson) {
+    return std::make_unique<JsonReporter>(engine);
   }
-  return std::make_unique<TextReporter>(plan.engine);
+  return std::make_unique<TextReporter>(engine);
+}
+
+void Fail(Reporter& reporter, const Failure& failure) {
+  reporter.Fail(failure);
+  reporter.Finish();
 }
 
 bool Holds(const Plan& plan) {
@@ -32,7 +39,7 @@ void WaitForEnter() {
 }  // namespace
 
 int RunPlan(const Plan& plan) {
-  const std::unique_ptr<Reporter> reporter = MakeReporter(plan);
+  const std::unique_ptr<Reporter> reporter = MakeReporter(plan.json, plan.engine);
   try {
     const FirewallLibrary library(plan.engine, ToWide(plan.dnsApp));
     if (!plan.blockedApps.empty()) {
@@ -50,8 +57,15 @@ int RunPlan(const Plan& plan) {
     }
     return 0;
   } catch (const Failure& failure) {
-    reporter->Fail(failure);
-    reporter->Finish();
-    return 1;
+    Fail(*reporter, failure);
+  } catch (const std::exception& error) {
+    Fail(*reporter, Failure(error.what(), ""));
   }
+  return 1;
+}
+
+int RefuseCommandLine(const UsageError& error, bool asJson) {
+  const std::unique_ptr<Reporter> reporter = MakeReporter(asJson, std::nullopt);
+  Fail(*reporter, error);
+  return 2;
 }

@@ -5,7 +5,8 @@
 /// Text for people, as it comes: results on stdout, failures on stderr.
 class TextReporter : public Reporter {
  public:
-  explicit TextReporter(Engine engine) : engine_(engine) {}
+  /// @param engine none where the command line does not tell.
+  explicit TextReporter(std::optional<Engine> engine) : engine_(engine) {}
 
   void BeginStep(const std::string& step) override;
   void Log(const std::string& line) override;
@@ -23,6 +24,6 @@ class TextReporter : public Reporter {
   void Finish() override {}
 
  private:
-  Engine engine_;
+  std::optional<Engine> engine_;
   std::string step_;
 };

@@ -41,20 +41,25 @@ std::vector<std::string> Arguments() {
   return arguments;
 }
 
-}  // namespace
-
-int main() {
-  const Utf8Console console;
+int Run(const std::vector<std::string>& arguments) {
   try {
-    const Plan plan = ParseCommandLine(Arguments());
+    const Plan plan = ParseCommandLine(arguments);
     if (!plan.information.empty()) {
       std::cout << plan.information;
       return 0;
     }
     return RunPlan(plan);
   } catch (const UsageError& error) {
-    std::cerr << error.what() << "\n";
-    return 2;
+    return RefuseCommandLine(error, AsksForJson(arguments));
+  }
+}
+
+}  // namespace
+
+int main() {
+  const Utf8Console console;
+  try {
+    return Run(Arguments());
   } catch (const std::exception& error) {
     std::cerr << "error: " << error.what() << "\n";
     return 1;

@@ -1,6 +1,6 @@
 #include <gmock/gmock.h>
 
-#include "ToolProcess.h"
+#include "EmulatedTool.h"
 
 namespace {
 
@@ -24,6 +24,22 @@ TEST_P(WrongUsage, ExitsWithTwoAndAHintBeforeAnyStepRuns) {
   EXPECT_THAT(run.errors, HasSubstr(GetParam().wrong));
   EXPECT_THAT(run.errors, HasSubstr(std::string("\nhint: ") + GetParam().right));
   EXPECT_THAT(run.errors, HasSubstr("corvane-firewall --help"));
+}
+
+TEST_P(WrongUsage, IsAJsonDocumentWhereOneIsAskedFor) {
+  std::vector<std::wstring> arguments = GetParam().arguments;
+  arguments.insert(arguments.begin(), L"--json");
+  const ToolRun run = RunTool(arguments);
+  EXPECT_EQ(run.exitCode, 2u);
+  EXPECT_EQ(run.errors, "");
+  const Json document = Json::parse(run.output);
+  EXPECT_TRUE(document["engine"].is_null());
+  EXPECT_EQ(document["ok"], false);
+  EXPECT_EQ(document["steps"], Json::array());
+  EXPECT_THAT(document["error"]["text"].get<std::string>(), HasSubstr(GetParam().wrong));
+  EXPECT_THAT(
+      document["error"]["hint"].get<std::string>(),
+      testing::AllOf(StartsWith(GetParam().right), testing::EndsWith(", see corvane-firewall --help")));
 }
 
 const WrongUse kWrongUses[]{
@@ -116,6 +132,25 @@ const WrongUse kWrongUses[]{
 };
 
 INSTANTIATE_TEST_SUITE_P(CommandLine, WrongUsage, testing::ValuesIn(kWrongUses));
+
+TEST(CommandLine, JsonMayBeAskedForAfterTheMistake) {
+  for (const std::vector<std::wstring>& arguments :
+       {std::vector<std::wstring>{L"--engine", L"emulated", L"lsit", L"--json"},
+        std::vector<std::wstring>{L"--engine", L"pretended", L"list", L"--json"},
+        std::vector<std::wstring>{L"explain", L"--remote", L"10.0.0", L"list", L"--json"}}) {
+    const ToolRun run = RunTool(arguments);
+    EXPECT_EQ(run.exitCode, 2u);
+    EXPECT_EQ(run.errors, "");
+    EXPECT_EQ(Json::parse(run.output)["ok"], false);
+  }
+}
+
+TEST(CommandLine, JsonTakesNoValue) {
+  const ToolRun run = RunTool({L"--engine", L"emulated", L"--json=false", L"status"});
+  EXPECT_EQ(run.exitCode, 2u);
+  EXPECT_EQ(run.output, "");
+  EXPECT_THAT(run.errors, HasSubstr("json was given a disallowed flag override"));
+}
 
 TEST(CommandLine, HelpTellsTheStepsAndExitsWithZero) {
   const ToolRun run = RunTool({L"--help"});
