@@ -1,4 +1,4 @@
-# CLI11 and nlohmann-json, header-only: link host_headers.
+# CLI11, nlohmann-json and, for the tests, valijson, header-only: link host_headers.
 include_guard(GLOBAL)
 
 add_library(host_headers INTERFACE)
@@ -7,6 +7,10 @@ if(CMAKE_HOST_WIN32)
   find_package(CLI11 REQUIRED)
   find_package(nlohmann_json REQUIRED)
   target_link_libraries(host_headers INTERFACE CLI11::CLI11 nlohmann_json::nlohmann_json)
+  if(BUILD_TESTING)
+    find_package(valijson REQUIRED)
+    target_link_libraries(host_headers INTERFACE ValiJSON::valijson)
+  endif()
   return()
 endif()
 
@@ -26,4 +30,7 @@ endfunction()
 
 link_host_headers(CLI CLI.hpp libcli11-dev)
 link_host_headers(nlohmann json.hpp nlohmann-json3-dev)
+if(BUILD_TESTING)
+  link_host_headers(valijson validator.hpp libvalijson-dev)
+endif()
 target_include_directories(host_headers SYSTEM INTERFACE "${host_header_links}")

@@ -32,7 +32,7 @@ TEST_P(WrongUsage, IsAJsonDocumentWhereOneIsAskedFor) {
   const ToolRun run = RunTool(arguments);
   EXPECT_EQ(run.exitCode, 2u);
   EXPECT_EQ(run.errors, "");
-  const Json document = Json::parse(run.output);
+  const Json document = DocumentOf(run);
   EXPECT_TRUE(document["engine"].is_null());
   EXPECT_EQ(document["ok"], false);
   EXPECT_EQ(document["steps"], Json::array());
@@ -141,7 +141,7 @@ TEST(CommandLine, JsonMayBeAskedForAfterTheMistake) {
     const ToolRun run = RunTool(arguments);
     EXPECT_EQ(run.exitCode, 2u);
     EXPECT_EQ(run.errors, "");
-    EXPECT_EQ(Json::parse(run.output)["ok"], false);
+    EXPECT_EQ(DocumentOf(run)["ok"], false);
   }
 }
 

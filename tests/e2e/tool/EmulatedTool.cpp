@@ -4,6 +4,8 @@
 
 #include <regex>
 
+#include "JsonSchema.h"
+
 ToolRun RunEmulated(std::vector<std::wstring> arguments) {
   arguments.insert(arguments.begin(), {L"--engine", L"emulated"});
   return RunTool(arguments);
@@ -13,10 +15,16 @@ std::string WithoutIds(const std::string& text) {
   return std::regex_replace(text, std::regex("filter [0-9]+"), "filter #");
 }
 
+Json DocumentOf(const ToolRun& run) {
+  Json document = Json::parse(run.output);
+  EXPECT_EQ(FaultsOf(document), "") << run.output;
+  return document;
+}
+
 Json LastStep(std::vector<std::wstring> arguments) {
   arguments.insert(arguments.begin(), L"--json");
   const ToolRun run = RunEmulated(std::move(arguments));
   EXPECT_EQ(run.exitCode, 0u);
   EXPECT_EQ(run.errors, "");
-  return Json::parse(run.output)["steps"].back();
+  return DocumentOf(run)["steps"].back();
 }

@@ -3,7 +3,7 @@
 #include <algorithm>
 #include <cctype>
 
-#include "ToolProcess.h"
+#include "EmulatedTool.h"
 
 namespace {
 
@@ -65,8 +65,10 @@ TEST(Files, MissingFileIsInTheJsonDocumentToo) {
   folder.Copy("corvane-firewall.exe", "corvane-firewall.exe");
   const ToolRun run = RunTool({L"--json", L"status"}, folder.Path());
   EXPECT_EQ(run.exitCode, 1u);
-  EXPECT_THAT(run.output, AllOf(HasSubstr("\"ok\": false"), HasSubstr("\"steps\": []"),
-                                HasSubstr("\"text\": \"Cannot load ")));
+  const Json document = DocumentOf(run);
+  EXPECT_EQ(document["ok"], false);
+  EXPECT_EQ(document["steps"], Json::array());
+  EXPECT_THAT(document["error"]["text"].get<std::string>(), testing::StartsWith("Cannot load "));
 }
 
 TEST(Files, LibraryWithoutItsFunctionsIsNamedWithTheFirstMissing) {

@@ -3,6 +3,7 @@
 #include <algorithm>
 
 #include "EmulatedTool.h"
+#include "JsonSchema.h"
 
 namespace {
 
@@ -11,7 +12,7 @@ Json RunForJson(std::vector<std::wstring> arguments, DWORD exitCode) {
   const ToolRun run = RunTool(arguments);
   EXPECT_EQ(run.exitCode, exitCode);
   EXPECT_EQ(run.errors, "");
-  return Json::parse(run.output);
+  return DocumentOf(run);
 }
 
 TEST(JsonOutput, HasEveryStepWithItsLogLines) {
@@ -127,6 +128,98 @@ TEST(JsonOutput, AdaptersHaveNameDescriptionAndLuid) {
     EXPECT_TRUE(adapter["name"].is_string());
     EXPECT_TRUE(adapter["description"].is_string());
     EXPECT_THAT(adapter["luid"].get<std::string>(), testing::MatchesRegex("\\d+"));
+  }
+}
+
+TEST(JsonSchema, HasAPlaceForWhatEveryStepWrites) {
+  const TemporaryFolder folder;
+  const std::wstring app = (ProgramFolder() / L"corvane-firewall.exe").native();
+  const Json document = RunForJson({L"--dns-app",
+                                    app,
+                                    L"--block-app",
+                                    L"C:\\bad.exe",
+                                    L"disable-internet",
+                                    L"--app",
+                                    app,
+                                    L"enable-dhcp",
+                                    L"enable-leak-protection",
+                                    L"--server",
+                                    L"198.51.100.7",
+                                    L"--luid",
+                                    L"7",
+                                    L"disable-local-network",
+                                    L"enable-skein",
+                                    L"--luid",
+                                    L"9",
+                                    L"status",
+                                    L"adapters",
+                                    L"list",
+                                    L"--all",
+                                    L"explain",
+                                    L"--remote",
+                                    L"fe80::1",
+                                    L"--protocol",
+                                    L"47",
+                                    L"map",
+                                    L"prove",
+                                    L"lint",
+                                    L"report",
+                                    (folder.Path() / L"page.html").native(),
+                                    L"enable-internet",
+                                    L"disable-dhcp",
+                                    L"disable-leak-protection",
+                                    L"enable-local-network",
+                                    L"disable-skein"},
+                                   0);
+  EXPECT_EQ(document["steps"].size(), 18u);
+}
+
+TEST(JsonSchema, TakesNoDocumentWithoutItsParts) {
+  const Json whole = RunForJson({L"enable-skein", L"--luid", L"7", L"list", L"explain", L"--inbound",
+                                 L"--remote", L"100.64.0.1", L"map"},
+                                0);
+  const Json::json_pointer parts[]{
+      "/engine"_json_pointer,
+      "/steps/0/log"_json_pointer,
+      "/steps/1/provider"_json_pointer,
+      "/steps/1/sublayers/0/filters/0/key"_json_pointer,
+      "/steps/1/sublayers/0/filters/0/weight/value"_json_pointer,
+      "/steps/1/sublayers/0/filters/0/conditions/0/type"_json_pointer,
+      "/steps/2/explanations/0/connection/interface"_json_pointer,
+      "/steps/2/explanations/0/layers/0/sublayers/0/nearMisses"_json_pointer,
+      "/steps/3/map"_json_pointer,
+      "/steps/3/map/sections/2/fields/0/classes/0/example"_json_pointer,
+  };
+  for (const Json::json_pointer& part : parts) {
+    Json document = whole;
+    ASSERT_EQ(document.at(part.parent_pointer()).erase(part.back()), 1u) << part;
+    EXPECT_NE(FaultsOf(document), "") << part;
+  }
+}
+
+TEST(JsonSchema, TakesNoDocumentWithOtherValues) {
+  const Json whole = RunForJson({L"enable-skein", L"--luid", L"7", L"list", L"explain", L"--inbound",
+                                 L"--remote", L"100.64.0.1", L"map"},
+                                0);
+  const std::pair<Json::json_pointer, Json> values[]{
+      {"/engine"_json_pointer, "pretended"},
+      {"/error"_json_pointer, {{"text", "of a run that went well"}}},
+      {"/steps/0/step"_json_pointer, "enable-skeins"},
+      {"/steps/0/luid"_json_pointer, "7"},
+      {"/steps/1/sublayers/0/key"_json_pointer, "{c38d57d1}"},
+      {"/steps/1/sublayers/0/filters/0/conditions/0/value"_json_pointer, 7},
+      {"/steps/1/sublayers/0/filters/0/conditions/1/value/mask"_json_pointer, 255},
+      {"/steps/2/explanations/0/connection/interface"_json_pointer, 7},
+      {"/steps/2/explanations/0/verdict/verdict"_json_pointer, "depends"},
+      {"/steps/3/map/sections/2/fields/0/classes/0/intervals/0/0"_json_pointer, "0x0"},
+      {"/steps/3/map/sections/2/fields/1/classes/0/intervals/0/0"_json_pointer, "0"},
+      {"/steps/3/map/sections/2/root"_json_pointer, {{"node", 0}, {"verdict", 0}}},
+  };
+  for (const auto& [place, value] : values) {
+    Json document = whole;
+    ASSERT_NE(document[place], value) << place;
+    document[place] = value;
+    EXPECT_NE(FaultsOf(document), "") << place;
   }
 }
 
