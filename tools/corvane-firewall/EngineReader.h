@@ -2,7 +2,7 @@
 
 #include "Listing.h"
 
-/// Whose filters and sublayers are read. Those of ours that hold nothing are among them.
+/// Whose filters and sublayers are read: ours, those that hold nothing too, or everybody's.
 enum class Owners { Ours, All };
 
 /// Reads our provider, filters and sublayers from the engine that this process is bound to, the system's or
