@@ -13,7 +13,8 @@
 
 namespace EngineEmulator {
 
-/// Letters in lower case whatever the language of the system: Latin, Greek, Cyrillic and Armenian.
+/// Letters in lower case as file names have it: whatever the language of the system, only letters of the
+/// basic plane, and of these only those that their lower case leads back to.
 std::wstring LowerCase(std::wstring_view text);
 
 /// ERROR_SUCCESS for a full path of an existing file, else what opening it would give.

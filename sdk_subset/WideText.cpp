@@ -1,8 +1,10 @@
 #include <stringapiset.h>
 #include <winbase.h>
 #include <winerror.h>
+#include <winnls.h>
 
 #include <algorithm>
+#include <locale>
 #include <string>
 #include <string_view>
 
@@ -58,6 +60,14 @@ std::string ToUtf8(std::u32string_view characters) {
   return utf8;
 }
 
+/// Whatever the language that the host is set to.
+wchar_t LowerCaseOf(wchar_t letter) {
+  static const std::locale kUnicode("C.UTF-8");
+  const auto& letters = std::use_facet<std::ctype<wchar_t>>(kUnicode);
+  const wchar_t lower = letters.tolower(letter);
+  return letter <= 0xFFFF && letters.toupper(lower) == letter ? lower : letter;
+}
+
 int Fail(DWORD code) {
   SetLastError(code);
   return 0;
@@ -86,4 +96,19 @@ int WideCharToMultiByte(UINT codePage, DWORD flags, LPCWSTR text, int length, LP
     std::copy(utf8.begin(), utf8.end(), buffer);
   }
   return static_cast<int>(utf8.size());
+}
+
+int LCMapStringEx(LPCWSTR locale, DWORD flags, LPCWSTR text, int length, LPWSTR buffer, int size,
+                  LPNLSVERSIONINFO version, LPVOID reserved, LPARAM sortHandle) {
+  if (locale == nullptr || *locale != L'\0' || flags != LCMAP_LOWERCASE || text == nullptr || length < 1 ||
+      size < 0 || version != nullptr || reserved != nullptr || sortHandle != 0) {
+    return Fail(ERROR_INVALID_PARAMETER);
+  }
+  if (size != 0 && size < length) {
+    return Fail(ERROR_INSUFFICIENT_BUFFER);
+  }
+  if (size != 0) {
+    std::transform(text, text + length, buffer, LowerCaseOf);
+  }
+  return length;
 }

@@ -31,7 +31,7 @@ typedef int16_t INT16, SHORT;
 typedef int32_t INT, INT32, LONG, BOOL, HRESULT;
 typedef int64_t INT64, LONG64, LONGLONG;
 typedef uintptr_t ULONG_PTR, DWORD_PTR, UINT_PTR;
-typedef intptr_t LONG_PTR;
+typedef intptr_t LONG_PTR, LPARAM;
 typedef size_t SIZE_T;
 
 typedef char CHAR, *PSTR, *LPSTR;

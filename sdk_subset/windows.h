@@ -8,5 +8,6 @@
 #include <winbase.h>
 #include <windef.h>
 #include <winerror.h>
+#include <winnls.h>
 #include <winnt.h>
 #include <winreg.h>

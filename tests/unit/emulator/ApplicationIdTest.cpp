@@ -58,6 +58,33 @@ TEST_F(ApplicationId, LowersTheCaseOfOtherAlphabets) {
             u"\\device\\harddiskvolume1\\\u00E9\u017E\u03C9\u0436\u0431\u044F.exe\0"s);
 }
 
+TEST_F(ApplicationId, LowersTheCaseOfEveryAlphabetThatHasTwo) {
+  using namespace std::string_literals;
+  // Accents, Latin letters apart from their lower case, Greek, Cyrillic, Armenian, Georgian, full width.
+  EXPECT_EQ(
+      Get(L"C:\\AZ\u00C0\u00D6\u00D8\u00DE\u0100\u012E\u0132\u0139\u0147\u014A\u0176\u0178\u0179\u017D"
+          L"\u0181\u0186\u018F\u01C4\u01F1\u0220\u023A\u0386\u0388\u038A\u038C\u038E\u038F\u0391\u03A1"
+          L"\u03A3\u03AB\u0400\u040F\u0410\u042F\u0460\u048A\u04C0\u04D0\u0531\u0556\u10A0\u1E00\u1EA0"
+          L"\u1F08\u2160\uFF21\uFF3A"),
+      u"\\device\\harddiskvolume1\\az\u00E0\u00F6\u00F8\u00FE\u0101\u012F\u0133\u013A\u0148\u014B\u0177"
+      u"\u00FF\u017A\u017E\u0253\u0254\u0259\u01C6\u01F3\u019E\u2C65\u03AC\u03AD\u03AF\u03CC\u03CD\u03CE"
+      u"\u03B1\u03C1\u03C3\u03CB\u0450\u045F\u0430\u044F\u0461\u048B\u04CF\u04D1\u0561\u0586\u2D00\u1E01"
+      u"\u1EA1\u1F00\u2170\uFF41\uFF5A\0"s);
+}
+
+/// Two letters have the lower case "i", three "\u01C6": only one of them can be meant by it.
+TEST_F(ApplicationId, LeavesLettersAloneThatTheirLowerCaseDoesNotLeadBackTo) {
+  using namespace std::string_literals;
+  EXPECT_EQ(Get(L"C:\\\u0130\u01C5\u01C8\u01CB\u01F2\u03F4\u1E9E\u2126\u212A\u212B"),
+            u"\\device\\harddiskvolume1\\\u0130\u01C5\u01C8\u01CB\u01F2\u03F4\u1E9E\u2126\u212A\u212B\0"s);
+}
+
+TEST_F(ApplicationId, LeavesCharactersBeyondTheBasicPlaneAlone) {
+  using namespace std::string_literals;
+  EXPECT_EQ(Get(L"C:\\\U00010000\U00010400\U0001F600\U0010FFFF"),
+            u"\\device\\harddiskvolume1\\\xD800\xDC00\xD801\xDC00\xD83D\xDE00\xDBFF\xDFFF\0"s);
+}
+
 TEST_F(ApplicationId, LeavesSignsAndLowerCaseAlone) {
   using namespace std::string_literals;
   EXPECT_EQ(Get(L"C:\\\u00D7\u00F7\u017E@[`{1.exe"),

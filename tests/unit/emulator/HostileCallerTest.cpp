@@ -1,5 +1,6 @@
 // Callers that get everything wrong learn so from a code.
 #include <limits>
+#include <string>
 
 #include "EngineClient.h"
 
@@ -36,6 +37,12 @@ TEST_F(HostileCaller, GivesASidWithTooManyParts) {
   filter.numFilterConditions = 1;
   filter.filterCondition = &condition;
   EXPECT_EQ(Add(session, filter), kInvalidParameter);
+}
+
+TEST_F(HostileCaller, NamesAFileThatTheHostCannotWrite) {
+  const std::wstring path = std::wstring(L"C:\\no such folder\\") + static_cast<wchar_t>(0xD800);
+  FWP_BYTE_BLOB* blob = nullptr;
+  EXPECT_EQ(FwpmGetAppIdFromFileName0(path.c_str(), &blob), 3U);
 }
 
 TEST_F(HostileCaller, FreesTwice) {

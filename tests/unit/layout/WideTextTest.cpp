@@ -63,6 +63,39 @@ TEST(WideText, NoTextIsAnError) {
   EXPECT_EQ(GetLastError(), 87U);
 }
 
+std::wstring LowerCase(const std::wstring& text) {
+  std::wstring lower(text.size(), L'?');
+  const int length = static_cast<int>(text.size());
+  EXPECT_EQ(LCMapStringEx(LOCALE_NAME_INVARIANT, LCMAP_LOWERCASE, text.data(), length, lower.data(), length,
+                          nullptr, nullptr, 0),
+            length);
+  return lower;
+}
+
+TEST(WideText, HasALowerCase) {
+  EXPECT_EQ(LowerCase(L"[A-Z] \u00C9\u00D7\u03A9\u042F"), L"[a-z] \u00E9\u00D7\u03C9\u044F");
+}
+
+TEST(WideText, LowerCaseThatDoesNotLeadBackIsNotTaken) {
+  EXPECT_EQ(LowerCase(L"I\u0130\u0131"), L"i\u0130\u0131");
+  EXPECT_EQ(LowerCase(L"K\u212A \u1E9E"), L"k\u212A \u1E9E");
+}
+
+TEST(WideText, LowerCaseOfNothingOrIntoTooLittleIsAnError) {
+  const auto fails = [](int length, int size) {
+    std::array<wchar_t, 2> buffer{};
+    SetLastError(0);
+    EXPECT_EQ(LCMapStringEx(LOCALE_NAME_INVARIANT, LCMAP_LOWERCASE, L"AB", length, buffer.data(), size,
+                            nullptr, nullptr, 0),
+              0);
+    return GetLastError();
+  };
+  EXPECT_EQ(fails(0, 2), 87U);
+  EXPECT_EQ(fails(2, 1), 122U);
+  EXPECT_EQ(LCMapStringEx(LOCALE_NAME_INVARIANT, LCMAP_LOWERCASE, L"AB", 2, nullptr, 0, nullptr, nullptr, 0),
+            2);
+}
+
 TEST(LastError, IsTheLatestThatWasSet) {
   SetLastError(5);
   EXPECT_EQ(GetLastError(), 5U);
