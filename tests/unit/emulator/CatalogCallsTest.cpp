@@ -203,6 +203,30 @@ TEST_F(NetEvents, CanBeSubscribedTo) {
   EXPECT_EQ(FwpmNetEventUnsubscribe0(session, handle), kNotFound);
 }
 
+TEST_F(NetEvents, DemandEveryPointer) {
+  const TestSession session;
+  HANDLE enumHandle = nullptr;
+  EXPECT_EQ(FwpmNetEventCreateEnumHandle0(session, nullptr, nullptr), kNullPointer);
+  ASSERT_EQ(FwpmNetEventCreateEnumHandle0(session, nullptr, &enumHandle), kSuccess);
+  FWPM_NET_EVENT0** events = nullptr;
+  FWPM_NET_EVENT1** newerEvents = nullptr;
+  UINT32 count = 0;
+  EXPECT_EQ(FwpmNetEventEnum0(session, enumHandle, 10, nullptr, &count), kNullPointer);
+  EXPECT_EQ(FwpmNetEventEnum0(session, enumHandle, 10, &events, nullptr), kNullPointer);
+  EXPECT_EQ(FwpmNetEventEnum1(session, enumHandle, 10, nullptr, &count), kNullPointer);
+  EXPECT_EQ(FwpmNetEventEnum1(session, enumHandle, 10, &newerEvents, nullptr), kNullPointer);
+  FwpmNetEventDestroyEnumHandle0(session, enumHandle);
+  FWPM_NET_EVENT_SUBSCRIPTION0** subscriptions = nullptr;
+  EXPECT_EQ(FwpmNetEventSubscriptionsGet0(session, nullptr, &count), kNullPointer);
+  EXPECT_EQ(FwpmNetEventSubscriptionsGet0(session, &subscriptions, nullptr), kNullPointer);
+  const FWPM_NET_EVENT_SUBSCRIPTION0 wanted{};
+  const auto hear = [](void*, const FWPM_NET_EVENT1*) {};
+  HANDLE handle = nullptr;
+  EXPECT_EQ(FwpmNetEventSubscribe0(session, nullptr, hear, nullptr, &handle), kNullPointer);
+  EXPECT_EQ(FwpmNetEventSubscribe0(session, &wanted, nullptr, nullptr, &handle), kNullPointer);
+  EXPECT_EQ(FwpmNetEventSubscribe0(session, &wanted, hear, nullptr, nullptr), kNullPointer);
+}
+
 TEST_F(ProviderContexts, AreNotSupported) {
   const TestSession session;
   UINT64 id = 0;
