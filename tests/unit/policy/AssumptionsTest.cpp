@@ -154,16 +154,41 @@ ALE_AUTH_CONNECT_V4 | PERMIT | UINT8 2 | - | FLAGS FLAGS_ALL_SET UINT32 1
   EXPECT_EQ(VerdictOf(connection), "permit");
 }
 
-TEST_F(AssumptionsTest, EachHasANameAndReadings) {
-  std::vector<std::string> names;
+TEST_F(AssumptionsTest, EachIsAQuestionWithReadings) {
+  std::string texts;
   std::size_t worlds = 1;
   for (std::size_t i = 0; i < Policy::kAssumptionCount; ++i) {
-    const Policy::AssumptionText& text = Policy::TextOf(static_cast<Assumption>(i));
-    names.emplace_back(text.name);
-    worlds *= text.readings.size();
+    const auto& [name, question, readings] = Policy::TextOf(static_cast<Assumption>(i));
+    texts.append(name).append(": ").append(question).append("\n");
+    for (const auto& reading : readings) {
+      texts.append("  ").append(reading.name).append(": ").append(reading.meaning).append("\n");
+    }
+    worlds *= readings.size();
   }
-  EXPECT_THAT(names, ElementsAre("filter-ties", "automatic-weights", "sublayer-ties", "several-negations",
-                                 "unset-fields", "static-block-below-hard-permit", "loopback-bits"));
+  EXPECT_EQ(texts,
+            R"(filter-ties: Which of the matching filters of a sublayer decides when they weigh the same?
+  block-first: a filter that blocks decides
+  permit-first: a filter that permits decides
+automatic-weights: Which of the matching filters decides when the engine chose their weights by a rule that is not documented?
+  as-reported: the weights that this engine reports decide
+  block-first: a filter that blocks decides
+  permit-first: a filter that permits decides
+sublayer-ties: Which of the sublayers comes first when they weigh the same?
+  block-first: a sublayer that blocks comes first
+  permit-first: a sublayer with a hard permit comes first
+several-negations: Must all of several negations on one field hold, or is one enough?
+  any-holds: one negation that holds is enough
+  all-hold: all negations must hold
+unset-fields: Does a negation or a test of flags hold of a field that has no value?
+  no-match: neither holds
+  match: a negation holds, and no flag is set
+static-block-below-hard-permit: Does a block without a callout override a hard permit of a higher sublayer?
+  permit-stands: the hard permit stands
+  block-overrides: the block overrides it
+loopback-bits: Do other flags ride beside the loopback flag?
+  alone: the flag reaches filters alone
+  accompanied: IS_NON_APPCONTAINER_LOOPBACK is set beside it
+)");
   EXPECT_EQ(worlds, 192U);
 }
 

@@ -108,6 +108,52 @@ TEST_F(MapTest, NodesComeAfterThoseThatTheyLeadTo) {
   }
 }
 
+/// "remote port 3, remote address 2: 2 nodes" for each section, from the first field that is split by on.
+std::vector<std::string> SizesOf(const Map& map) {
+  std::vector<std::string> sizes;
+  for (const Policy::MapSection& section : map.sections) {
+    std::string text;
+    for (const Policy::FieldClasses& field : section.fields) {
+      text.append(text.empty() ? "" : ", ").append(Policy::FieldText(field.field));
+      text += ' ' + std::to_string(field.classes.size());
+    }
+    sizes.push_back(text + ": " + std::to_string(section.nodes.size()) + " nodes");
+    if (!section.root.isVerdict) {
+      EXPECT_EQ(section.nodes[section.root.index].field, 0U);
+    }
+  }
+  return sizes;
+}
+
+/// By address first there would be four nodes: three of the address classes differ in their ports.
+TEST_F(MapTest, SplitsByPortBeforeAddress) {
+  Install(1, R"(
+ALE_AUTH_CONNECT_V4 | PERMIT | UINT8 4 | - | IP_REMOTE_ADDRESS EQUAL V4_ADDR_MASK 10.0.0.0/255.0.0.0 & IP_REMOTE_PORT EQUAL UINT16 53
+ALE_AUTH_CONNECT_V4 | PERMIT | UINT8 4 | - | IP_REMOTE_ADDRESS EQUAL V4_ADDR_MASK 10.0.0.0/255.0.0.0 & IP_REMOTE_PORT EQUAL UINT16 80
+ALE_AUTH_CONNECT_V4 | PERMIT | UINT8 4 | - | IP_REMOTE_ADDRESS EQUAL V4_ADDR_MASK 11.0.0.0/255.0.0.0 & IP_REMOTE_PORT EQUAL UINT16 53
+ALE_AUTH_CONNECT_V4 | PERMIT | UINT8 4 | - | IP_REMOTE_ADDRESS EQUAL V4_ADDR_MASK 12.0.0.0/255.0.0.0 & IP_REMOTE_PORT EQUAL UINT16 80
+ALE_AUTH_CONNECT_V4 | BLOCK | UINT8 1 | - | -
+)");
+  const Policy::Snapshot snapshot = Read();
+  EXPECT_THAT(SizesOf(Policy::MakeMap(snapshot)),
+              testing::ElementsAre("remote port 3, remote address 4: 3 nodes", ": 0 nodes", ": 0 nodes",
+                                   ": 0 nodes"));
+}
+
+TEST_F(MapTest, OfTheRuleSetsAreSmall) {
+  Features features;
+  features.killSwitch.emplace();
+  features.dhcp = features.localNetworkBlock = true;
+  features.skein = Features::Skein{{11}, {0x64400001}};
+  Install(features);
+  const Policy::Snapshot snapshot = Read();
+  EXPECT_THAT(SizesOf(Policy::MakeMap(snapshot)),
+              testing::ElementsAre("flags 2, remote port 3, remote address 4: 9 nodes",
+                                   "flags 2, remote port 3, remote address 4: 9 nodes",
+                                   "flags 2, interface 2, remote port 3, remote address 5: 14 nodes",
+                                   "flags 2, remote port 3, remote address 4: 9 nodes"));
+}
+
 TEST_F(MapTest, FlagsAreWordsAndPatternsOfTestedBits) {
   Install(1, R"(
 ALE_AUTH_CONNECT_V4 | BLOCK | UINT8 2 | - | FLAGS EQUAL UINT32 5
