@@ -139,6 +139,11 @@ TEST_F(SessionList, HoldsEveryOpenSession) {
   for (UINT32 index = 0; index < count; ++index) {
     EXPECT_EQ(sessions[index]->processId, GetCurrentProcessId());
     EXPECT_FALSE(sessions[index]->sessionKey == GUID{});
+    EXPECT_STREQ(sessions[index]->username, L"SYSTEM");
+    EXPECT_EQ(sessions[index]->kernelMode, FALSE);
+    ASSERT_EQ(sessions[index]->sid->SubAuthorityCount, 1);
+    EXPECT_EQ(sessions[index]->sid->IdentifierAuthority.Value[5], 5);
+    EXPECT_EQ(sessions[index]->sid->SubAuthority[0], 18U);
     patience.insert(sessions[index]->txnWaitTimeoutInMSec);
   }
   EXPECT_EQ(patience, (std::set<UINT32>{0, 77}));

@@ -200,6 +200,16 @@ TEST_F(ConditionChecks, DemandRangesThatDoNotEndBeforeTheyBegin) {
   EXPECT_EQ(Reason(), "a range ends below its beginning");
 }
 
+TEST_F(ConditionChecks, RefuseRangesOfWhatHasNoOrder) {
+  SID sid{1, 1, {{0, 0, 0, 0, 0, 1}}, {0}};
+  range_.valueLow.type = range_.valueHigh.type = FWP_SID;
+  range_.valueLow.sid = range_.valueHigh.sid = &sid;
+  value_.type = FWP_RANGE_TYPE;
+  value_.rangeValue = &range_;
+  EXPECT_EQ(Check(kPackageId, FWP_MATCH_RANGE), kMatchTypeMismatch);
+  EXPECT_EQ(Reason(), "RANGE does not go with the type RANGE of SID of ALE_PACKAGE_ID");
+}
+
 TEST_F(ConditionChecks, OrderIpV6AddressesFromTheFirstByte) {
   filter_.layerKey = kConnectV6;
   FWP_BYTE_ARRAY16 low{{1, 9}};

@@ -1,5 +1,9 @@
 #include "emulator/Rules.h"
 
+#include <gmock/gmock.h>
+
+#include <vector>
+
 #include "emulator/ControlExports.h"
 
 #include "EngineClient.h"
@@ -101,6 +105,45 @@ TEST_F(Rules, CanLetATemplateGoWithoutALayer) {
   EXPECT_EQ(count, 1U);
   Free(filters);
   FwpmFilterDestroyEnumHandle0(session, enumHandle);
+}
+
+/// The weight ranges of all filters at a layer, as an enumeration gives them.
+std::vector<UINT8> WeightsInOrder(HANDLE session, UINT32 flags) {
+  FWPM_FILTER_ENUM_TEMPLATE0 criteria{};
+  criteria.layerKey = kConnectV4;
+  criteria.actionMask = 0xFFFFFFFF;
+  criteria.flags = flags;
+  HANDLE enumHandle = nullptr;
+  FWPM_FILTER0** filters = nullptr;
+  UINT32 count = 0;
+  EXPECT_EQ(FwpmFilterCreateEnumHandle0(session, &criteria, &enumHandle), kSuccess);
+  EXPECT_EQ(FwpmFilterEnum0(session, enumHandle, 100, &filters, &count), kSuccess);
+  std::vector<UINT8> weights;
+  for (UINT32 index = 0; index < count; ++index) weights.push_back(filters[index]->weight.uint8);
+  Free(filters);
+  FwpmFilterDestroyEnumHandle0(session, enumHandle);
+  return weights;
+}
+
+TEST_F(Rules, CanShuffleWhatAsksForNoOrder) {
+  constexpr UINT32 kSorted = 2;
+  const TestSession session;
+  std::vector<UINT8> ascending;
+  for (UINT8 weight = 0; weight < 15; ++weight) {
+    FWPM_FILTER0 filter = FilterRecord(GUID{});
+    filter.weight.uint8 = weight;
+    ASSERT_EQ(Add(session, filter), kSuccess);
+    ascending.push_back(weight);
+  }
+  const std::vector<UINT8> descending(ascending.rbegin(), ascending.rend());
+  EXPECT_EQ(WeightsInOrder(session, 0), ascending);
+  EXPECT_EQ(WeightsInOrder(session, kSorted), descending);
+  EngineEmulatorSetRule("shuffleEnumerations", 1);
+  const std::vector<UINT8> shuffled = WeightsInOrder(session, 0);
+  EXPECT_NE(shuffled, ascending);
+  EXPECT_NE(shuffled, descending);
+  EXPECT_THAT(shuffled, testing::UnorderedElementsAreArray(ascending));
+  EXPECT_EQ(WeightsInOrder(session, kSorted), descending);
 }
 
 TEST_F(Rules, CanRefuseVerdictsWhereFlowsAreEstablished) {

@@ -1,4 +1,5 @@
 // The four things that are known of the weights which the engine chooses.
+#include <set>
 #include <vector>
 
 #include "EngineClient.h"
@@ -102,6 +103,22 @@ TEST_F(Weight, OfARemoteAddressIsAboveAllOthersTogether) {
 TEST_F(Weight, OfSeveralValuesForAFieldIsThatOfTheWidest) {
   EXPECT_EQ(Of({Port(53), Port(54)}), Of({Port(53)}));
   EXPECT_EQ(Of({Port(53), Ports(60, 70)}), Of({Ports(60, 70)}));
+}
+
+TEST_F(Weight, OfEachFieldIsItsOwn) {
+  const TestSession session;
+  FWPM_LAYER0* layer = nullptr;
+  ASSERT_EQ(FwpmLayerGetByKey0(session, &kConnectV4, &layer), kSuccess);
+  std::set<UINT64> weights;
+  for (UINT32 index = 0; index < layer->numFields; ++index) {
+    FWPM_FILTER_CONDITION0 condition{};
+    condition.fieldKey = *layer->field[index].fieldKey;
+    condition.conditionValue.type = FWP_EMPTY;
+    weights.insert(Of({condition}));
+  }
+  EXPECT_EQ(weights.size(), layer->numFields);
+  EXPECT_FALSE(weights.contains(0));
+  Free(layer);
 }
 
 TEST_F(Weight, StaysBelowTheRangesWithEveryField) {

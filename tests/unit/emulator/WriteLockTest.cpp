@@ -33,6 +33,12 @@ TEST_F(WriteLock, IsWaitedForAsLongAsTheRulesSayWithoutAWishOfTheSession) {
   ASSERT_EQ(FwpmTransactionAbort0(session), kSuccess);
 }
 
+TEST_F(WriteLock, IsGotAtOnceIfNobodyHoldsIt) {
+  for (const UINT32 patience : {kOneMillisecond, UINT32{INFINITE}}) {
+    EXPECT_EQ(Add(TestSession(kDynamic, patience), SublayerRecord()), kSuccess) << patience;
+  }
+}
+
 TEST_F(WriteLock, IsNotNeededForReading) {
   const TestSession session;
   const TestSession reader(0, kOneMillisecond);

@@ -144,6 +144,36 @@ TEST_F(PromisesTest, TheCounterexampleIsTheOrdinaryConnectionWithOnlyTheValuesTh
   EXPECT_THAT(Policy::Describe(result), HasSubstr("promised block, but:\n  outbound IPv4, protocol 6 (TCP)"));
 }
 
+TEST_F(PromisesTest, AResultSaysWhereItHoldsAndWhatBreaksIt) {
+  Features dhcp;
+  dhcp.dhcp = true;
+  const auto textOf = [&](const std::string& filters) {
+    SetUpAgain();
+    Install(1, filters);
+    const Policy::Snapshot snapshot = Read();
+    const PromiseResult result = Policy::Prove(snapshot, dhcp).at(0);
+    const std::string text = Policy::Describe(result);
+    const std::string trace = result.counterexample ? Policy::Describe(*result.counterexample) : "";
+    EXPECT_THAT(text, testing::EndsWith(trace));
+    return text.substr(0, text.size() - trace.size());
+  };
+  EXPECT_EQ(textOf("ALE_AUTH_CONNECT_V4 | PERMIT | UINT8 1 | - | -"),
+            "dhcp-client (DHCP): holds\n"
+            "  This machine can ask for an address, and renew it.\n");
+  EXPECT_EQ(textOf("ALE_AUTH_CONNECT_V4 | PERMIT | UINT64 5 | - | -\n"
+                   "ALE_AUTH_CONNECT_V4 | BLOCK | UINT64 5 | - | -"),
+            "dhcp-client (DHCP): holds only under a reading\n"
+            "  This machine can ask for an address, and renew it.\n"
+            "  holds with filter-ties = permit-first\n"
+            "  promised permit, but:\n"
+            "  ");
+  EXPECT_EQ(textOf("ALE_AUTH_CONNECT_V4 | BLOCK | UINT8 1 | - | -"),
+            "dhcp-client (DHCP): broken\n"
+            "  This machine can ask for an address, and renew it.\n"
+            "  promised permit, but:\n"
+            "  ");
+}
+
 TEST_F(PromisesTest, TheCounterexampleBreaksThePromise) {
   Install(KillSwitchOnly());
   const Policy::Snapshot snapshot = Read();
