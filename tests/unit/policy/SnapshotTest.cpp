@@ -195,22 +195,49 @@ TEST_F(SnapshotTest, AFieldThatNobodyKnowsIsUnreadable) {
   EXPECT_EQ(decoded.test.kind, Asked::Kind::Unreadable);
 }
 
+/// What becomes of the first condition of a spoiled record.
+std::string Unreadable(FilterText& text) {
+  const Condition condition = Policy::Decode(text.Record()).conditions.at(0);
+  EXPECT_EQ(condition.test.kind, Asked::Kind::Unreadable);
+  return condition.text;
+}
+
 TEST_F(SnapshotTest, NullPointersAndCountsBeyondReasonAreUnreadable) {
   FilterText noBlob("ALE_AUTH_CONNECT_V4 | BLOCK | EMPTY | - | ALE_APP_ID EQUAL BYTE_BLOB a");
   noBlob.Record().filterCondition->conditionValue.byteBlob = nullptr;
-  EXPECT_EQ(Policy::Decode(noBlob.Record()).conditions.at(0).test.kind, Asked::Kind::Unreadable);
+  EXPECT_EQ(Unreadable(noBlob), "ALE_APP_ID EQUAL BYTE_BLOB null");
 
   FilterText hugeBlob("ALE_AUTH_CONNECT_V4 | BLOCK | EMPTY | - | ALE_APP_ID EQUAL BYTE_BLOB a");
   hugeBlob.Record().filterCondition->conditionValue.byteBlob->size = 0xFFFFFFFF;
-  EXPECT_EQ(Policy::Decode(hugeBlob.Record()).conditions.at(0).test.kind, Asked::Kind::Unreadable);
+  EXPECT_EQ(Unreadable(hugeBlob), "ALE_APP_ID unreadable");
 
   FilterText noArray("ALE_AUTH_CONNECT_V4 | BLOCK | EMPTY | - | IP_REMOTE_PORT EQUAL UINT16 53");
   noArray.Record().filterCondition = nullptr;
-  EXPECT_EQ(Policy::Decode(noArray.Record()).conditions.at(0).test.kind, Asked::Kind::Unreadable);
+  EXPECT_EQ(Unreadable(noArray), "unreadable conditions");
 
   FilterText hugeCount("ALE_AUTH_CONNECT_V4 | BLOCK | EMPTY | - | IP_REMOTE_PORT EQUAL UINT16 53");
   hugeCount.Record().numFilterConditions = 0xFFFFFFFF;
-  EXPECT_EQ(Policy::Decode(hugeCount.Record()).conditions.at(0).test.kind, Asked::Kind::Unreadable);
+  EXPECT_EQ(Unreadable(hugeCount), "unreadable conditions");
+}
+
+TEST_F(SnapshotTest, BytesBeyondReasonAreNotShown) {
+  UINT8 byte = 0;
+  FWP_BYTE_BLOB blob{16 * 1024 * 1024 + 1, &byte};
+  FilterText descriptor("ALE_AUTH_CONNECT_V4 | BLOCK | EMPTY | - | ALE_USER_ID EQUAL SECURITY_DESCRIPTOR a");
+  descriptor.Record().filterCondition->conditionValue.sd = &blob;
+  EXPECT_EQ(Unreadable(descriptor), "ALE_USER_ID unreadable");
+
+  FilterText token("ALE_AUTH_CONNECT_V4 | BLOCK | EMPTY | - | ALE_USER_ID EQUAL SECURITY_DESCRIPTOR a");
+  token.Record().filterCondition->conditionValue.type = FWP_TOKEN_ACCESS_INFORMATION_TYPE;
+  token.Record().filterCondition->conditionValue.tokenAccessInformation = &blob;
+  EXPECT_EQ(Unreadable(token), "ALE_USER_ID unreadable");
+
+  FilterText range(
+      "ALE_AUTH_CONNECT_V4 | BLOCK | EMPTY | - | IP_REMOTE_PORT RANGE RANGE UINT16 1 to UINT16 2");
+  FWP_RANGE0& ends = *range.Record().filterCondition->conditionValue.rangeValue;
+  ends.valueHigh.type = FWP_BYTE_BLOB_TYPE;
+  ends.valueHigh.byteBlob = &blob;
+  EXPECT_EQ(Unreadable(range), "IP_REMOTE_PORT unreadable");
 }
 
 TEST_F(SnapshotTest, AddressesAreReadAndWritten) {
