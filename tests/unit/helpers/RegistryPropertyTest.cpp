@@ -83,6 +83,7 @@ TEST(RegistryDecoding, StringLeavesOutAnIncompleteLastCharacter) {
 
 TEST(RegistryDecoding, StringListIsSplitAtItsZeros) {
   EXPECT_EQ(Decode(7, Characters({L"one\0two\0\0", 9})), Strings({L"one", L"two"}));
+  EXPECT_EQ(Decode(7, Characters({L"i\0three\0two\0\0", 13})), Strings({L"i", L"three", L"two"}));
 }
 
 TEST(RegistryDecoding, StringListEndsAtItsFirstEmptyString) {
