@@ -7,6 +7,7 @@
 #include "Failure.h"
 #include "Identities.h"
 #include "LoadedModule.h"
+#include "PolicyJson.h"
 #include "ReportPage.h"
 #include "ToolProcess.h"
 #include "catalog/Guid.h"
@@ -159,6 +160,24 @@ TEST(ReportPage, NamesOfOthersCannotEndTheData) {
   const std::string data = page.substr(page.find("id=\"data\">") + 10);
   EXPECT_EQ(data.find('<'), data.find("</script>\n<script>\n"));
   EXPECT_THAT(data, testing::HasSubstr(R"(\u003c/script>\u003cscript>alert(1)\u003c/script>)"));
+}
+
+TEST(ReportPage, AsksAboutEveryAssumption) {
+  const Policy::Snapshot snapshot;
+  const std::string page = MakePage({Engine::System, snapshot, {}, {}});
+  const std::size_t begin = page.find("id=\"data\">") + 10;
+  const Json data = Json::parse(page.substr(begin, page.find("</script>", begin) - begin));
+  std::vector<std::string> names;
+  for (const Json& assumption : data["assumptions"]) names.push_back(assumption["name"]);
+  EXPECT_THAT(names, ElementsAre("filter-ties", "automatic-weights", "sublayer-ties", "several-negations",
+                                 "unset-fields", "static-block-below-hard-permit", "loopback-bits"));
+}
+
+TEST(HexText, KeepsTheZerosBetweenTheHalvesOfANumber) {
+  EXPECT_EQ(HexText(Policy::Number(0)), "0x0");
+  EXPECT_EQ(HexText(Policy::Number(0x0A000001)), "0xa000001");
+  EXPECT_EQ(HexText({1, 0}), "0x10000000000000000");
+  EXPECT_EQ(HexText({0xFE80000000000000, 0xAB}), "0xfe8000000000000000000000000000ab");
 }
 
 }  // namespace
