@@ -158,6 +158,17 @@ TEST_F(LintTest, PermitsThatALowerSublayerTakesBack) {
   EXPECT_THAT(Findings(), IsEmpty());
 }
 
+TEST_F(LintTest, APermitThatIsTakenBackIsToldInFull) {
+  Install(2, "ALE_AUTH_CONNECT_V4 | PERMIT | UINT8 1 | - | IP_PROTOCOL EQUAL UINT8 6");
+  Install(1, "ALE_AUTH_CONNECT_V4 | BLOCK | UINT8 1 | - | -");
+  const Policy::Snapshot snapshot = Read();
+  const std::vector<Finding> findings = Policy::Lint(snapshot);
+  ASSERT_EQ(findings.size(), 1U);
+  EXPECT_EQ(findings[0].reason,
+            "The permit of the first is soft: the block of the second, in another sublayer, takes it back.");
+  EXPECT_EQ(findings[0].advice, "give the permit the flag CLEAR_ACTION_RIGHT, or the block an exception");
+}
+
 TEST_F(LintTest, VerdictsAtFlowEstablished) {
   EXPECT_THAT(FindingsOf("ALE_FLOW_ESTABLISHED_V6 | PERMIT | UINT8 1 | - | -"),
               ElementsAre("flow-established 1"));

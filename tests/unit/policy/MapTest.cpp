@@ -182,6 +182,34 @@ ALE_AUTH_CONNECT_V4 | BLOCK | UINT8 1 | - | FLAGS FLAGS_ALL_SET UINT32 2
                                                     Policy::ValueClass::Masked{2, 0, {1, 5, 0x800001}}));
 }
 
+TEST_F(MapTest, TheLongestEndingOfAnApplicationNamesItsClass) {
+  Install(1, R"(
+ALE_AUTH_CONNECT_V4 | PERMIT | UINT8 2 | - | ALE_APP_ID PREFIX BYTE_BLOB ba.exe
+ALE_AUTH_CONNECT_V4 | BLOCK | UINT8 1 | - | ALE_APP_ID PREFIX BYTE_BLOB a.exe
+)");
+  Policy::Connection connection = To("198.51.100.1");
+  connection.application = Policy::ApplicationBytes("a.exe");
+  EXPECT_EQ(VerdictOf(connection), "block");
+  connection.application = Policy::ApplicationBytes("cba.exe");
+  EXPECT_EQ(VerdictOf(connection), "permit");
+}
+
+TEST_F(MapTest, OfTwoClassesOfOneSizeTheOrdinaryOneIsOtherwise) {
+  Install(1, R"(
+ALE_AUTH_CONNECT_V4 | BLOCK | UINT8 1 | - | IP_PROTOCOL RANGE RANGE UINT8 5 to UINT8 100
+ALE_AUTH_CONNECT_V4 | BLOCK | UINT8 1 | - | IP_PROTOCOL EQUAL EMPTY
+)");
+  EXPECT_THAT(MapText(),
+              StartsWith("outbound IPv4:\n  protocol 0 to 4, 101 to 255: permit\n  otherwise: block\n"));
+  SetUpAgain();
+  Install(1, R"(
+ALE_AUTH_CONNECT_V4 | BLOCK | UINT8 1 | - | IP_PROTOCOL RANGE RANGE UINT8 7 to UINT8 100
+ALE_AUTH_CONNECT_V4 | BLOCK | UINT8 1 | - | IP_PROTOCOL EQUAL EMPTY
+)");
+  EXPECT_THAT(MapText(),
+              StartsWith("outbound IPv4:\n  protocol 7 to 100, unset: block\n  otherwise: permit\n"));
+}
+
 TEST_F(MapTest, EndingsOfApplicationsAreClasses) {
   Install(1, R"(
 ALE_AUTH_CONNECT_V4 | PERMIT | UINT8 2 | - | ALE_APP_ID EQUAL BYTE_BLOB \x\a.exe
