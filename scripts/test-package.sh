@@ -1,7 +1,7 @@
 #!/bin/bash
-# Installs what the windows preset has built and takes it as a host would: builds the examples against the
-# installed tree, runs them on the emulated engine, looks into the zips, and builds the library once more in
-# another folder.
+# Installs what the windows preset has built and takes it as others would: builds the examples against the
+# installed tree, runs them and the tool on the emulated engine, looks into the zips, and builds the library once
+# more in another folder.
 set -eu
 . "$(dirname "$0")/common.sh"
 cd "$root"
@@ -9,6 +9,7 @@ cd "$root"
 expectations="$root/tests/package"
 package="$root/build/package"
 sdk="$package/sdk"
+tools="$package/tools"
 rm -rf "$package"
 mkdir -p "$package/run"
 
@@ -17,10 +18,25 @@ same() { tr -d '\r' | diff -u "$expectations/$1" - && echo "As expected: $1"; }
 files() { (cd "$1" && find . -type f | LC_ALL=C sort); }
 
 step "Install"
-cmake --install build/windows --prefix "$sdk" >/dev/null
-files "$sdk" | same sdk-files.txt
+for component in sdk tools; do
+  cmake --install build/windows --component "$component" --prefix "$package/$component" >/dev/null
+  files "$package/$component" | same "$component-files.txt"
+done
+cmake --install build/windows --prefix "$package/whole" >/dev/null
+LC_ALL=C sort -u "$expectations"/{sdk,tools}-files.txt | diff -u - <(files "$package/whole")
 x86_64-w64-mingw32-objdump -h "$sdk/bin/Corvane.Native.Firewall.dll" | grep -q '\.gnu_debuglink'
 x86_64-w64-mingw32-objdump -h "$sdk/bin/Corvane.Native.Firewall.dll.debug" | grep -q '\.debug_info'
+
+step "Follow the links of the installed documents"
+for tree in "$sdk" "$tools"; do
+  (
+    cd "$tree/doc"
+    # To files, that is: neither to a heading nor to another machine.
+    grep -oE '\]\([^)#:]+' *.md | while IFS=: read -r document link; do
+      [ -e "${link#](}" ] || { echo "$document points to ${link#](}, which is not installed" >&2; exit 1; }
+    done
+  )
+done
 
 step "Compile the C interface by itself"
 header="$sdk/include/corvane/native_firewall.h"
@@ -29,13 +45,16 @@ x86_64-w64-mingw32-gcc-posix -std=c11 "${warnings[@]}" -x c "$header"
 x86_64-w64-mingw32-g++-posix -std=c++20 "${warnings[@]}" -x c++ "$header"
 
 step "Build the examples against the installed tree"
-cmake -S examples -B "$package/examples" -G Ninja \
+cmake -S "$sdk/examples" -B "$package/examples" -G Ninja \
   -DCMAKE_TOOLCHAIN_FILE="$root/cmake/toolchain-mingw-w64.cmake" \
   -DCorvaneNativeFirewall_DIR="$sdk/lib/cmake/CorvaneNativeFirewall" \
   -DCMAKE_{C,CXX}_FLAGS="-Wall -Wextra -Wpedantic -Werror" -DCMAKE_RUNTIME_OUTPUT_DIRECTORY="$package/run" >/dev/null
 cmake --build "$package/examples"
-x86_64-w64-mingw32-gcc-posix -std=c11 -I "$sdk/include" examples/c/host.c "$sdk/lib/Corvane.Native.Firewall.lib" \
+x86_64-w64-mingw32-gcc-posix -std=c11 -I "$sdk/include" "$sdk/examples/c/host.c" "$sdk/lib/Corvane.Native.Firewall.lib" \
   -o "$package/run/host_in_c_for_visual_studio.exe"
+
+x86_64-w64-mingw32-gcc-posix -std=c11 "${warnings[@]:0:4}" -I "$tools/include" tests/package/emulator_client.c \
+  "$tools/lib/emulator/libfwpuclnt.dll.a" -o "$package/run/emulator_client.exe"
 
 step "Run hosts without the library, and be told so"
 start_wine
@@ -45,20 +64,24 @@ done
 
 step "Run them on the emulated engine"
 # Beside a program, and named to Wine as wanted, the emulator takes the place of the platform's own.
-cp "$sdk/bin/Corvane.Native.Firewall.dll" build/windows/bin/emulator/fwpuclnt.dll "$package/run"
+cp "$sdk/bin/Corvane.Native.Firewall.dll" "$tools/bin/emulator/fwpuclnt.dll" "$package/run"
 export WINEDLLOVERRIDES="fwpuclnt=n;mscoree,mshtml="
 run() { scripts/wine.sh "$package/run/$1.exe" >"$package/run/$1.txt" 2>/dev/null; }
 for host in host_in_c host_in_c_for_visual_studio; do
   run "$host"
   same host_in_c.txt <"$package/run/$host.txt"
 done
-for program in loading_host_in_c host_in_cpp own_rule_set; do
+for program in loading_host_in_c host_in_cpp own_rule_set emulator_client; do
   run "$program"
   same "$program.txt" <"$package/run/$program.txt"
 done
 
+step "Run the tool from where it is installed"
+env -u WINEDLLOVERRIDES scripts/wine.sh "$tools/bin/corvane-firewall.exe" --engine emulated \
+  disable-internet enable-dhcp status 2>/dev/null | same tool.txt
+
 step "Compile the C# example and run it on a library that records its calls"
-mcs -warn:4 -warnaserror -r:System.Core.dll -out:"$package/run/host_in_csharp.exe" examples/csharp/*.cs
+mcs -warn:4 -warnaserror -r:System.Core.dll -out:"$package/run/host_in_csharp.exe" "$sdk"/examples/csharp/*.cs
 gcc -std=c11 "${warnings[@]:0:4}" -shared -fPIC -fshort-wchar -D__stdcall= -I include -I sdk_subset \
   tests/package/RecordingLibrary.c -o "$package/run/libCorvane.Native.Firewall.so"
 { LD_LIBRARY_PATH="$package/run" mono "$package/run/host_in_csharp.exe" || echo "exit code $?"; } | same host_in_csharp.txt
@@ -70,6 +93,7 @@ for zip in "$package"/zips/*.zip; do
   (cd "${zip%.zip}" && cmake -E tar xf "$zip")
 done
 files "$package"/zips/*-win-x64 | same sdk-files.txt
+files "$package"/zips/*-tools | same tools-files.txt
 files "$package"/zips/*-nuget | same nuget-files.txt
 python3 - "$package"/zips/*-nuget/*.nuspec "$package"/zips/*-nuget/build/native/*.targets <<'END'
 import sys, xml.dom.minidom
