@@ -1,7 +1,7 @@
 #!/bin/bash
-# Installs what the windows preset has built and takes it as others would: builds the examples against the
-# installed tree, runs them and the tool on the emulated engine, looks into the zips, and builds the library once
-# more in another folder.
+# Installs what the windows preset has built and takes it as others would: builds the examples and a program that
+# names every member of the classes against the installed tree, runs them and the tool on the emulated engine,
+# looks into the zips, and builds the library once more in another folder.
 set -eu
 . "$(dirname "$0")/common.sh"
 cd "$root"
@@ -38,11 +38,25 @@ for tree in "$sdk" "$tools"; do
   )
 done
 
+step "Compare the exported names"
+scripts/exported-names.sh "$sdk/bin/Corvane.Native.Firewall.dll" | same exported-names.txt
+
 step "Compile the C interface by itself"
 header="$sdk/include/corvane/native_firewall.h"
 warnings=(-Wall -Wextra -Wpedantic -Werror -fsyntax-only)
 x86_64-w64-mingw32-gcc-posix -std=c11 "${warnings[@]}" -x c "$header"
 x86_64-w64-mingw32-g++-posix -std=c++20 "${warnings[@]}" -x c++ "$header"
+
+step "Build a program that names every public member of the classes"
+gxx=(x86_64-w64-mingw32-g++-posix -std=c++20 "${warnings[@]:0:4}")
+"${gxx[@]}" -I "$sdk/include/WfpFirewall" -c tests/package/EveryMember.cpp -o "$package/every_member.o"
+"${gxx[@]}" -static "$package/every_member.o" "$sdk/lib/libCorvane.Native.Firewall.dll.a" \
+  -o "$package/run/every_member.exe"
+# It takes all that the library exports of the classes but private members, and type information, of which every
+# client has its own copy.
+x86_64-w64-mingw32-nm -u "$package/every_member.o" | sed -n 's/.* U \(__imp_\)\?//p' | LC_ALL=C sort -u |
+  LC_ALL=C comm -13 - "$expectations/exported-names.txt" | grep '^_Z' | grep -v '^_ZTI' | c++filt |
+  same private-members.txt
 
 step "Build the examples against the installed tree"
 cmake -S "$sdk/examples" -B "$package/examples" -G Ninja \
@@ -71,7 +85,7 @@ for host in host_in_c host_in_c_for_visual_studio; do
   run "$host"
   same host_in_c.txt <"$package/run/$host.txt"
 done
-for program in loading_host_in_c host_in_cpp own_rule_set emulator_client; do
+for program in loading_host_in_c host_in_cpp own_rule_set every_member emulator_client; do
   run "$program"
   same "$program.txt" <"$package/run/$program.txt"
 done

@@ -1,0 +1,8 @@
+#!/bin/bash
+# Lists what the built library exports, C functions and members of classes, by the linker's names. After a change
+# that is meant, this renews the list that scripts/test-package.sh compares with:
+#   scripts/exported-names.sh > tests/package/exported-names.txt
+set -eu
+cd "$(dirname "$0")/.."
+x86_64-w64-mingw32-objdump -p "${1:-build/windows/bin/Corvane.Native.Firewall.dll}" |
+  sed -n '/^\[Ordinal\/Name Pointer\] Table/,/^$/s/.* //p' | tail -n +2 | LC_ALL=C sort
