@@ -102,6 +102,37 @@ TEST_F(ControlExports, CountWhatIsOutstanding) {
   ExpectOutstandingMemory(2);
 }
 
+TEST_F(ControlExports, NameWhoHandedOutTheOutstandingMemory) {
+  const TestSession session;
+  FWPM_SUBLAYER0* sublayer = nullptr;
+  FWPM_LAYER0* layer = nullptr;
+  ASSERT_EQ(FwpmSubLayerGetByKey0(session, &kUniversalSublayerKey, &sublayer), kSuccess);
+  ASSERT_EQ(FwpmLayerGetByKey0(session, &kConnectV4, &layer), kSuccess);
+  char buffer[100];
+  EXPECT_EQ(EngineEmulatorOutstandingMemoryText(buffer, sizeof(buffer)), 42U);
+  EXPECT_STREQ(buffer, "FwpmSubLayerGetByKey0\nFwpmLayerGetByKey0\n");
+  Free(layer);
+  Free(sublayer);
+}
+
+TEST_F(ControlExports, TellWhyTheEngineRefused) {
+  const TestSession session;
+  char buffer[100];
+  EXPECT_EQ(EngineEmulatorLastRefusal(buffer, sizeof(buffer)), 1U);
+  FWPM_FILTER0 filter = FilterRecord();
+  filter.layerKey = kFilterKey;
+  EXPECT_EQ(Add(session, filter), kLayerNotFound);
+  EXPECT_EQ(EngineEmulatorLastRefusal(buffer, sizeof(buffer)), 62U);
+  EXPECT_STREQ(buffer, "the layer 0c000001-0000-0000-0000-000000000000 does not exist");
+}
+
+TEST_F(ControlExports, ExpireTransactions) {
+  const TestSession session;
+  ASSERT_EQ(FwpmTransactionBegin0(session, 0), kSuccess);
+  EngineEmulatorExpireTransactions();
+  EXPECT_EQ(FwpmTransactionCommit0(session), kTransactionAborted);
+}
+
 TEST_F(ControlExports, Reset) {
   HANDLE handle = nullptr;
   FwpmEngineOpen0(nullptr, RPC_C_AUTHN_WINNT, nullptr, nullptr, &handle);

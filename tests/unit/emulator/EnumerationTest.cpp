@@ -1,5 +1,9 @@
 #include <gmock/gmock.h>
 
+#include <algorithm>
+#include <string>
+#include <vector>
+
 #include "EngineClient.h"
 
 namespace {
@@ -211,6 +215,42 @@ TEST_F(Enumeration, TemplateCanAskForTheHeaviestFirst) {
   FWPM_FILTER_ENUM_TEMPLATE0 criteria = AllOfConnectV4();
   criteria.flags = 2;
   EXPECT_THAT(Selected(session, criteria), ElementsAre(2, 1, 0));
+}
+
+TEST_F(Enumeration, IsInAnotherOrderOnRequestUnlessTheTemplateAsksForOne) {
+  const TestSession session;
+  AddFilters(session, 16);
+  EngineEmulator::Rules rules;
+  rules.shuffleEnumerations = 1;
+  EngineEmulator::SetRules(rules);
+  FWPM_FILTER_ENUM_TEMPLATE0 criteria = AllOfConnectV4();
+  std::vector<int> weights = Selected(session, criteria);
+  EXPECT_FALSE(std::ranges::is_sorted(weights));
+  std::ranges::sort(weights);
+  EXPECT_THAT(weights, ElementsAre(0, 1, 2, 3, 4, 5, 6, 7, 8, 9, 10, 11, 12, 13, 14, 15));
+  criteria.flags = FWP_FILTER_ENUM_FLAG_SORTED;
+  EXPECT_THAT(Selected(session, criteria), ElementsAre(15, 14, 13, 12, 11, 10, 9, 8, 7, 6, 5, 4, 3, 2, 1, 0));
+}
+
+TEST_F(Enumeration, OfSublayersIsInAnotherOrderOnRequest) {
+  const TestSession session;
+  EngineEmulator::Rules rules;
+  rules.shuffleEnumerations = 1;
+  EngineEmulator::SetRules(rules);
+  HANDLE enumHandle = nullptr;
+  ASSERT_EQ(FwpmSubLayerCreateEnumHandle0(session, nullptr, &enumHandle), kSuccess);
+  FWPM_SUBLAYER0** entries = nullptr;
+  UINT32 count = 0;
+  ASSERT_EQ(FwpmSubLayerEnum0(session, enumHandle, kInfinite, &entries, &count), kSuccess);
+  std::vector<std::wstring> names;
+  for (UINT32 index = 0; index < count; ++index) {
+    names.emplace_back(entries[index]->displayData.name);
+  }
+  Free(entries);
+  FwpmSubLayerDestroyEnumHandle0(session, enumHandle);
+  ASSERT_EQ(names.size(), 18U);
+  EXPECT_NE((std::vector<std::wstring>{names.begin(), names.begin() + 3}),
+            (std::vector<std::wstring>{L"UNIVERSAL", L"INSPECTION", L"RPC_AUDIT"}));
 }
 
 TEST_F(Enumeration, TemplateLeavesBootTimeFiltersOutUnlessItAsksForThem) {

@@ -94,4 +94,26 @@ TEST_F(Records, KeepRangesOfNumbersBehindPointers) {
   EXPECT_EQ(*copy.valueHigh.uint64, 2U);
 }
 
+TEST_F(Records, KeepAccessInformationOfTokens) {
+  UINT8 bytes[]{1, 2, 3};
+  FWP_BYTE_BLOB blob{3, bytes};
+  FWP_CONDITION_VALUE0 value{};
+  value.type = FWP_TOKEN_ACCESS_INFORMATION_TYPE;
+  value.tokenAccessInformation = &blob;
+  const FWP_BYTE_BLOB& copy = *Copy(value).tokenAccessInformation;
+  EXPECT_NE(copy.data, bytes);
+  ASSERT_EQ(copy.size, 3U);
+  EXPECT_EQ(copy.data[2], 3);
+}
+
+TEST_F(Records, KeepNullsAsTheyAre) {
+  FWP_CONDITION_VALUE0 value{};
+  for (const FWP_DATA_TYPE type :
+       {FWP_UINT64, FWP_BYTE_BLOB_TYPE, FWP_SID, FWP_SECURITY_DESCRIPTOR_TYPE, FWP_TOKEN_INFORMATION_TYPE,
+        FWP_TOKEN_ACCESS_INFORMATION_TYPE, FWP_UNICODE_STRING_TYPE, FWP_V4_ADDR_MASK, FWP_RANGE_TYPE}) {
+    value.type = type;
+    EXPECT_EQ(Copy(value).byteBlob, nullptr) << type;
+  }
+}
+
 }  // namespace

@@ -100,6 +100,41 @@ TEST_F(Security, MustBeSelfRelative) {
   EXPECT_TRUE(EngineEmulator::TakeSnapshot().sublayers.empty());
 }
 
+TEST_F(Security, MustHoldItsParts) {
+  struct {
+    UINT8 head[20]{1, 0, 4, 0x80, 20, 0, 0, 0, 0, 0, 0, 0, 0, 0, 0, 0, 32};
+    SID owner = kLocalSystem;
+    ACL dacl{2, 0, 8, 0, 0};
+  } descriptor;
+  const FWPM_FILTER0 filter = [] {
+    FWPM_FILTER0 record = FilterRecord();
+    record.numFilterConditions = 1;
+    return record;
+  }();
+  const auto check = [&](UINT32 size) {
+    FWP_BYTE_BLOB blob{size, descriptor.head};
+    FWPM_FILTER_CONDITION0 condition{};
+    condition.fieldKey = kUserId;
+    condition.conditionValue.type = FWP_SECURITY_DESCRIPTOR_TYPE;
+    condition.conditionValue.sd = &blob;
+    FWPM_FILTER0 record = filter;
+    record.filterCondition = &condition;
+    const TestSession session(kDynamic);
+    return Add(session, record);
+  };
+  EXPECT_EQ(check(40), kSuccess);
+  EXPECT_EQ(check(39), kInvalidSecurityDescriptor);  // of the list, the last byte is missing
+  descriptor.dacl.AclSize = 7;
+  EXPECT_EQ(check(40), kInvalidSecurityDescriptor);
+  descriptor.dacl.AclSize = 9;
+  EXPECT_EQ(check(40), kInvalidSecurityDescriptor);
+  descriptor.dacl.AclSize = 8;
+  descriptor.owner.SubAuthorityCount = 16;
+  EXPECT_EQ(check(40), kInvalidSecurityDescriptor);
+  descriptor.owner.SubAuthorityCount = 4;  // beyond the end
+  EXPECT_EQ(check(40), kInvalidSecurityDescriptor);
+}
+
 TEST_F(Security, OfNoKeyIsThatOfTheContainer) {
   const TestSession session;
   ASSERT_EQ(

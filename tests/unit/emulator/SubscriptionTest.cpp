@@ -249,4 +249,88 @@ TEST_F(Subscription, IsListedWithItsSessionAndTemplate) {
   FwpmSubLayerUnsubscribeChanges0(session, handle);
 }
 
+TEST_F(Subscription, ToProvidersIsListedWithItsTemplate) {
+  const TestSession session;
+  FWPM_PROVIDER_ENUM_TEMPLATE0 criteria{};
+  const FWPM_PROVIDER_SUBSCRIPTION0 wanted{&criteria, kOnAdd, {}};
+  HANDLE handle = nullptr;
+  ASSERT_EQ(FwpmProviderSubscribeChanges0(session, &wanted, Listener::Hear<FWPM_PROVIDER_CHANGE0>, nullptr,
+                                          &handle),
+            kSuccess);
+  FWPM_PROVIDER_SUBSCRIPTION0** entries = nullptr;
+  UINT32 count = 0;
+  ASSERT_EQ(FwpmProviderSubscriptionsGet0(session, &entries, &count), kSuccess);
+  ASSERT_EQ(count, 1U);
+  EXPECT_NE(entries[0]->enumTemplate, nullptr);
+  EXPECT_NE(entries[0]->enumTemplate, &criteria);
+  Free(entries);
+  FwpmProviderUnsubscribeChanges0(session, handle);
+}
+
+TEST_F(Subscription, ToCalloutsIsListedWithItsTemplate) {
+  const TestSession session;
+  GUID providerKey = kProviderKey;
+  FWPM_CALLOUT_ENUM_TEMPLATE0 criteria{&providerKey, kConnectV4};
+  const FWPM_CALLOUT_SUBSCRIPTION0 wanted{&criteria, kOnDelete, {}};
+  HANDLE handle = nullptr;
+  ASSERT_EQ(
+      FwpmCalloutSubscribeChanges0(session, &wanted, Listener::Hear<FWPM_CALLOUT_CHANGE0>, nullptr, &handle),
+      kSuccess);
+  FWPM_CALLOUT_SUBSCRIPTION0** entries = nullptr;
+  UINT32 count = 0;
+  ASSERT_EQ(FwpmCalloutSubscriptionsGet0(session, &entries, &count), kSuccess);
+  ASSERT_EQ(count, 1U);
+  EXPECT_EQ(entries[0]->flags, kOnDelete);
+  EXPECT_NE(entries[0]->enumTemplate->providerKey, &providerKey);
+  EXPECT_TRUE(*entries[0]->enumTemplate->providerKey == kProviderKey);
+  EXPECT_TRUE(entries[0]->enumTemplate->layerKey == kConnectV4);
+  Free(entries);
+  FwpmCalloutUnsubscribeChanges0(session, handle);
+}
+
+TEST_F(Subscription, ToCalloutsTellsOfAdditionsWithTheId) {
+  const TestSession session;
+  const FWPM_CALLOUT_SUBSCRIPTION0 wanted{nullptr, kOnAdd, {}};
+  struct Heard : Listener {
+    static void CALLBACK Note(void* context, const FWPM_CALLOUT_CHANGE0* change) {
+      static_cast<Heard*>(context)->id = change->calloutId;
+      Hear(static_cast<Listener*>(static_cast<Heard*>(context)), change);
+    }
+    UINT32 id = 0;
+  } listener;
+  HANDLE handle = nullptr;
+  ASSERT_EQ(FwpmCalloutSubscribeChanges0(session, &wanted, Heard::Note, &listener, &handle), kSuccess);
+  FWPM_CALLOUT0 callout{};
+  callout.displayData = {kName, kDescription};
+  callout.applicableLayer = kConnectV4;
+  UINT32 id = 0;
+  ASSERT_EQ(FwpmCalloutAdd0(session, &callout, nullptr, &id), kSuccess);
+  EXPECT_THAT(listener.Await(1), testing::ElementsAre("add"));
+  EXPECT_EQ(listener.id, id);
+  FwpmCalloutUnsubscribeChanges0(session, handle);
+}
+
+TEST_F(Subscription, ToNetEventsIsListedWithItsConditions) {
+  const TestSession session;
+  FWPM_FILTER_CONDITION0 condition{};
+  condition.fieldKey = kRemotePort;
+  condition.conditionValue.type = FWP_UINT16;
+  condition.conditionValue.uint16 = 53;
+  FWPM_NET_EVENT_ENUM_TEMPLATE0 criteria{};
+  criteria.numFilterConditions = 1;
+  criteria.filterCondition = &condition;
+  const FWPM_NET_EVENT_SUBSCRIPTION0 wanted{&criteria, 0, {}};
+  const auto ignore = [](void*, const FWPM_NET_EVENT1*) {};
+  HANDLE handle = nullptr;
+  ASSERT_EQ(FwpmNetEventSubscribe0(session, &wanted, ignore, nullptr, &handle), kSuccess);
+  FWPM_NET_EVENT_SUBSCRIPTION0** entries = nullptr;
+  UINT32 count = 0;
+  ASSERT_EQ(FwpmNetEventSubscriptionsGet0(session, &entries, &count), kSuccess);
+  ASSERT_EQ(count, 1U);
+  EXPECT_NE(entries[0]->enumTemplate->filterCondition, &condition);
+  EXPECT_EQ(entries[0]->enumTemplate->filterCondition->conditionValue.uint16, 53);
+  Free(entries);
+  FwpmNetEventUnsubscribe0(session, handle);
+}
+
 }  // namespace

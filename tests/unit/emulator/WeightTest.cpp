@@ -94,6 +94,39 @@ TEST_F(Weight, OfARangeOfEverythingIsZero) {
   EXPECT_EQ(Of({Network(0)}), 0U);
 }
 
+TEST_F(Weight, OfARangeGoesByItsEndsWhateverTheirType) {
+  FWP_RANGE0 range{};
+  FWPM_FILTER_CONDITION0 condition{};
+  condition.matchType = FWP_MATCH_RANGE;
+  condition.conditionValue.type = FWP_RANGE_TYPE;
+  condition.conditionValue.rangeValue = &range;
+
+  condition.fieldKey = kProtocol;
+  range.valueLow.type = range.valueHigh.type = FWP_UINT8;
+  range.valueLow.uint8 = range.valueHigh.uint8 = 6;
+  EXPECT_EQ(Of({condition}), Of({Protocol()}));
+  range.valueLow.uint8 = 0;
+  range.valueHigh.uint8 = 0xFF;
+  EXPECT_EQ(Of({condition}), 0U);
+
+  condition.fieldKey = kLocalInterface;
+  UINT64 low = 0;
+  UINT64 high = 0xFFFFFFFFFFFFFFFF;
+  range.valueLow.type = range.valueHigh.type = FWP_UINT64;
+  range.valueLow.uint64 = &low;
+  range.valueHigh.uint64 = &high;
+  EXPECT_EQ(Of({condition}), 0U);
+  high = 1;
+  EXPECT_GT(Of({condition}), 0U);
+
+  condition.fieldKey = kAppId;
+  UINT8 byte = 'a';
+  FWP_BYTE_BLOB blob{1, &byte};
+  range.valueLow.type = range.valueHigh.type = FWP_BYTE_BLOB_TYPE;
+  range.valueLow.byteBlob = range.valueHigh.byteBlob = &blob;
+  EXPECT_GT(Of({condition}), 0U);
+}
+
 TEST_F(Weight, OfARemoteAddressIsAboveAllOthersTogether) {
   EXPECT_EQ(Of({Network(0xFFFFFFFF)}), UINT64{1} << 57);
   EXPECT_EQ(Of({Network(0xFF000000)}), UINT64{1} << 55);
