@@ -1,7 +1,7 @@
 #!/bin/bash
-# Fails when the layout of a source differs from clang-format's, a folder includes what it must not see,
-# or clang-tidy has something to say of the product's sources. With --all the tests' too, and with clang's
-# static analyzer, which takes several times as long.
+# Fails when the layout of a source differs from clang-format's, a folder includes what it must not see, the
+# README names another version than the build, or clang-tidy has something to say of the product's sources. With
+# --all the tests' too, and with clang's static analyzer, which takes several times as long.
 set -eu
 cd "$(dirname "$0")/.."
 linted='src|catalog|emulator|policy|tools'
@@ -34,6 +34,10 @@ forbid src include -- '(catalog|emulator|policy|tools|tests)/'
 forbid catalog emulator sdk_subset policy -- '(filtering|engine|sublayers|helpers|api|corvane|src)/'
 forbid catalog emulator sdk_subset -- 'policy/'
 forbid policy -- '(emulator|tools|tests)/'
+
+echo "The README's version"
+version=$(sed -n 's/^  VERSION //p' CMakeLists.txt)
+grep -qxF "| Version | $version |" README.md || { echo "README.md does not name version $version" >&2; exit 1; }
 
 echo "clang-tidy"
 # A build tree without the compiler's precompiled headers, which clang cannot read; nothing is built there but

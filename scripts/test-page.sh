@@ -1,6 +1,6 @@
 #!/bin/bash
 # Writes two reports with the tool that is built, under the Wine that is running or starts, and looks at them
-# in headless Chromium.
+# in headless Chromium. With --picture, it also renews the picture in the README.
 set -eu
 . "$(dirname "$0")/common.sh"
 cd "$root"
@@ -20,3 +20,4 @@ report --dns-app 'C:\windows\system32\svchost.exe' --block-app 'C:\unwanted.exe'
 cd tests/page
 npm ci --loglevel=error --no-audit --no-fund
 npm test
+if [ "${1:-}" = --picture ]; then npm run --silent picture -- "$root/docs/report.png"; fi
