@@ -4,6 +4,7 @@
 #include <WfpFirewall.h>
 
 #include <cstdint>
+#include <functional>
 #include <iostream>
 #include <string>
 #include <vector>
@@ -94,6 +95,8 @@ void NameFilters() {
 void NameEngine() {
   Construct<FirewallException>("Text", 5U);
   Construct<FirewallException>("Text");
+  // By reference, which wants its address.
+  Construct<FirewallException>("Text", std::cref(kNoEngineCode));
   Name(&FirewallException::GetErrorCode);
 
   Construct<Provider>(kKey, kText, kText, kText);
