@@ -57,23 +57,6 @@ class ConditionChecks : public EngineTest {
   }
 
   /// What is said of a range of ports that are of a type of their own.
-  template <class Value>
-  DWORD CheckRange(FWP_DATA_TYPE type, Value FWP_VALUE0::*member, Value low, Value high) {
-    range_.valueLow.type = range_.valueHigh.type = type;
-    range_.valueLow.*member = low;
-    range_.valueHigh.*member = high;
-    value_.type = FWP_RANGE_TYPE;
-    value_.rangeValue = &range_;
-    return Check(kRemotePort, FWP_MATCH_RANGE);
-  }
-
-  /// Expects that the engine knows which of two values is the greater, before it looks at their type.
-  template <class Value>
-  void ExpectOrder(FWP_DATA_TYPE type, Value FWP_VALUE0::*member, Value less, Value greater) {
-    EXPECT_EQ(CheckRange(type, member, less, greater), kTypeMismatch) << type;
-    EXPECT_EQ(CheckRange(type, member, less, less), kTypeMismatch) << type;
-    EXPECT_EQ(CheckRange(type, member, greater, less), kInvalidRange) << type;
-  }
 
   FWPM_FILTER0 filter_ = FilterRecord();
   FWPM_FILTER_CONDITION0 conditions_[2]{};
@@ -227,32 +210,6 @@ TEST_F(ConditionChecks, RefuseRangesOfWhatHasNoOrder) {
   value_.rangeValue = &range_;
   EXPECT_EQ(Check(kPackageId, FWP_MATCH_RANGE), kMatchTypeMismatch);
   EXPECT_EQ(Reason(), "RANGE does not go with the type RANGE of SID of ALE_PACKAGE_ID");
-}
-
-TEST_F(ConditionChecks, OrderNumbersByTheirSign) {
-  ExpectOrder<UINT8>(FWP_UINT8, &FWP_VALUE0::uint8, 1, 0xFF);
-  ExpectOrder<UINT32>(FWP_UINT32, &FWP_VALUE0::uint32, 1, 0xFFFFFFFF);
-  ExpectOrder<INT8>(FWP_INT8, &FWP_VALUE0::int8, -1, 1);
-  ExpectOrder<INT16>(FWP_INT16, &FWP_VALUE0::int16, -1, 1);
-  ExpectOrder<INT32>(FWP_INT32, &FWP_VALUE0::int32, -1, 1);
-  UINT64 one = 1;
-  UINT64 greatest = 0xFFFFFFFFFFFFFFFF;
-  ExpectOrder<UINT64*>(FWP_UINT64, &FWP_VALUE0::uint64, &one, &greatest);
-  INT64 minusOne = -1;
-  INT64 plusOne = 1;
-  ExpectOrder<INT64*>(FWP_INT64, &FWP_VALUE0::int64, &minusOne, &plusOne);
-}
-
-TEST_F(ConditionChecks, OrderBytesAndTextsFromTheFirst) {
-  UINT8 bytes[]{1, 0xFF, 2};
-  FWP_BYTE_BLOB shorter{1, bytes};
-  FWP_BYTE_BLOB longer{2, bytes};
-  FWP_BYTE_BLOB greater{1, bytes + 1};
-  ExpectOrder<FWP_BYTE_BLOB*>(FWP_BYTE_BLOB_TYPE, &FWP_VALUE0::byteBlob, &shorter, &longer);
-  ExpectOrder<FWP_BYTE_BLOB*>(FWP_BYTE_BLOB_TYPE, &FWP_VALUE0::byteBlob, &longer, &greater);
-  wchar_t text[] = L"ab";
-  wchar_t laterText[] = L"b";
-  ExpectOrder<wchar_t*>(FWP_UNICODE_STRING_TYPE, &FWP_VALUE0::unicodeString, text, laterText);
 }
 
 TEST_F(ConditionChecks, OrderIpV6AddressesFromTheFirstByte) {
