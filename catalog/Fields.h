@@ -12,6 +12,7 @@
 #include <string_view>
 
 #include "catalog/Guid.h"
+#include "catalog/Keys.h"
 
 namespace Catalog {
 
@@ -42,7 +43,7 @@ struct FieldAlias {
 inline constexpr auto kBitmapIndexType = static_cast<FWP_DATA_TYPE>(19);
 
 inline constexpr auto kFields = std::to_array<Field>({
-    {"ALE_APP_ID", "d78e1e87-8644-4ea5-9437-d809ecefc971"_guid, FWP_BYTE_BLOB_TYPE},
+    {"ALE_APP_ID", kAleAppIdFieldKey, FWP_BYTE_BLOB_TYPE},
     {"ALE_EFFECTIVE_NAME", "b1277b9a-b781-40fc-9671-e5f1b989f34e"_guid, FWP_BYTE_BLOB_TYPE},
     {"ALE_NAP_CONTEXT", "46275a9d-c03f-4d77-b784-1c57f4d02753"_guid, FWP_UINT32},
     {"ALE_ORIGINAL_APP_ID", "0e6cd086-e1fb-4212-842f-8a9f993fb3f6"_guid, FWP_BYTE_BLOB_TYPE},
@@ -68,31 +69,31 @@ inline constexpr auto kFields = std::to_array<Field>({
     {"CURRENT_PROFILE_ID", "ab3033c9-c0e3-4759-937d-5758c65d4ae3"_guid, FWP_UINT32},
     {"DESTINATION_INTERFACE_INDEX", "35cf6522-4139-45ee-a0d5-67b80949d879"_guid, FWP_UINT32},
     {"DESTINATION_SUB_INTERFACE_INDEX", "2b7d4399-d4c7-4738-a2f5-e994b43da388"_guid, FWP_UINT32},
-    {"DIRECTION", "8784c146-ca97-44d6-9fd1-19fb1840cbf7"_guid, FWP_UINT32},
+    {"DIRECTION", kDirectionFieldKey, FWP_UINT32},
     {"EMBEDDED_LOCAL_ADDRESS_TYPE", "4672a468-8a0a-4202-abb4-849e92e66809"_guid, FWP_UINT8},
     {"EMBEDDED_LOCAL_PORT", "bfca394d-acdb-484e-b8e6-2aff79757345"_guid, FWP_UINT16},
     {"EMBEDDED_PROTOCOL", "07784107-a29e-4c7b-9ec7-29c44afafdbc"_guid, FWP_UINT8},
     {"EMBEDDED_REMOTE_ADDRESS", "77ee4b39-3273-4671-b63b-ab6feb66eeb6"_guid, FWP_EMPTY, FieldKind::IpAddress},
     {"EMBEDDED_REMOTE_PORT", "cae4d6a1-2968-40ed-a4ce-547160dda88d"_guid, FWP_UINT16},
-    {"FLAGS", "632ce23b-5167-435c-86d7-e903684aa80c"_guid, FWP_UINT32, FieldKind::Flags},
+    {"FLAGS", kFlagsFieldKey, FWP_UINT32, FieldKind::Flags},
     {"INTERFACE_INDEX", "667fd755-d695-434a-8af5-d3835a1259bc"_guid, FWP_UINT32},
     {"INTERFACE_QUARANTINE_EPOCH", "cce68d5e-053b-43a8-9a6f-33384c28e4f6"_guid, FWP_UINT64},
     {"INTERFACE_TYPE", "daf8cd14-e09e-4c93-a5ae-c5c13b73ffca"_guid, FWP_UINT32},
     {"IPSEC_SECURITY_REALM_ID", "37a57700-5884-4964-92b8-3e704688b0ad"_guid, FWP_BYTE_BLOB_TYPE},
-    {"IP_ARRIVAL_INTERFACE", "618a9b6d-386b-4136-ad6e-b51587cfb1cd"_guid, FWP_UINT64},
+    {"IP_ARRIVAL_INTERFACE", kIpArrivalInterfaceFieldKey, FWP_UINT64},
     {"IP_DESTINATION_ADDRESS", "2d79133b-b390-45c6-8699-acaceaafed33"_guid, FWP_EMPTY, FieldKind::IpAddress},
     {"IP_DESTINATION_ADDRESS_TYPE", "1ec1b7c9-4eea-4f5e-b9ef-76beaaaf17ee"_guid, FWP_UINT8},
     {"IP_FORWARD_INTERFACE", "1076b8a5-6323-4c5e-9810-e8d3fc9e6136"_guid, FWP_UINT64},
-    {"IP_LOCAL_ADDRESS", "d9ee00de-c1ef-4617-bfe3-ffd8f5a08957"_guid, FWP_EMPTY, FieldKind::IpAddress},
+    {"IP_LOCAL_ADDRESS", kIpLocalAddressFieldKey, FWP_EMPTY, FieldKind::IpAddress},
     {"IP_LOCAL_ADDRESS_TYPE", "6ec7f6c4-376b-45d7-9e9c-d337cedcd237"_guid, FWP_UINT8},
-    {"IP_LOCAL_INTERFACE", "4cd62a49-59c3-4969-b7f3-bda5d32890a4"_guid, FWP_UINT64},
-    {"IP_LOCAL_PORT", "0c1ba1af-5765-453f-af22-a8f791ac775b"_guid, FWP_UINT16},
-    {"IP_NEXTHOP_INTERFACE", "93ae8f5b-7f6f-4719-98c8-14e97429ef04"_guid, FWP_UINT64},
+    {"IP_LOCAL_INTERFACE", kIpLocalInterfaceFieldKey, FWP_UINT64},
+    {"IP_LOCAL_PORT", kIpLocalPortFieldKey, FWP_UINT16},
+    {"IP_NEXTHOP_INTERFACE", kIpNextHopInterfaceFieldKey, FWP_UINT64},
     {"IP_PHYSICAL_ARRIVAL_INTERFACE", "da50d5c8-fa0d-4c89-b032-6e62136d1e96"_guid, FWP_UINT64},
     {"IP_PHYSICAL_NEXTHOP_INTERFACE", "f09bd5ce-5150-48be-b098-c25152fb1f92"_guid, FWP_UINT64},
-    {"IP_PROTOCOL", "3971ef2b-623e-4f9a-8cb1-6e79b806b9a7"_guid, FWP_UINT8},
-    {"IP_REMOTE_ADDRESS", "b235ae9a-1d64-49b8-a44c-5ff3d9095045"_guid, FWP_EMPTY, FieldKind::IpAddress},
-    {"IP_REMOTE_PORT", "c35a604d-d22b-4e1a-91b4-68f674ee674b"_guid, FWP_UINT16},
+    {"IP_PROTOCOL", kIpProtocolFieldKey, FWP_UINT8},
+    {"IP_REMOTE_ADDRESS", kIpRemoteAddressFieldKey, FWP_EMPTY, FieldKind::IpAddress},
+    {"IP_REMOTE_PORT", kIpRemotePortFieldKey, FWP_UINT16},
     {"IP_SOURCE_ADDRESS", "ae96897e-2e94-4bc9-b313-b27ee80e574d"_guid, FWP_EMPTY, FieldKind::IpAddress},
     {"LOCAL_INTERFACE_PROFILE_ID", "4ebf7562-9f18-4d06-9941-a7a625744d71"_guid, FWP_UINT32},
     {"NEXTHOP_INTERFACE_INDEX", "138e6888-7ab8-4d65-9ee8-0591bcf6a494"_guid, FWP_UINT32},

@@ -49,4 +49,9 @@ constexpr bool Precedes(const GUID& left, const GUID& right) {
   return std::ranges::lexicographical_compare(left.Data4, right.Data4);
 }
 
+/// The same order for containers.
+struct KeyOrder {
+  bool operator()(const GUID& left, const GUID& right) const { return Precedes(left, right); }
+};
+
 }  // namespace Catalog

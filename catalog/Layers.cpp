@@ -3,8 +3,10 @@
 #include <algorithm>
 #include <array>
 #include <cstddef>
+#include <iterator>
 
 #include "catalog/KeyIndex.h"
+#include "catalog/Keys.h"
 
 namespace Catalog {
 namespace {
@@ -212,28 +214,28 @@ constexpr auto kLayers = std::to_array<Layer>({
     {"OUTBOUND_ICMP_ERROR_V4_DISCARD", "b3598d36-0561-4588-a6bf-e955e3f6264b"_guid, kV4, 33, kIcmpOut},
     {"OUTBOUND_ICMP_ERROR_V6", "7fb03b60-7b8d-4dfa-badd-980176fc4e12"_guid, kV6, 34, kIcmpOut},
     {"OUTBOUND_ICMP_ERROR_V6_DISCARD", "65f2e647-8d0c-4f47-b19b-33a4d3f1357c"_guid, kV6, 35, kIcmpOut},
-    {"ALE_RESOURCE_ASSIGNMENT_V4", "1247d66d-0b60-4a15-8d44-7155d0f53a0c"_guid, kV4, 36, kAssign},
+    {"ALE_RESOURCE_ASSIGNMENT_V4", kAleResourceAssignmentV4LayerKey, kV4, 36, kAssign},
     {"ALE_RESOURCE_ASSIGNMENT_V4_DISCARD", "0b5812a2-c3ff-4eca-b88d-c79e20ac6322"_guid, kV4, 37, kAssign},
-    {"ALE_RESOURCE_ASSIGNMENT_V6", "55a650e1-5f0a-4eca-a653-88f53b26aa8c"_guid, kV6, 38, kAssign},
+    {"ALE_RESOURCE_ASSIGNMENT_V6", kAleResourceAssignmentV6LayerKey, kV6, 38, kAssign},
     {"ALE_RESOURCE_ASSIGNMENT_V6_DISCARD", "cbc998bb-c51f-4c1a-bb4f-9775fcacab2f"_guid, kV6, 39, kAssign},
     {"ALE_RESOURCE_RELEASE_V4", "74365cce-ccb0-401a-bfc1-b89934ad7e15"_guid, kV4, std::nullopt, kRelease},
     {"ALE_RESOURCE_RELEASE_V6", "f4e5ce80-edcc-4e13-8a2f-b91454bb057b"_guid, kV6, std::nullopt, kRelease},
-    {"ALE_AUTH_LISTEN_V4", "88bb5dad-76d7-4227-9c71-df0a3ed7be7e"_guid, kV4, 40, kListen},
+    {"ALE_AUTH_LISTEN_V4", kAleAuthListenV4LayerKey, kV4, 40, kListen},
     {"ALE_AUTH_LISTEN_V4_DISCARD", "371dfada-9f26-45fd-b4eb-c29eb212893f"_guid, kV4, 41, kListen},
-    {"ALE_AUTH_LISTEN_V6", "7ac9de24-17dd-4814-b4bd-a9fbc95a321b"_guid, kV6, 42, kListen},
+    {"ALE_AUTH_LISTEN_V6", kAleAuthListenV6LayerKey, kV6, 42, kListen},
     {"ALE_AUTH_LISTEN_V6_DISCARD", "60703b07-63c8-48e9-ada3-12b1af40a617"_guid, kV6, 43, kListen},
-    {"ALE_AUTH_RECV_ACCEPT_V4", "e1cd9fe7-f4b5-4273-96c0-592e487b8650"_guid, kV4, 44, kAccept},
+    {"ALE_AUTH_RECV_ACCEPT_V4", kAleAuthRecvAcceptV4LayerKey, kV4, 44, kAccept},
     {"ALE_AUTH_RECV_ACCEPT_V4_DISCARD", "9eeaa99b-bd22-4227-919f-0073c63357b1"_guid, kV4, 45, kAccept},
-    {"ALE_AUTH_RECV_ACCEPT_V6", "a3b42c97-9f04-4672-b87e-cee9c483257f"_guid, kV6, 46, kAccept},
+    {"ALE_AUTH_RECV_ACCEPT_V6", kAleAuthRecvAcceptV6LayerKey, kV6, 46, kAccept},
     {"ALE_AUTH_RECV_ACCEPT_V6_DISCARD", "89455b97-dbe1-453f-a224-13da895af396"_guid, kV6, 47, kAccept},
-    {"ALE_AUTH_CONNECT_V4", "c38d57d1-05a7-4c33-904f-7fbceee60e82"_guid, kV4, 48, kConnect},
+    {"ALE_AUTH_CONNECT_V4", kAleAuthConnectV4LayerKey, kV4, 48, kConnect},
     {"ALE_AUTH_CONNECT_V4_DISCARD", "d632a801-f5ba-4ad6-96e3-607017d9836a"_guid, kV4, 49, kConnect},
-    {"ALE_AUTH_CONNECT_V6", "4a72393b-319f-44bc-84c3-ba54dcb3b6b4"_guid, kV6, 50, kConnect},
+    {"ALE_AUTH_CONNECT_V6", kAleAuthConnectV6LayerKey, kV6, 50, kConnect},
     {"ALE_AUTH_CONNECT_V6_DISCARD", "c97bc3b8-c9a3-4e33-8695-8e17aad4de09"_guid, kV6, 51, kConnect},
-    {"ALE_FLOW_ESTABLISHED_V4", "af80470a-5596-4c13-9992-539e6fe57967"_guid, kV4, 52, kFlow},
-    {"ALE_FLOW_ESTABLISHED_V4_DISCARD", "146ae4a9-a1d2-4d43-a31a-4c42682b8e4f"_guid, kV4, 53, kFlow},
-    {"ALE_FLOW_ESTABLISHED_V6", "7021d2b3-dfa4-406e-afeb-6afaf7e70efd"_guid, kV6, 54, kFlow},
-    {"ALE_FLOW_ESTABLISHED_V6_DISCARD", "46928636-bbca-4b76-941d-0fa7f5d7d372"_guid, kV6, 55, kFlow},
+    {"ALE_FLOW_ESTABLISHED_V4", kAleFlowEstablishedV4LayerKey, kV4, 52, kFlow},
+    {"ALE_FLOW_ESTABLISHED_V4_DISCARD", kAleFlowEstablishedV4DiscardLayerKey, kV4, 53, kFlow},
+    {"ALE_FLOW_ESTABLISHED_V6", kAleFlowEstablishedV6LayerKey, kV6, 54, kFlow},
+    {"ALE_FLOW_ESTABLISHED_V6_DISCARD", kAleFlowEstablishedV6DiscardLayerKey, kV6, 55, kFlow},
 });
 
 }  // namespace
@@ -248,6 +250,12 @@ const Layer* FindLayer(const GUID& key) {
 const Layer* FindLayer(UINT16 runtimeId) {
   const auto layer = std::ranges::find(kLayers, std::optional(runtimeId), &Layer::runtimeId);
   return layer == kLayers.end() ? nullptr : &*layer;
+}
+
+bool IsFlowEstablished(const GUID& layerKey) {
+  constexpr GUID kFlowEstablished[]{kAleFlowEstablishedV4LayerKey, kAleFlowEstablishedV4DiscardLayerKey,
+                                    kAleFlowEstablishedV6LayerKey, kAleFlowEstablishedV6DiscardLayerKey};
+  return std::ranges::find(kFlowEstablished, layerKey) != std::end(kFlowEstablished);
 }
 
 bool HasField(const Layer& layer, const Field& field) {

@@ -11,7 +11,7 @@
 #include <string_view>
 
 #include "catalog/Fields.h"
-#include "catalog/Sublayers.h"
+#include "catalog/Keys.h"
 
 namespace Catalog {
 
@@ -36,6 +36,9 @@ const Layer* FindLayer(const GUID& key);
 
 /// The layer with a runtime id; null if the catalogue has none.
 const Layer* FindLayer(UINT16 runtimeId);
+
+/// Whether a layer is ALE_FLOW_ESTABLISHED of either IP version, or its twin for discarded traffic.
+bool IsFlowEstablished(const GUID& layerKey);
 
 /// Whether conditions at a layer can test a field.
 bool HasField(const Layer& layer, const Field& field);

@@ -10,6 +10,7 @@
 #include <string_view>
 
 #include "catalog/Guid.h"
+#include "catalog/Keys.h"
 
 namespace Catalog {
 
@@ -20,8 +21,8 @@ struct BuiltInSublayer {
 };
 
 inline constexpr auto kBuiltInSublayers = std::to_array<BuiltInSublayer>({
-    {"UNIVERSAL", "eebecc03-ced4-4380-819a-2734397b2b74"_guid},
-    {"INSPECTION", "877519e1-e6a9-41a5-81b4-8c4f118e4a60"_guid},
+    {"UNIVERSAL", kUniversalSublayerKey},
+    {"INSPECTION", kInspectionSublayerKey},
     {"RPC_AUDIT", "758c84f4-fb48-4de9-9aeb-3ed9551ab1fd"_guid},
     {"IPSEC_TUNNEL", "83f299ed-9ff4-4967-aff4-c309f4dab827"_guid},
     {"IPSEC_FORWARD_OUTBOUND_TUNNEL", "a5082e73-8f71-4559-8a9a-101cea04ef87"_guid},
@@ -40,9 +41,6 @@ inline constexpr auto kBuiltInSublayers = std::to_array<BuiltInSublayer>({
     {"MPSSVC_TENANT_RESTRICTIONS", "1ec6c7e1-fdd9-478a-b55f-ff8ba1d2c17d"_guid},
     {"MPSSVC_APP_ISOLATION", "ffe221c3-92a8-4564-a59f-dafb70756020"_guid},
 });
-
-/// The sublayer of filters that name none.
-inline constexpr GUID kUniversalSublayerKey = kBuiltInSublayers[0].key;
 
 /// The built-in sublayer with a key; null if there is none.
 const BuiltInSublayer* FindBuiltInSublayer(const GUID& key);

@@ -2,7 +2,9 @@
 
 #include <string>
 
+#include "catalog/Keys.h"
 #include "catalog/Layers.h"
+#include "catalog/Sublayers.h"
 #include "emulator/MakeObject.h"
 
 namespace EngineEmulator {
@@ -15,8 +17,6 @@ struct SublayerWeight {
   UINT32 Rules::*weight;
 };
 
-/// INSPECTION is the one whose weight is known.
-constexpr GUID kInspection = "877519e1-e6a9-41a5-81b4-8c4f118e4a60"_guid;
 constexpr SublayerWeight kWeights[]{
     {"b3cdd441-af90-41ba-a745-7c6008ff2300"_guid, &Rules::weightOfServiceHardening},
     {"b3cdd441-af90-41ba-a745-7c6008ff2301"_guid, &Rules::weightOfWindowsFirewall},
@@ -24,7 +24,8 @@ constexpr SublayerWeight kWeights[]{
 };
 
 UINT16 WeightOf(const GUID& key, const Rules& rules) {
-  if (key == kInspection) {
+  // The one whose weight is known.
+  if (key == Catalog::kInspectionSublayerKey) {
     return 0;
   }
   const auto* found = std::ranges::find(kWeights, key, &SublayerWeight::key);

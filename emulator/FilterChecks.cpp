@@ -1,16 +1,12 @@
 #include <set>
 
 #include "catalog/Describe.h"
+#include "catalog/Keys.h"
 #include "catalog/Names.h"
 #include "emulator/Checks.h"
 
 namespace EngineEmulator {
 namespace {
-
-using Catalog::operator""_guid;
-
-/// The sublayer for callouts that only look.
-constexpr GUID kInspectionSublayer = "877519e1-e6a9-41a5-81b4-8c4f118e4a60"_guid;
 
 constexpr UINT32 kFlagsOfClients =
     FWPM_FILTER_FLAG_PERSISTENT | FWPM_FILTER_FLAG_BOOTTIME | FWPM_FILTER_FLAG_HAS_PROVIDER_CONTEXT |
@@ -78,7 +74,7 @@ Refusal CheckLayer(const FWPM_FILTER0& filter, const CheckContext& context) {
   if (layer == nullptr) {
     return {FWP_E_LAYER_NOT_FOUND, "the layer " + Catalog::FormatGuid(filter.layerKey) + " does not exist"};
   }
-  if (layer->name.starts_with("ALE_FLOW_ESTABLISHED") && !NamesCallout(filter.action) &&
+  if (Catalog::IsFlowEstablished(layer->key) && !NamesCallout(filter.action) &&
       context.rules.refuseVerdictsAtFlowEstablished != 0) {
     return {FWP_E_ACTION_INCOMPATIBLE_WITH_LAYER,
             Catalog::ActionName(filter.action.type) + " is no action for " + std::string(layer->name)};
@@ -105,7 +101,7 @@ Refusal CheckSublayer(const FWPM_FILTER0& filter, const CheckContext& context) {
   if (sublayer == nullptr) {
     return {FWP_E_SUBLAYER_NOT_FOUND, name + " does not exist"};
   }
-  if (filter.subLayerKey == kInspectionSublayer && !NamesCallout(filter.action) &&
+  if (filter.subLayerKey == Catalog::kInspectionSublayerKey && !NamesCallout(filter.action) &&
       context.rules.refuseVerdictsInInspection != 0) {
     return {FWP_E_ACTION_INCOMPATIBLE_WITH_SUBLAYER,
             Catalog::ActionName(filter.action.type) + " is no action for " + name};

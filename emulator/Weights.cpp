@@ -7,14 +7,12 @@
 #include <span>
 #include <vector>
 
+#include "catalog/Keys.h"
 #include "catalog/Layers.h"
 
 namespace EngineEmulator {
 namespace {
 
-using Catalog::operator""_guid;
-
-constexpr GUID kRemoteAddress = "b235ae9a-1d64-49b8-a44c-5ff3d9095045"_guid;
 constexpr UINT64 kRemoteAddressExact = UINT64{1} << 57;
 constexpr UINT64 kRemoteAddressRange = UINT64{1} << 55;
 
@@ -83,9 +81,9 @@ UINT64 ShareOf(const GUID& field, std::size_t position, Narrowness narrowness) {
     case Narrowness::Everything:
       return 0;
     case Narrowness::Range:
-      return field == kRemoteAddress ? kRemoteAddressRange : UINT64{1} << position;
+      return field == Catalog::kIpRemoteAddressFieldKey ? kRemoteAddressRange : UINT64{1} << position;
     case Narrowness::Exact:
-      return field == kRemoteAddress ? kRemoteAddressExact : UINT64{2} << position;
+      return field == Catalog::kIpRemoteAddressFieldKey ? kRemoteAddressExact : UINT64{2} << position;
   }
   return 0;
 }

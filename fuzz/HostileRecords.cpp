@@ -1,8 +1,8 @@
 #include "fuzz/HostileRecords.h"
 
 #include "catalog/Fields.h"
+#include "catalog/Keys.h"
 #include "catalog/Layers.h"
-#include "catalog/Sublayers.h"
 
 namespace Fuzz {
 namespace {
@@ -13,7 +13,7 @@ constexpr GUID kKeys[]{NumberedKey(0),
                        NumberedKey(2),
                        NumberedKey(3),
                        Catalog::kUniversalSublayerKey,
-                       Catalog::kBuiltInSublayers[1].key};
+                       Catalog::kInspectionSublayerKey};
 
 /// Room for any number that fits the byte of a SID's count and the word of a list's size.
 constexpr std::size_t kSidRoom = 8 + 255 * sizeof(DWORD);

@@ -3,7 +3,7 @@
 #include <algorithm>
 
 #include "catalog/Format.h"
-#include "catalog/Names.h"
+#include "catalog/Keys.h"
 
 namespace Policy {
 namespace {
@@ -27,7 +27,7 @@ KnownWeight::KnownWeight(const Filter& filter)
   }
   for (const Condition& condition : filter.conditions) {
     Share share = ShareOf(condition);
-    const auto [before, isFirst] = shares_.try_emplace(Catalog::FieldName(condition.fieldKey), share);
+    const auto [before, isFirst] = shares_.try_emplace(condition.fieldKey, share);
     if (!isFirst) {
       before->second.Join(share);
     }
@@ -94,14 +94,15 @@ bool KnownWeight::HasShare() const {
                              [](const auto& share) { return share.second.least > Narrowness::Everything; });
 }
 
-const KnownWeight::Share& KnownWeight::ShareOf(const std::string& field) const {
+const KnownWeight::Share& KnownWeight::ShareOf(const GUID& field) const {
   static const Share kNothing;
   const auto share = shares_.find(field);
   return share == shares_.end() ? kNothing : share->second;
 }
 
 bool KnownWeight::ChosenByEngineOutranks(const KnownWeight& other) const {
-  const auto byAddress = Compare(ShareOf("IP_REMOTE_ADDRESS"), other.ShareOf("IP_REMOTE_ADDRESS"));
+  const auto byAddress =
+      Compare(ShareOf(Catalog::kIpRemoteAddressFieldKey), other.ShareOf(Catalog::kIpRemoteAddressFieldKey));
   if (byAddress != std::partial_ordering::equivalent) {
     return byAddress == std::partial_ordering::greater;
   }

@@ -14,6 +14,7 @@
 #include <string>
 #include <vector>
 
+#include "catalog/Guid.h"
 #include "policy/Snapshot.h"
 
 namespace Policy {
@@ -46,11 +47,11 @@ class KnownWeight {
 
   bool HasShare() const;
   bool ChosenByEngineOutranks(const KnownWeight& other) const;
-  const Share& ShareOf(const std::string& field) const;
+  const Share& ShareOf(const GUID& field) const;
 
   UINT64 weight_;
   bool isNumber_;
-  std::map<std::string, Share> shares_;  // by field
+  std::map<GUID, Share, Catalog::KeyOrder> shares_;  // by field
   std::string tieKey_;
 };
 

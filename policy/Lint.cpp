@@ -4,8 +4,8 @@
 #include <array>
 #include <map>
 
+#include "catalog/Keys.h"
 #include "catalog/Names.h"
-#include "catalog/Sublayers.h"
 #include "policy/LintBehaviour.h"
 
 namespace Policy {
@@ -17,7 +17,6 @@ constexpr std::array<std::string_view, 12> kNames{
     "several-negations", "interleaved-fields", "refusable",         "unreadable"};
 
 constexpr UINT32 kKnownFlags = 0x7F;
-constexpr GUID kInspection = Catalog::kBuiltInSublayers[1].key;
 
 bool IsNetwork(const Condition& condition) {
   return condition.type == FWP_V4_ADDR_MASK || condition.type == FWP_V6_ADDR_MASK;
@@ -81,15 +80,14 @@ class FilterLint {
   }
 
   void LintPlace() {
-    const std::string layer = Catalog::LayerName(filter_.layerKey);
-    if (IsVerdict(filter_) && layer.starts_with("ALE_FLOW_ESTABLISHED_V")) {
+    if (IsVerdict(filter_) && Catalog::IsFlowEstablished(filter_.layerKey)) {
       Add(FindingKind::FlowEstablished,
-          "It decides at " + layer +
+          "It decides at " + Catalog::LayerName(filter_.layerKey) +
               ", where the connection has been authorised already; filters there are not "
               "meant to, and it is asked once for each flow, never again when the policy changes.",
           "decide at the layer that authorises: ALE_AUTH_CONNECT or ALE_AUTH_RECV_ACCEPT");
     }
-    if (IsVerdict(filter_) && filter_.sublayerKey == kInspection) {
+    if (IsVerdict(filter_) && filter_.sublayerKey == Catalog::kInspectionSublayerKey) {
       Add(FindingKind::Refusable, "It decides in INSPECTION, the sublayer for filters that only look.",
           "put it into a sublayer of its own");
     }

@@ -2,38 +2,35 @@
 
 #include <algorithm>
 #include <map>
-#include <string_view>
 
-#include "catalog/Guid.h"
+#include "catalog/Keys.h"
 
 namespace Policy {
 namespace {
 
-using Catalog::operator""_guid;
-
 /// By direction and IP version, in the order of kSectionKeys.
 constexpr std::array<std::array<GUID, 2>, 4> kLayers{{
-    {"c38d57d1-05a7-4c33-904f-7fbceee60e82"_guid, "af80470a-5596-4c13-9992-539e6fe57967"_guid},
-    {"4a72393b-319f-44bc-84c3-ba54dcb3b6b4"_guid, "7021d2b3-dfa4-406e-afeb-6afaf7e70efd"_guid},
-    {"e1cd9fe7-f4b5-4273-96c0-592e487b8650"_guid, "af80470a-5596-4c13-9992-539e6fe57967"_guid},
-    {"a3b42c97-9f04-4672-b87e-cee9c483257f"_guid, "7021d2b3-dfa4-406e-afeb-6afaf7e70efd"_guid},
+    {Catalog::kAleAuthConnectV4LayerKey, Catalog::kAleFlowEstablishedV4LayerKey},
+    {Catalog::kAleAuthConnectV6LayerKey, Catalog::kAleFlowEstablishedV6LayerKey},
+    {Catalog::kAleAuthRecvAcceptV4LayerKey, Catalog::kAleFlowEstablishedV4LayerKey},
+    {Catalog::kAleAuthRecvAcceptV6LayerKey, Catalog::kAleFlowEstablishedV6LayerKey},
 }};
 
-struct NamedField {
-  std::string_view name;
+struct KeyedField {
+  GUID key;
   Field field;
 };
-constexpr NamedField kFields[]{
-    {"FLAGS", Field::Flags},
-    {"IP_LOCAL_INTERFACE", Field::LocalInterface},
-    {"IP_ARRIVAL_INTERFACE", Field::ArrivalInterface},
-    {"IP_NEXTHOP_INTERFACE", Field::NextHopInterface},
-    {"ALE_APP_ID", Field::Application},
-    {"IP_PROTOCOL", Field::Protocol},
-    {"IP_LOCAL_PORT", Field::LocalPort},
-    {"IP_REMOTE_PORT", Field::RemotePort},
-    {"IP_LOCAL_ADDRESS", Field::LocalAddress},
-    {"IP_REMOTE_ADDRESS", Field::RemoteAddress},
+constexpr KeyedField kFields[]{
+    {Catalog::kFlagsFieldKey, Field::Flags},
+    {Catalog::kIpLocalInterfaceFieldKey, Field::LocalInterface},
+    {Catalog::kIpArrivalInterfaceFieldKey, Field::ArrivalInterface},
+    {Catalog::kIpNextHopInterfaceFieldKey, Field::NextHopInterface},
+    {Catalog::kAleAppIdFieldKey, Field::Application},
+    {Catalog::kIpProtocolFieldKey, Field::Protocol},
+    {Catalog::kIpLocalPortFieldKey, Field::LocalPort},
+    {Catalog::kIpRemotePortFieldKey, Field::RemotePort},
+    {Catalog::kIpLocalAddressFieldKey, Field::LocalAddress},
+    {Catalog::kIpRemoteAddressFieldKey, Field::RemoteAddress},
 };
 
 /// Whether a condition on DIRECTION holds; none if it cannot be told.
@@ -64,7 +61,8 @@ Certainty CertaintyOf(const std::vector<const Condition*>& conditions, Direction
   const bool severalNegations = std::ranges::count_if(conditions, isNegated) > 1;
   Certainty certainty = Certainty::Fails;
   for (const Condition* condition : conditions) {
-    const bool isDirection = condition->field != nullptr && condition->field->name == "DIRECTION";
+    const bool isDirection =
+        condition->field != nullptr && condition->field->key == Catalog::kDirectionFieldKey;
     const auto holds =
         isDirection && !severalNegations ? HoldsOfDirection(condition->test, direction) : std::nullopt;
     if (holds.value_or(false)) {
@@ -81,7 +79,7 @@ bool DependsOnUnset(const Test& test) { return test.negated || TestsFlags(test);
 
 std::optional<Field> ModelledField(const Condition& condition) {
   if (condition.field != nullptr) {
-    const auto found = std::ranges::find(kFields, condition.field->name, &NamedField::name);
+    const auto found = std::ranges::find(kFields, condition.field->key, &KeyedField::key);
     if (found != std::end(kFields)) {
       return found->field;
     }
@@ -122,18 +120,17 @@ std::size_t Section::BitOf(std::size_t layer, std::size_t filter) const {
 }
 
 void Section::AddGroups(const Filter& filter, std::size_t bit, GroupsByField& groups) {
-  std::map<std::string_view, std::vector<const Condition*>> fixed;
+  std::map<const Catalog::Field*, std::vector<const Condition*>> fixed;
   for (const Condition& condition : filter.conditions) {
     const std::optional<Field> field = ModelledField(condition);
     if (!field) {
-      const std::string_view name = condition.field == nullptr ? "" : condition.field->name;
-      fixed[name].push_back(&condition);
+      fixed[condition.field].push_back(&condition);
       continue;
     }
     AddTest(bit, *field, condition.test, groups);
   }
   bool inDoubt = Arbitration::IsCallout(filter);
-  for (const auto& [name, conditions] : fixed) {
+  for (const auto& [field, conditions] : fixed) {
     const Certainty certainty = CertaintyOf(conditions, key_.direction);
     inDoubt = inDoubt || certainty == Certainty::InDoubt;
     if (certainty == Certainty::Fails) {

@@ -10,7 +10,7 @@
 #include "Identities.h"
 #include "OptionValues.h"
 #include "PolicyReader.h"
-#include "catalog/Names.h"
+#include "catalog/Keys.h"
 #include "helpers/NetworkInfoException.h"
 
 namespace {
@@ -38,16 +38,17 @@ std::optional<std::string> BlockedApplication(const Policy::Filter& filter) {
     return std::nullopt;
   }
   const Policy::Condition& condition = filter.conditions.front();
-  const bool isApplication = condition.field != nullptr && condition.field->name == "ALE_APP_ID" &&
+  const bool isApplication = condition.field != nullptr &&
+                             condition.field->key == Catalog::kAleAppIdFieldKey &&
                              condition.test.kind == Policy::Test::Kind::IsBytes && !condition.test.negated;
   return isApplication ? std::optional(condition.test.bytes) : std::nullopt;
 }
 
-std::set<std::string> ApplicationsBlockedAt(const Policy::Snapshot& snapshot, const std::string& layer) {
+std::set<std::string> ApplicationsBlockedAt(const Policy::Snapshot& snapshot, const GUID& layer) {
   std::set<std::string> applications;
   for (const Policy::Filter& filter : snapshot.filters) {
     const auto application = BlockedApplication(filter);
-    if (application && Catalog::LayerName(filter.layerKey) == layer) {
+    if (application && filter.layerKey == layer) {
       applications.insert(*application);
     }
   }
@@ -55,11 +56,11 @@ std::set<std::string> ApplicationsBlockedAt(const Policy::Snapshot& snapshot, co
 }
 
 /// Those that are blocked over both IP versions: of one that is free over the other nothing is promised.
-std::vector<std::string> ApplicationsBlocked(const Policy::Snapshot& snapshot, const std::string& layer) {
+std::vector<std::string> ApplicationsBlocked(const Policy::Snapshot& snapshot, const GUID& layerV4,
+                                             const GUID& layerV6) {
   std::vector<std::string> applications;
-  std::ranges::set_intersection(ApplicationsBlockedAt(snapshot, layer + "_V4"),
-                                ApplicationsBlockedAt(snapshot, layer + "_V6"),
-                                std::back_inserter(applications));
+  std::ranges::set_intersection(ApplicationsBlockedAt(snapshot, layerV4),
+                                ApplicationsBlockedAt(snapshot, layerV6), std::back_inserter(applications));
   return applications;
 }
 
@@ -79,8 +80,10 @@ Features::LeakProtection LeakProtection(const StepOptions& options, const std::s
   features.serverAddress = ParseIpV4(options.server.front()).value();
   features.permittedAddresses = Addresses(options.allowed);
   features.nameApplication = nameApplication.empty() ? "" : ReadApplicationId(nameApplication);
-  features.blockedOutbound = ApplicationsBlocked(snapshot, "ALE_AUTH_CONNECT");
-  features.blockedInbound = ApplicationsBlocked(snapshot, "ALE_AUTH_RECV_ACCEPT");
+  features.blockedOutbound =
+      ApplicationsBlocked(snapshot, Catalog::kAleAuthConnectV4LayerKey, Catalog::kAleAuthConnectV6LayerKey);
+  features.blockedInbound = ApplicationsBlocked(snapshot, Catalog::kAleAuthRecvAcceptV4LayerKey,
+                                                Catalog::kAleAuthRecvAcceptV6LayerKey);
   return features;
 }
 

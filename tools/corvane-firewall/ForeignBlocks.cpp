@@ -2,19 +2,11 @@
 
 #include <WfpPlatform.h>
 
-#include <algorithm>
-
 #include "EngineClient.h"
-#include "catalog/Fields.h"
-#include "catalog/Layers.h"
+#include "catalog/Keys.h"
 #include "emulator/ControlExports.h"
 
 namespace {
-
-using Catalog::AllLayers;
-using Catalog::Field;
-using Catalog::kFields;
-using Catalog::Layer;
 
 auto IdentifierOf(const std::wstring& app) {
   FWP_BYTE_BLOB* identifier = nullptr;
@@ -23,15 +15,15 @@ auto IdentifierOf(const std::wstring& app) {
   return Own(identifier);
 }
 
-void AddBlock(HANDLE engine, const char* layer, FWP_BYTE_BLOB* identifier) {
+void AddBlock(HANDLE engine, const GUID& layer, FWP_BYTE_BLOB* identifier) {
   FWPM_FILTER_CONDITION0 condition{};
-  condition.fieldKey = std::ranges::find(kFields, "ALE_APP_ID", &Field::name)->key;
+  condition.fieldKey = Catalog::kAleAppIdFieldKey;
   condition.conditionValue.type = FWP_BYTE_BLOB_TYPE;
   condition.conditionValue.byteBlob = identifier;
   std::wstring name = L"Block of another owner";
   FWPM_FILTER0 filter{};
   filter.displayData.name = name.data();
-  filter.layerKey = std::ranges::find(AllLayers(), layer, &Layer::name)->key;
+  filter.layerKey = layer;
   filter.action.type = FWP_ACTION_BLOCK;
   filter.numFilterConditions = 1;
   filter.filterCondition = &condition;
@@ -48,7 +40,7 @@ void AddForeignBlocks(const std::vector<std::wstring>& apps) {
   for (const std::wstring& app : apps) {
     pretendFileExists(app.c_str());
     const auto identifier = IdentifierOf(app);
-    for (const char* layer : {"ALE_AUTH_CONNECT_V4", "ALE_AUTH_CONNECT_V6"}) {
+    for (const GUID& layer : {Catalog::kAleAuthConnectV4LayerKey, Catalog::kAleAuthConnectV6LayerKey}) {
       AddBlock(engine.get(), layer, identifier.get());
     }
   }

@@ -7,6 +7,7 @@
 #include "PolicyJson.h"
 #include "ReportTemplate.h"
 #include "catalog/Format.h"
+#include "catalog/Keys.h"
 
 namespace {
 
@@ -29,7 +30,8 @@ Json Applications(const Policy::Snapshot& snapshot) {
   for (const Policy::Filter& filter : snapshot.filters) {
     for (const Policy::Condition& condition : filter.conditions) {
       const std::string& bytes = condition.test.bytes;
-      if (condition.test.kind == Policy::Test::Kind::IsBytes && condition.field->name == "ALE_APP_ID") {
+      if (condition.test.kind == Policy::Test::Kind::IsBytes &&
+          condition.field->key == Catalog::kAleAppIdFieldKey) {
         texts[bytes] =
             Catalog::FormatTextOrBytes({reinterpret_cast<const UINT8*>(bytes.data()), bytes.size()});
       }
