@@ -8,23 +8,24 @@ namespace {
 struct NamedRule {
   std::string_view name;
   UINT32 Rules::*rule;
+  bool isRefusal = false;  ///< 0 is lenient
 };
 
 constexpr NamedRule kRules[]{
-    {"refuseComparedNetworks", &Rules::refuseComparedNetworks},
-    {"refuseNotEqualOfOpaqueData", &Rules::refuseNotEqualOfOpaqueData},
-    {"refuseNetMasksWithHoles", &Rules::refuseNetMasksWithHoles},
-    {"refuseUnknownFlags", &Rules::refuseUnknownFlags},
-    {"refuseReservedPointer", &Rules::refuseReservedPointer},
-    {"refuseVerdictsInInspection", &Rules::refuseVerdictsInInspection},
-    {"refuseZeroLayerInTemplate", &Rules::refuseZeroLayerInTemplate},
-    {"refusePersistentInDynamicSession", &Rules::refusePersistentInDynamicSession},
-    {"refuseMissingProviderAsOther", &Rules::refuseMissingProviderAsOther},
-    {"refuseDeletingOthersDynamic", &Rules::refuseDeletingOthersDynamic},
-    {"refuseVerdictsAtFlowEstablished", &Rules::refuseVerdictsAtFlowEstablished},
-    {"refuseExactDuplicates", &Rules::refuseExactDuplicates},
-    {"refuseEmptyNames", &Rules::refuseEmptyNames},
-    {"refuseEmptyBlobs", &Rules::refuseEmptyBlobs},
+    {"refuseComparedNetworks", &Rules::refuseComparedNetworks, true},
+    {"refuseNotEqualOfOpaqueData", &Rules::refuseNotEqualOfOpaqueData, true},
+    {"refuseNetMasksWithHoles", &Rules::refuseNetMasksWithHoles, true},
+    {"refuseUnknownFlags", &Rules::refuseUnknownFlags, true},
+    {"refuseReservedPointer", &Rules::refuseReservedPointer, true},
+    {"refuseVerdictsInInspection", &Rules::refuseVerdictsInInspection, true},
+    {"refuseZeroLayerInTemplate", &Rules::refuseZeroLayerInTemplate, true},
+    {"refusePersistentInDynamicSession", &Rules::refusePersistentInDynamicSession, true},
+    {"refuseMissingProviderAsOther", &Rules::refuseMissingProviderAsOther, true},
+    {"refuseDeletingOthersDynamic", &Rules::refuseDeletingOthersDynamic, true},
+    {"refuseVerdictsAtFlowEstablished", &Rules::refuseVerdictsAtFlowEstablished, true},
+    {"refuseExactDuplicates", &Rules::refuseExactDuplicates, true},
+    {"refuseEmptyNames", &Rules::refuseEmptyNames, true},
+    {"refuseEmptyBlobs", &Rules::refuseEmptyBlobs, true},
     {"invalidHandleCode", &Rules::invalidHandleCode},
     {"failedCommitEndsTransaction", &Rules::failedCommitEndsTransaction},
     {"shuffleEnumerations", &Rules::shuffleEnumerations},
@@ -40,7 +41,7 @@ constexpr NamedRule kRules[]{
 Rules LenientRules() {
   Rules rules;
   for (const NamedRule& entry : kRules) {
-    if (entry.name.starts_with("refuse")) {
+    if (entry.isRefusal) {
       rules.*entry.rule = 0;
     }
   }
