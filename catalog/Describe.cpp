@@ -32,8 +32,8 @@ std::string TokenInformation(const FWP_TOKEN_INFORMATION& token) {
 
 std::string Number32(const GUID& fieldKey, UINT32 number) {
   const Field* field = FindField(fieldKey);
-  if (field != nullptr && field->kind == FieldKind::IpAddress) return FormatIpV4(number);
-  if (field != nullptr && field->kind == FieldKind::Flags) return FormatHex(number);
+  if (field != nullptr && field->type == FWPM_FIELD_IP_ADDRESS) return FormatIpV4(number);
+  if (field != nullptr && field->type == FWPM_FIELD_FLAGS) return FormatHex(number);
   return FormatNumber(number);
 }
 

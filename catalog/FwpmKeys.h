@@ -1,8 +1,10 @@
 /**
  * @file
  * The keys of layers, condition fields and built-in sublayers that the Windows SDK has in fwpmu.h and
- * MinGW-w64 lacks, for C and C++. As there, they are only declared unless the one source file that defines
- * them has INITGUID before its first include. The SDK's own win: with it, this header adds nothing.
+ * MinGW-w64 lacks, for C and C++: of layers the packet, forwarding, transport, ICMP error and ALE
+ * authorisation ones, with their fields; all sublayers. As there, they are only declared unless the one
+ * source file that defines them has INITGUID before its first include. The SDK's own win: with it, this
+ * header adds nothing.
  */
 #pragma once
 

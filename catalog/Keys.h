@@ -1,6 +1,7 @@
 /**
  * @file
- * The keys of fields, layers and sublayers that code asks for. The tables beside this file have the others.
+ * The keys of fields, layers, sublayers and providers that code asks for. The tables beside this file have
+ * the others.
  */
 #pragma once
 
@@ -31,13 +32,17 @@ inline constexpr GUID kAleAuthRecvAcceptV6LayerKey = "a3b42c97-9f04-4672-b87e-ce
 inline constexpr GUID kAleAuthConnectV4LayerKey = "c38d57d1-05a7-4c33-904f-7fbceee60e82"_guid;
 inline constexpr GUID kAleAuthConnectV6LayerKey = "4a72393b-319f-44bc-84c3-ba54dcb3b6b4"_guid;
 inline constexpr GUID kAleFlowEstablishedV4LayerKey = "af80470a-5596-4c13-9992-539e6fe57967"_guid;
-inline constexpr GUID kAleFlowEstablishedV4DiscardLayerKey = "146ae4a9-a1d2-4d43-a31a-4c42682b8e4f"_guid;
 inline constexpr GUID kAleFlowEstablishedV6LayerKey = "7021d2b3-dfa4-406e-afeb-6afaf7e70efd"_guid;
-inline constexpr GUID kAleFlowEstablishedV6DiscardLayerKey = "46928636-bbca-4b76-941d-0fa7f5d7d372"_guid;
 
 /// The sublayer of filters that name none.
 inline constexpr GUID kUniversalSublayerKey = "eebecc03-ced4-4380-819a-2734397b2b74"_guid;
 /// The sublayer for callouts that only look.
 inline constexpr GUID kInspectionSublayerKey = "877519e1-e6a9-41a5-81b4-8c4f118e4a60"_guid;
+
+inline constexpr GUID kServiceHardeningProviderKey = "4b153735-1049-4480-aab4-d1b9bdc03710"_guid;
+inline constexpr GUID kWindowsFirewallProviderKey = "decc16ca-3f33-4346-be1e-8fb4ae0f3d62"_guid;
+inline constexpr GUID kDataProtectionProviderKey = "a90296f7-46b8-4457-8f84-b05e05d3c622"_guid;
+inline constexpr GUID kTenantRestrictionsProviderKey = "d0718ff9-44da-4f50-9dc2-c963a4247613"_guid;
+inline constexpr GUID kAppIsolationProviderKey = "3cc2631f-2d5d-43a0-b174-614837d863a1"_guid;
 
 }  // namespace Catalog

@@ -1,6 +1,6 @@
 /**
  * @file
- * The filtering layers that the catalogue covers, each with the fields that conditions there can test.
+ * The filtering layers of the engine, each with the fields that conditions there can test.
  */
 #pragma once
 
@@ -11,37 +11,89 @@
 #include <string_view>
 
 #include "catalog/Fields.h"
-#include "catalog/Keys.h"
+#include "catalog/WindowsVersion.h"
 
 namespace Catalog {
 
 /// The IP version of the traffic that a layer sees.
 enum class IpVersion { V4, V6 };
 
-/// A layer of the engine. The fields belong to kFields.
-struct Layer {
-  std::string_view name;  ///< less the prefix FWPM_LAYER_
-  GUID key;
-  IpVersion ipVersion;
-  std::optional<UINT16> runtimeId;  ///< as in the engine's events; empty where not known
-  std::span<const Field* const> fields;
-  GUID defaultSublayerKey = kUniversalSublayerKey;
+/// Layers that differ only in IP version and direction, or in being a twin for discarded traffic.
+enum class LayerFamily {
+  InboundIpPacket,
+  OutboundIpPacket,
+  IpForward,
+  InboundTransport,
+  OutboundTransport,
+  Stream,
+  DatagramData,
+  InboundIcmpError,
+  OutboundIcmpError,
+  AleResourceAssignment,
+  AleAuthListen,
+  AleAuthRecvAccept,
+  AleAuthConnect,
+  AleFlowEstablished,
+  MacFrameEthernet,
+  MacFrameNative,
+  NameResolutionCache,
+  AleResourceRelease,
+  AleEndpointClosure,
+  AleConnectRedirect,
+  AleBindRedirect,
+  StreamPacket,
+  VswitchEthernet,
+  VswitchTransport,
+  Fast,
+  Reserved,
+  AleAcceptRedirect,
+  NetworkConnectionPolicy,
+  IpsecKmDemux,
+  Ipsec,
+  Ikeext,
+  Rpc,
+  KmAuthorization,
 };
 
-/// All layers, families together.
-std::span<const Layer> AllLayers();
+/// A field as a layer has it.
+struct LayerField {
+  const Field* field;
+  FWPM_FIELD_TYPE type;
+  FWP_DATA_TYPE dataType;  ///< of what it holds; conditions can test other types, see TypesOf
+};
 
-/// The layer with a key; null if the catalogue has none.
-const Layer* FindLayer(const GUID& key);
+/// A layer of one version of Windows.
+struct Layer {
+  std::string_view name;  ///< less the prefix FWPM_LAYER_
+  bool hasSymbol;         ///< false: public headers have no name for the key; `name` is made up
+  GUID key;
+  UINT16 id;  ///< as in the engine's events
+  std::string_view displayName;
+  UINT32 flags;  ///< FWPM_LAYER_FLAG_*
+  LayerFamily family;
+  std::optional<IpVersion> ipVersion;  ///< none: it sees both or neither
+  std::span<const LayerField> fields;  ///< in the engine's order
+  GUID defaultSublayerKey;
+};
 
-/// The layer with a runtime id; null if the catalogue has none.
-const Layer* FindLayer(UINT16 runtimeId);
+/// All layers, by rising id. A layer's id is its place.
+std::span<const Layer> AllLayers(WindowsVersion version = kNewestWindows);
+
+/// The layer with a key; null if there is none.
+const Layer* FindLayer(const GUID& key, WindowsVersion version = kNewestWindows);
+
+/// The layer with a runtime id; null if there is none.
+const Layer* FindLayer(UINT16 id, WindowsVersion version = kNewestWindows);
+
+/// The layer with a name; null if there is none.
+const Layer* FindLayer(std::string_view name, WindowsVersion version = kNewestWindows);
 
 /// Whether a layer is ALE_FLOW_ESTABLISHED of either IP version, or its twin for discarded traffic.
 bool IsFlowEstablished(const GUID& layerKey);
 
-/// Whether conditions at a layer can test a field.
-bool HasField(const Layer& layer, const Field& field);
+/// The field as conditions at a layer can test it; null if they cannot.
+/// @param field one of kFields.
+const LayerField* FieldAt(const Layer& layer, const Field& field);
 
 /// The types that a condition's value can have, besides FWP_RANGE_TYPE of a sortable type and FWP_EMPTY.
 struct ConditionTypes {
@@ -49,7 +101,8 @@ struct ConditionTypes {
   std::optional<FWP_DATA_TYPE> alternative;
 };
 
-/// The types of conditions on a field at a layer. For an IP address: the address itself, or a network.
-ConditionTypes TypesAt(const Layer& layer, const Field& field);
+/// The types of conditions on a field of a layer. For an IP address: the address itself, or a network. Who
+/// somebody is, is tested with a security descriptor that grants access or does not.
+ConditionTypes TypesOf(const LayerField& field);
 
 }  // namespace Catalog

@@ -3,11 +3,13 @@
 #include <algorithm>
 #include <array>
 #include <span>
-#include <string_view>
 
+#include "catalog/Callouts.h"
 #include "catalog/Fields.h"
+#include "catalog/Flags.h"
 #include "catalog/Format.h"
 #include "catalog/Layers.h"
+#include "catalog/Providers.h"
 #include "catalog/Sublayers.h"
 
 namespace Catalog {
@@ -72,61 +74,20 @@ constexpr auto kDataTypes = std::to_array<NamedNumber>({
     {0x102, "RANGE"},
 });
 
-constexpr auto kFilterFlags = std::to_array<NamedNumber>({
-    {0x40, "INDEXED"},
-    {0x20, "DISABLED"},
-    {0x10, "PERMIT_IF_CALLOUT_UNREGISTERED"},
-    {0x8, "CLEAR_ACTION_RIGHT"},
-    {0x4, "HAS_PROVIDER_CONTEXT"},
-    {0x2, "BOOTTIME"},
-    {0x1, "PERSISTENT"},
-});
-
-constexpr auto kConditionFlags = std::to_array<NamedNumber>({
-    {0x2000000, "IS_HONORING_POLICY_AUTHORIZE"},
-    {0x1000000, "IS_RESERVED"},
-    {0x800000, "IS_NON_APPCONTAINER_LOOPBACK"},
-    {0x400000, "IS_APPCONTAINER_LOOPBACK"},
-    {0x200000, "IS_PROXY_CONNECTION"},
-    {0x100000, "IS_CONNECTION_REDIRECTED"},
-    {0x80000, "IS_INBOUND_PASS_THRU"},
-    {0x40000, "IS_OUTBOUND_PASS_THRU"},
-    {0x20000, "IS_RECLASSIFY"},
-    {0x10000, "IS_AUTH_FW"},
-    {0x8000, "IS_PROMISCUOUS"},
-    {0x4000, "IS_NAME_APP_SPECIFIED"},
-    {0x400, "IS_REASSEMBLED"},
-    {0x200, "IS_IMPLICIT_BIND"},
-    {0x100, "REQUIRES_ALE_CLASSIFY"},
-    {0x80, "IS_IPSEC_NATT_RECLASSIFY"},
-    {0x40, "IS_FRAGMENT_GROUP"},
-    {0x20, "IS_FRAGMENT"},
-    {0x10, "IS_RAW_ENDPOINT"},
-    {0x8, "IS_WILDCARD_BIND"},
-    {0x4, "IS_REAUTHORIZE"},
-    {0x2, "IS_IPSEC_SECURED"},
-    {0x1, "IS_LOOPBACK"},
-});
-
 template <class Entry>
 std::string NameOrKey(const Entry* entry, const GUID& key) {
   return entry == nullptr ? FormatGuid(key) : std::string(entry->name);
 }
 
+template <class Number>
+std::optional<Number> NumberOfName(std::span<const NamedNumber> table, std::string_view name) {
+  const auto known = std::ranges::find(table, name, &NamedNumber::name);
+  return known == table.end() ? std::nullopt : std::optional(static_cast<Number>(known->number));
+}
+
 std::string NameOrNumber(std::span<const NamedNumber> table, UINT32 number) {
   const auto known = std::ranges::find(table, number, &NamedNumber::number);
   return known == table.end() ? FormatNumber(number) : std::string(known->name);
-}
-
-std::string BitNames(std::span<const NamedNumber> table, UINT32 bits) {
-  std::string names;
-  for (const auto& [bit, name] : table) {
-    if ((bits & bit) == 0) continue;
-    names.append(names.empty() ? "" : "|").append(name);
-    bits &= ~bit;
-  }
-  if (bits != 0) names.append(names.empty() ? "" : "|").append(FormatHex(bits));
-  return names.empty() ? "-" : names;
 }
 
 }  // namespace
@@ -145,14 +106,30 @@ std::string FieldName(const GUID& key) { return NameOrKey(FindField(key), key); 
 
 std::string SublayerName(const GUID& key) { return NameOrKey(FindBuiltInSublayer(key), key); }
 
+std::string ProviderName(const GUID& key) { return NameOrKey(FindBuiltInProvider(key), key); }
+
+std::string CalloutName(const GUID& key) { return NameOrKey(FindBuiltInCallout(key), key); }
+
 std::string ActionName(FWP_ACTION_TYPE action) { return NameOrNumber(kActions, action); }
 
 std::string MatchName(FWP_MATCH_TYPE match) { return NameOrNumber(kMatches, static_cast<UINT32>(match)); }
 
 std::string DataTypeName(FWP_DATA_TYPE type) { return NameOrNumber(kDataTypes, static_cast<UINT32>(type)); }
 
-std::string FilterFlagNames(UINT32 flags) { return BitNames(kFilterFlags, flags); }
+std::optional<FWP_ACTION_TYPE> FindAction(std::string_view name) {
+  return NumberOfName<FWP_ACTION_TYPE>(kActions, name);
+}
 
-std::string ConditionFlagNames(UINT32 flags) { return BitNames(kConditionFlags, flags); }
+std::optional<FWP_MATCH_TYPE> FindMatch(std::string_view name) {
+  return NumberOfName<FWP_MATCH_TYPE>(kMatches, name);
+}
+
+std::optional<FWP_DATA_TYPE> FindDataType(std::string_view name) {
+  return NumberOfName<FWP_DATA_TYPE>(kDataTypes, name);
+}
+
+std::string FilterFlagNames(UINT32 flags) { return FlagNames(kFilterFlags, flags); }
+
+std::string ConditionFlagNames(UINT32 flags) { return FlagNames(kConditionFlags, flags); }
 
 }  // namespace Catalog

@@ -8,7 +8,9 @@
 
 #include <WfpPlatform.h>
 
+#include <optional>
 #include <string>
+#include <string_view>
 
 namespace Catalog {
 
@@ -20,6 +22,10 @@ std::string LayerName(const GUID& key);
 std::string FieldName(const GUID& key);
 /// "UNIVERSAL", for the sublayers that are built into the engine.
 std::string SublayerName(const GUID& key);
+/// "MPSSVC_WF", for the providers that are built into the engine.
+std::string ProviderName(const GUID& key);
+/// "IPSEC_ALE_CONNECT_V4", for the callouts that are built into the engine.
+std::string CalloutName(const GUID& key);
 /// "PERMIT", "BLOCK", "CALLOUT_TERMINATING", ...
 std::string ActionName(FWP_ACTION_TYPE action);
 /// "EQUAL", "NOT_EQUAL", ...
@@ -32,5 +38,10 @@ std::string FilterFlagNames(UINT32 flags);
 std::string ConditionFlagNames(UINT32 flags);
 /// "FWP_E_IN_USE (0x8032000a)", "ERROR_ACCESS_DENIED (0x00000005)".
 std::string ErrorName(DWORD code);
+
+/// The number of a name that ActionName, MatchName or DataTypeName gives; nothing for others.
+std::optional<FWP_ACTION_TYPE> FindAction(std::string_view name);
+std::optional<FWP_MATCH_TYPE> FindMatch(std::string_view name);
+std::optional<FWP_DATA_TYPE> FindDataType(std::string_view name);
 
 }  // namespace Catalog

@@ -1,105 +1,110 @@
 #include "emulator/BuiltIns.h"
 
+#include <array>
 #include <string>
 
-#include "catalog/Keys.h"
+#include "catalog/Callouts.h"
 #include "catalog/Layers.h"
+#include "catalog/Providers.h"
 #include "catalog/Sublayers.h"
 #include "emulator/MakeObject.h"
 
 namespace EngineEmulator {
 namespace {
 
-using Catalog::operator""_guid;
+constexpr Origin kBuiltIn{Lifetime::BuiltIn, nullptr};
 
-struct SublayerWeight {
-  GUID key;
-  UINT32 Rules::*weight;
-};
+std::wstring Wide(std::string_view ascii) { return {ascii.begin(), ascii.end()}; }
 
-constexpr SublayerWeight kWeights[]{
-    {"b3cdd441-af90-41ba-a745-7c6008ff2300"_guid, &Rules::weightOfServiceHardening},
-    {"b3cdd441-af90-41ba-a745-7c6008ff2301"_guid, &Rules::weightOfWindowsFirewall},
-    {Catalog::kUniversalSublayerKey, &Rules::weightOfUniversal},
-};
-
-UINT16 WeightOf(const GUID& key, const Rules& rules) {
-  // The one whose weight is known.
-  if (key == Catalog::kInspectionSublayerKey) {
-    return 0;
-  }
-  const auto* found = std::ranges::find(kWeights, key, &SublayerWeight::key);
-  const auto weight = found == std::end(kWeights) ? &Rules::weightOfOtherSublayers : found->weight;
-  return static_cast<UINT16>(rules.*weight);
-}
-
-FWPM_FIELD_TYPE FieldTypeOf(const Catalog::Field& field) {
-  switch (field.kind) {
-    case Catalog::FieldKind::IpAddress:
-      return FWPM_FIELD_IP_ADDRESS;
-    case Catalog::FieldKind::Flags:
-      return FWPM_FIELD_FLAGS;
-    default:
-      return FWPM_FIELD_RAW_DATA;
-  }
-}
-
-/// What the field holds, which is what conditions test unless the field identifies somebody.
-FWP_DATA_TYPE DataTypeOf(const Catalog::Layer& layer, const Catalog::Field& field) {
-  return field.kind == Catalog::FieldKind::Token ? FWP_TOKEN_ACCESS_INFORMATION_TYPE
-                                                 : Catalog::TypesAt(layer, field).type;
-}
-
-ObjectPtr<FWPM_LAYER0> MakeLayer(const Catalog::Layer& layer, UINT64 number) {
-  constexpr UINT32 kKernelAndBuiltIn = 0x3;
-  std::wstring name(layer.name.begin(), layer.name.end());
+ObjectPtr<FWPM_LAYER0> Make(const Catalog::Layer& layer, UINT64) {
+  std::wstring name = Wide(layer.displayName);
   std::vector<GUID> keys;
   keys.reserve(layer.fields.size());
   std::vector<FWPM_FIELD0> fields;
-  for (const Catalog::Field* field : layer.fields) {
-    keys.push_back(field->key);
-    fields.push_back({&keys.back(), FieldTypeOf(*field), DataTypeOf(layer, *field)});
+  for (const Catalog::LayerField& field : layer.fields) {
+    keys.push_back(field.field->key);
+    fields.push_back({&keys.back(), field.type, field.dataType});
   }
   FWPM_LAYER0 record{};
   record.layerKey = layer.key;
   record.displayData.name = name.data();
-  record.flags = kKernelAndBuiltIn;
+  record.flags = layer.flags;
   record.numFields = static_cast<UINT32>(fields.size());
   record.field = fields.data();
   record.defaultSubLayerKey = layer.defaultSublayerKey;
-  record.layerId = static_cast<UINT16>(number);
-  return MakeObject(record, {Lifetime::BuiltIn, nullptr}, number);
+  record.layerId = layer.id;
+  return MakeObject(record, kBuiltIn, layer.id);
 }
 
-std::vector<ObjectPtr<FWPM_LAYER0>> MakeLayers() {
-  // Layers whose id is not known get one that Windows is far from using.
-  UINT64 nextUnknown = 0xFF00;
-  std::vector<ObjectPtr<FWPM_LAYER0>> layers;
-  for (const Catalog::Layer& layer : Catalog::AllLayers()) {
-    layers.push_back(MakeLayer(layer, layer.runtimeId.has_value() ? *layer.runtimeId : nextUnknown++));
+ObjectPtr<FWPM_PROVIDER0> Make(const Catalog::BuiltInProvider& provider, UINT64 number) {
+  std::wstring name = Wide(provider.name);
+  std::wstring service = Wide(provider.service);
+  FWPM_PROVIDER0 record{};
+  record.providerKey = provider.key;
+  record.displayData.name = name.data();
+  record.serviceName = service.empty() ? nullptr : service.data();
+  return MakeObject(record, kBuiltIn, number);
+}
+
+ObjectPtr<FWPM_SUBLAYER0> Make(const Catalog::BuiltInSublayer& sublayer, UINT64 number) {
+  std::wstring name = Wide(sublayer.name);
+  GUID provider = sublayer.providerKey.value_or(GUID{});
+  FWPM_SUBLAYER0 record{};
+  record.subLayerKey = sublayer.key;
+  record.displayData.name = name.data();
+  record.providerKey = sublayer.providerKey ? &provider : nullptr;
+  record.weight = sublayer.weight;
+  return MakeObject(record, kBuiltIn, number);
+}
+
+ObjectPtr<FWPM_CALLOUT0> Make(const Catalog::BuiltInCallout& callout, UINT64) {
+  std::wstring name = Wide(callout.name);
+  FWPM_CALLOUT0 record{};
+  record.calloutKey = callout.key;
+  record.displayData.name = name.data();
+  record.flags = callout.flags;
+  record.applicableLayer = Catalog::FindLayer(callout.layer)->key;
+  record.calloutId = callout.id;
+  return MakeObject(record, kBuiltIn, callout.id);
+}
+
+template <class Native, class Entries>
+std::vector<ObjectPtr<Native>> MakeAll(const Entries& entries) {
+  UINT64 number = 1;
+  std::vector<ObjectPtr<Native>> objects;
+  objects.reserve(entries.size());
+  for (const auto& entry : entries) {
+    objects.push_back(Make(entry, number++));
   }
-  return layers;
+  return objects;
 }
 
 }  // namespace
 
-const std::vector<ObjectPtr<FWPM_LAYER0>>& Layers() {
-  static const std::vector<ObjectPtr<FWPM_LAYER0>> kLayers = MakeLayers();
-  return kLayers;
+const std::vector<ObjectPtr<FWPM_LAYER0>>& Layers(Catalog::WindowsVersion version) {
+  static const auto kLayers = [] {
+    std::array<std::vector<ObjectPtr<FWPM_LAYER0>>, Catalog::kWindowsVersions.size()> layers;
+    for (const auto each : Catalog::kWindowsVersions) {
+      layers[static_cast<std::size_t>(each)] = MakeAll<FWPM_LAYER0>(Catalog::AllLayers(each));
+    }
+    return layers;
+  }();
+  return kLayers[static_cast<std::size_t>(version)];
 }
 
-std::vector<ObjectPtr<FWPM_SUBLAYER0>> MakeBuiltInSublayers(const Rules& rules) {
-  UINT64 number = 1;
-  std::vector<ObjectPtr<FWPM_SUBLAYER0>> sublayers;
-  for (const Catalog::BuiltInSublayer& builtIn : Catalog::kBuiltInSublayers) {
-    std::wstring name(builtIn.name.begin(), builtIn.name.end());
-    FWPM_SUBLAYER0 record{};
-    record.subLayerKey = builtIn.key;
-    record.displayData.name = name.data();
-    record.weight = WeightOf(builtIn.key, rules);
-    sublayers.push_back(MakeObject(record, {Lifetime::BuiltIn, nullptr}, number++));
-  }
-  return sublayers;
+const std::vector<ObjectPtr<FWPM_PROVIDER0>>& BuiltInProviders() {
+  static const auto kProviders = MakeAll<FWPM_PROVIDER0>(Catalog::kBuiltInProviders);
+  return kProviders;
+}
+
+const std::vector<ObjectPtr<FWPM_SUBLAYER0>>& BuiltInSublayers() {
+  static const auto kSublayers = MakeAll<FWPM_SUBLAYER0>(Catalog::kBuiltInSublayers);
+  return kSublayers;
+}
+
+const std::vector<ObjectPtr<FWPM_CALLOUT0>>& BuiltInCallouts() {
+  static const auto kCallouts = MakeAll<FWPM_CALLOUT0>(Catalog::BuiltInCallouts());
+  return kCallouts;
 }
 
 }  // namespace EngineEmulator

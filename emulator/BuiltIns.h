@@ -1,21 +1,22 @@
 /**
  * @file
- * The objects that come with the system.
+ * The objects that come with the system. Every engine shares them.
  */
 #pragma once
 
 #include <vector>
 
+#include "catalog/WindowsVersion.h"
 #include "emulator/ObjectStore.h"
-#include "emulator/Rules.h"
 
 namespace EngineEmulator {
 
-/// The layers of the catalogue, each with its fields. A layer's number is its runtime id. Every engine
-/// shares them.
-const std::vector<ObjectPtr<FWPM_LAYER0>>& Layers();
+/// The layers of a version of Windows, each with its fields. A layer's number is its runtime id.
+const std::vector<ObjectPtr<FWPM_LAYER0>>& Layers(Catalog::WindowsVersion version);
 
-/// The sublayers of the catalogue, with the weights that the rules give them.
-std::vector<ObjectPtr<FWPM_SUBLAYER0>> MakeBuiltInSublayers(const Rules& rules);
+const std::vector<ObjectPtr<FWPM_PROVIDER0>>& BuiltInProviders();
+const std::vector<ObjectPtr<FWPM_SUBLAYER0>>& BuiltInSublayers();
+/// A callout's number is its id.
+const std::vector<ObjectPtr<FWPM_CALLOUT0>>& BuiltInCallouts();
 
 }  // namespace EngineEmulator

@@ -229,12 +229,14 @@ std::string NameOfType(const FWP_CONDITION_VALUE0& value) {
 Refusal CheckCombination(const FWPM_FILTER_CONDITION0& condition, const Catalog::Layer& layer,
                          const Rules& rules) {
   const FWP_CONDITION_VALUE0& value = condition.conditionValue;
-  const Catalog::Field* field = Catalog::FindField(condition.fieldKey);
-  const std::string name = Catalog::FieldName(condition.fieldKey);
-  if (field == nullptr || !Catalog::HasField(layer, *field)) {
-    return {FWP_E_CONDITION_NOT_FOUND, name + " is not a field of " + std::string(layer.name)};
+  const Catalog::Field* known = Catalog::FindField(condition.fieldKey);
+  const Catalog::LayerField* field = known == nullptr ? nullptr : Catalog::FieldAt(layer, *known);
+  if (field == nullptr) {
+    return {FWP_E_CONDITION_NOT_FOUND,
+            Catalog::FieldName(condition.fieldKey) + " is not a field of " + std::string(layer.name)};
   }
-  const Catalog::ConditionTypes types = Catalog::TypesAt(layer, *field);
+  const std::string name(known->name);
+  const Catalog::ConditionTypes types = Catalog::TypesOf(*field);
   if (!FitsField(value, types)) {
     return {FWP_E_TYPE_MISMATCH, name + " at " + std::string(layer.name) + " is of type " +
                                      Catalog::DataTypeName(types.type) + ", not " + NameOfType(value)};

@@ -47,13 +47,13 @@ void FillSublayer(FWPM_FILTER0& filter) {
 
 template <class Native>
 ObjectPtr<Native> MakeNumbered(const Native& record, const Origin& origin, UINT64 number,
-                               std::shared_ptr<const SecurityDescriptor> security) {
+                               std::shared_ptr<const SecurityDescriptor> security, const Rules&) {
   return MakeObject(record, origin, number, std::move(security));
 }
 
 template <>
 ObjectPtr<FWPM_CALLOUT0> MakeNumbered(const FWPM_CALLOUT0& record, const Origin& origin, UINT64 number,
-                                      std::shared_ptr<const SecurityDescriptor> security) {
+                                      std::shared_ptr<const SecurityDescriptor> security, const Rules&) {
   FWPM_CALLOUT0 numbered = record;
   numbered.calloutId = static_cast<UINT32>(number);
   return MakeObject(numbered, origin, number, std::move(security));
@@ -61,8 +61,8 @@ ObjectPtr<FWPM_CALLOUT0> MakeNumbered(const FWPM_CALLOUT0& record, const Origin&
 
 template <>
 ObjectPtr<FWPM_FILTER0> MakeNumbered(const FWPM_FILTER0& record, const Origin& origin, UINT64 number,
-                                     std::shared_ptr<const SecurityDescriptor> security) {
-  UINT64 weight = EffectiveWeight(record);
+                                     std::shared_ptr<const SecurityDescriptor> security, const Rules& rules) {
+  UINT64 weight = EffectiveWeight(record, rules);
   FWPM_FILTER0 numbered = record;
   numbered.filterId = number;
   numbered.effectiveWeight.type = FWP_UINT64;
@@ -76,18 +76,21 @@ std::string Text(UINT64 number) { return std::to_string(number); }
 }  // namespace
 
 Engine::Engine() : nextNumber_(kFirstNumber), nextCalloutNumber_(kFirstCalloutNumber) {
-  for (const auto& layer : Layers()) {
-    committed_.Add(layer);
-  }
-  for (const auto& sublayer : MakeBuiltInSublayers(rules_)) {
-    committed_.Add(sublayer);
-  }
+  const auto add = [this](const auto& objects) {
+    for (const auto& object : objects) {
+      committed_.Add(object);
+    }
+  };
+  add(Layers(rules_.Version()));
+  add(BuiltInProviders());
+  add(BuiltInSublayers());
+  add(BuiltInCallouts());
 }
 
 void Engine::SetRules(const Rules& rules) {
   rules_ = rules;
-  for (const auto& sublayer : MakeBuiltInSublayers(rules_)) {
-    committed_.Replace(sublayer);
+  for (const auto& layer : Layers(rules_.Version())) {
+    committed_.Replace(layer);
   }
 }
 
@@ -130,7 +133,7 @@ DWORD Engine::Add(Session& session, const Native& record, PSECURITY_DESCRIPTOR s
     return Refuse({FWP_E_ALREADY_EXISTS, std::string("there is a ") + Kind<Native>::kName + " " + Text(key)});
   }
   UINT64& next = std::is_same_v<Native, FWPM_CALLOUT0> ? nextCalloutNumber_ : nextNumber_;
-  const ObjectPtr<Native> object = MakeNumbered(filled, origin, next++, std::move(descriptor));
+  const ObjectPtr<Native> object = MakeNumbered(filled, origin, next++, std::move(descriptor), rules_);
   policy->template Add<Native>(object);
   if (number != nullptr) {
     *number = object->number;

@@ -1,6 +1,7 @@
 #include <set>
 
 #include "catalog/Describe.h"
+#include "catalog/Flags.h"
 #include "catalog/Keys.h"
 #include "catalog/Names.h"
 #include "emulator/Checks.h"
@@ -39,7 +40,7 @@ Refusal CheckFlags(const FWPM_FILTER0& filter, const CheckContext& context) {
             Catalog::FilterFlagNames(filter.flags & kFlagsOfTheEngine) + " is for the engine to set"};
   }
   if ((filter.flags & ~kFlagsOfClients) != 0 && context.rules.refuseUnknownFlags != 0) {
-    return {FWP_E_INVALID_FLAGS, "there are flags without a meaning among " +
+    return {FWP_E_INVALID_FLAGS, "there are flags that clients do not give: " +
                                      Catalog::FilterFlagNames(filter.flags & ~kFlagsOfClients)};
   }
   if ((filter.flags & kNeverBoth) == kNeverBoth) {
@@ -70,14 +71,17 @@ Refusal CheckName(const FWPM_FILTER0& filter, const CheckContext& context) {
 }
 
 Refusal CheckLayer(const FWPM_FILTER0& filter, const CheckContext& context) {
-  const Catalog::Layer* layer = Catalog::FindLayer(filter.layerKey);
+  const Catalog::Layer* layer = Catalog::FindLayer(filter.layerKey, context.rules.Version());
   if (layer == nullptr) {
     return {FWP_E_LAYER_NOT_FOUND, "the layer " + Catalog::FormatGuid(filter.layerKey) + " does not exist"};
   }
-  if (Catalog::IsFlowEstablished(layer->key) && !NamesCallout(filter.action) &&
+  if (layer->family == Catalog::LayerFamily::AleFlowEstablished && !NamesCallout(filter.action) &&
       context.rules.refuseVerdictsAtFlowEstablished != 0) {
     return {FWP_E_ACTION_INCOMPATIBLE_WITH_LAYER,
             Catalog::ActionName(filter.action.type) + " is no action for " + std::string(layer->name)};
+  }
+  if ((filter.flags & FWPM_FILTER_FLAG_BOOTTIME) != 0 && (layer->flags & Catalog::kKernelLayerFlag) == 0) {
+    return {FWP_E_INCOMPATIBLE_LAYER, std::string(layer->name) + " is not there before the engine runs"};
   }
   return {};
 }
@@ -161,7 +165,7 @@ Refusal CheckWeight(const FWPM_FILTER0& filter, const CheckContext&) {
 }
 
 Refusal CheckConditions(const FWPM_FILTER0& filter, const CheckContext& context) {
-  const Catalog::Layer& layer = *Catalog::FindLayer(filter.layerKey);
+  const Catalog::Layer& layer = *Catalog::FindLayer(filter.layerKey, context.rules.Version());
   std::set<std::string> seen;
   for (UINT32 index = 0; index < filter.numFilterConditions; ++index) {
     const FWPM_FILTER_CONDITION0& condition = filter.filterCondition[index];

@@ -30,10 +30,7 @@ constexpr NamedRule kRules[]{
     {"failedCommitEndsTransaction", &Rules::failedCommitEndsTransaction},
     {"shuffleEnumerations", &Rules::shuffleEnumerations},
     {"lockWaitMilliseconds", &Rules::lockWaitMilliseconds},
-    {"weightOfServiceHardening", &Rules::weightOfServiceHardening},
-    {"weightOfWindowsFirewall", &Rules::weightOfWindowsFirewall},
-    {"weightOfUniversal", &Rules::weightOfUniversal},
-    {"weightOfOtherSublayers", &Rules::weightOfOtherSublayers},
+    {"windowsBuild", &Rules::windowsBuild},
 };
 
 }  // namespace

@@ -1,12 +1,14 @@
 /**
  * @file
- * The switches for what the platform's documentation leaves open.
+ * The switches for what the platform's documentation leaves open, and for what differs between its versions.
  */
 #pragma once
 
 #include <WfpPlatform.h>
 
 #include <string_view>
+
+#include "catalog/WindowsVersion.h"
 
 namespace EngineEmulator {
 
@@ -49,10 +51,10 @@ struct Rules {
   UINT32 shuffleEnumerations = 0;
   /// How long a session that does not say waits for the write lock.
   UINT32 lockWaitMilliseconds = 15'000;
-  UINT32 weightOfServiceHardening = 0x7000;  ///< of the sublayer MPSSVC_WSH
-  UINT32 weightOfWindowsFirewall = 0x6000;   ///< of the sublayer MPSSVC_WF
-  UINT32 weightOfUniversal = 0x4000;         ///< of the sublayer UNIVERSAL
-  UINT32 weightOfOtherSublayers = 0x2000;    ///< of the other built-in ones; INSPECTION is known to have 0
+  /// The build of Windows that the engine is of. To be set before anything is added.
+  UINT32 windowsBuild = 26100;
+
+  Catalog::WindowsVersion Version() const { return Catalog::VersionOfBuild(windowsBuild); }
 };
 
 /// Refuses nothing but what the documentation says is refused.

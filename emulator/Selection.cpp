@@ -82,7 +82,7 @@ Refusal CheckTemplate(const FWPM_FILTER_ENUM_TEMPLATE0* criteria, const Rules& r
     return {FWP_E_NULL_POINTER, "the template has a number of conditions but no array of them"};
   }
   const bool anyLayer = criteria->layerKey == GUID{} && rules.refuseZeroLayerInTemplate == 0;
-  const Catalog::Layer* layer = Catalog::FindLayer(criteria->layerKey);
+  const Catalog::Layer* layer = Catalog::FindLayer(criteria->layerKey, rules.Version());
   if (layer == nullptr) {
     return anyLayer ? Refusal()
                     : Refusal(FWP_E_LAYER_NOT_FOUND, "the layer " + Catalog::FormatGuid(criteria->layerKey) +

@@ -1,120 +1,28 @@
 #include "emulator/Weights.h"
 
-#include <algorithm>
-#include <cstring>
-#include <limits>
-#include <optional>
 #include <span>
-#include <vector>
 
-#include "catalog/Keys.h"
 #include "catalog/Layers.h"
+#include "emulator/GuessedWeights.h"
 
 namespace EngineEmulator {
 namespace {
 
-constexpr UINT64 kRemoteAddressExact = UINT64{1} << 57;
-constexpr UINT64 kRemoteAddressRange = UINT64{1} << 55;
-
-/// How much a condition leaves open, from most to least.
-enum class Narrowness { Everything, Range, Exact };
-
-template <class Number>
-Narrowness OfNumbers(Number low, Number high) {
-  if (low == high) {
-    return Narrowness::Exact;
-  }
-  const bool everything =
-      low == std::numeric_limits<Number>::min() && high == std::numeric_limits<Number>::max();
-  return everything ? Narrowness::Everything : Narrowness::Range;
-}
-
-Narrowness OfAddresses(const FWP_BYTE_ARRAY16& low, const FWP_BYTE_ARRAY16& high) {
-  if (std::memcmp(&low, &high, sizeof(low)) == 0) {
-    return Narrowness::Exact;
-  }
-  const bool everything = std::ranges::count(low.byteArray16, 0) == std::ssize(low.byteArray16) &&
-                          std::ranges::count(high.byteArray16, 0xFF) == std::ssize(high.byteArray16);
-  return everything ? Narrowness::Everything : Narrowness::Range;
-}
-
-Narrowness OfRange(const FWP_RANGE0& range) {
-  switch (range.valueLow.type) {
-    case FWP_UINT8:
-      return OfNumbers(range.valueLow.uint8, range.valueHigh.uint8);
-    case FWP_UINT16:
-      return OfNumbers(range.valueLow.uint16, range.valueHigh.uint16);
-    case FWP_UINT32:
-      return OfNumbers(range.valueLow.uint32, range.valueHigh.uint32);
-    case FWP_UINT64:
-      return OfNumbers(*range.valueLow.uint64, *range.valueHigh.uint64);
-    case FWP_BYTE_ARRAY16_TYPE:
-      return OfAddresses(*range.valueLow.byteArray16, *range.valueHigh.byteArray16);
-    default:
-      return Narrowness::Range;
-  }
-}
-
-Narrowness OfPrefix(UINT32 length, UINT32 longest) {
-  return length == 0 ? Narrowness::Everything : length < longest ? Narrowness::Range : Narrowness::Exact;
-}
-
-Narrowness OfCondition(const FWPM_FILTER_CONDITION0& condition) {
-  const FWP_CONDITION_VALUE0& value = condition.conditionValue;
-  switch (value.type) {
-    case FWP_RANGE_TYPE:
-      return OfRange(*value.rangeValue);
-    case FWP_V4_ADDR_MASK:
-      return value.v4AddrMask->mask == 0            ? Narrowness::Everything
-             : value.v4AddrMask->mask == 0xFFFFFFFF ? Narrowness::Exact
-                                                    : Narrowness::Range;
-    case FWP_V6_ADDR_MASK:
-      return OfPrefix(value.v6AddrMask->prefixLength, 128);
-    default:
-      return condition.matchType == FWP_MATCH_EQUAL ? Narrowness::Exact : Narrowness::Range;
-  }
-}
-
-/// The neighbouring shares overlap by a bit: two bits for each field of a layer do not fit.
-UINT64 ShareOf(const GUID& field, std::size_t position, Narrowness narrowness) {
-  switch (narrowness) {
-    case Narrowness::Everything:
-      return 0;
-    case Narrowness::Range:
-      return field == Catalog::kIpRemoteAddressFieldKey ? kRemoteAddressRange : UINT64{1} << position;
-    case Narrowness::Exact:
-      return field == Catalog::kIpRemoteAddressFieldKey ? kRemoteAddressExact : UINT64{2} << position;
-  }
-  return 0;
-}
-
-UINT64 AutoWeight(const FWPM_FILTER0& filter) {
-  const std::span fields = Catalog::FindLayer(filter.layerKey)->fields;
-  // Of several conditions on a field, one is enough for a match: the widest counts.
-  std::vector<std::optional<Narrowness>> narrowness(fields.size());
-  const std::span conditions(filter.filterCondition, filter.numFilterConditions);
-  for (const FWPM_FILTER_CONDITION0& condition : conditions) {
-    const auto field = std::ranges::find(fields, condition.fieldKey, &Catalog::Field::key);
-    auto& known = narrowness[static_cast<std::size_t>(field - fields.begin())];
-    known = std::min(known.value_or(Narrowness::Exact), OfCondition(condition));
-  }
-  UINT64 weight = 0;
-  for (std::size_t position = 0; position < fields.size(); ++position) {
-    weight += ShareOf(fields[position]->key, position, narrowness[position].value_or(Narrowness::Everything));
-  }
-  return weight;
+UINT64 AutomaticWeight(const FWPM_FILTER0& filter, const Rules& rules) {
+  return GuessedWeight(std::span(filter.filterCondition, filter.numFilterConditions),
+                       *Catalog::FindLayer(filter.layerKey, rules.Version()));
 }
 
 }  // namespace
 
-UINT64 EffectiveWeight(const FWPM_FILTER0& filter) {
+UINT64 EffectiveWeight(const FWPM_FILTER0& filter, const Rules& rules) {
   switch (filter.weight.type) {
     case FWP_UINT64:
       return *filter.weight.uint64;
     case FWP_UINT8:
-      return static_cast<UINT64>(filter.weight.uint8) << FWPM_AUTO_WEIGHT_BITS | AutoWeight(filter);
+      return UINT64{filter.weight.uint8} << FWPM_AUTO_WEIGHT_BITS | AutomaticWeight(filter, rules);
     default:
-      return AutoWeight(filter);
+      return AutomaticWeight(filter, rules);
   }
 }
 

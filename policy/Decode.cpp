@@ -211,12 +211,12 @@ Test DecodeTest(FWP_MATCH_TYPE match, const FWP_CONDITION_VALUE0& value) {
 }
 
 /// Whether a field takes a condition's type, by the rules of the documentation.
-bool Takes(const Catalog::Layer& layer, const Catalog::Field& field, const FWP_CONDITION_VALUE0& value) {
+bool Takes(const Catalog::LayerField& field, const FWP_CONDITION_VALUE0& value) {
   const bool isRange = value.type == FWP_RANGE_TYPE;
   if (value.type == FWP_EMPTY || (isRange && value.rangeValue == nullptr)) {
     return value.type == FWP_EMPTY;
   }
-  const auto [type, alternative] = Catalog::TypesAt(layer, field);
+  const auto [type, alternative] = Catalog::TypesOf(field);
   return isRange ? value.rangeValue->valueLow.type == type : value.type == type || value.type == alternative;
 }
 
@@ -272,8 +272,9 @@ UINT64 ReportedWeight(const FWPM_FILTER0& filter) {
 
 Condition Decode(const FWPM_FILTER_CONDITION0& condition, const Catalog::Layer* layer) {
   const Catalog::Field* field = Catalog::FindField(condition.fieldKey);
-  const bool fits = layer != nullptr && field != nullptr && Catalog::HasField(*layer, *field) &&
-                    Takes(*layer, *field, condition.conditionValue);
+  const Catalog::LayerField* fieldAt =
+      layer != nullptr && field != nullptr ? Catalog::FieldAt(*layer, *field) : nullptr;
+  const bool fits = fieldAt != nullptr && Takes(*fieldAt, condition.conditionValue);
   return {condition.fieldKey,
           field,
           condition.matchType,

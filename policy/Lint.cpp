@@ -4,6 +4,7 @@
 #include <array>
 #include <map>
 
+#include "catalog/Flags.h"
 #include "catalog/Keys.h"
 #include "catalog/Names.h"
 #include "policy/LintBehaviour.h"
@@ -16,7 +17,13 @@ constexpr std::array<std::string_view, 12> kNames{
     "tie-of-sublayers",  "flags-equality",     "overridden-permit", "flow-established",
     "several-negations", "interleaved-fields", "refusable",         "unreadable"};
 
-constexpr UINT32 kKnownFlags = 0x7F;
+constexpr UINT32 kKnownFlags = [] {
+  UINT32 known = 0;
+  for (const auto& [name, bit] : Catalog::kFilterFlags) {
+    known |= bit.value_or(0);
+  }
+  return known;
+}();
 
 bool IsNetwork(const Condition& condition) {
   return condition.type == FWP_V4_ADDR_MASK || condition.type == FWP_V6_ADDR_MASK;
@@ -32,12 +39,13 @@ std::string Refusal(const Filter& filter, const Condition& condition) {
   if (layer == nullptr || condition.field == nullptr) {
     return {};
   }
-  const auto [type, alternative] = Catalog::TypesAt(*layer, *condition.field);
   const bool takesAny = condition.type == FWP_EMPTY || condition.type == FWP_RANGE_TYPE;
   const bool isNegated = condition.match == FWP_MATCH_NOT_EQUAL;
-  if (!Catalog::HasField(*layer, *condition.field)) {
+  const Catalog::LayerField* field = Catalog::FieldAt(*layer, *condition.field);
+  if (field == nullptr) {
     return "tests a field that the layer does not have";
   }
+  const auto [type, alternative] = Catalog::TypesOf(*field);
   if (!takesAny && condition.type != type && condition.type != alternative) {
     return "has a value of a type that the field does not take";
   }
@@ -111,7 +119,7 @@ class FilterLint {
   }
 
   void LintCondition(const Condition& condition) {
-    const bool isFlags = condition.field != nullptr && condition.field->kind == Catalog::FieldKind::Flags;
+    const bool isFlags = condition.field != nullptr && condition.field->type == FWPM_FIELD_FLAGS;
     const bool comparesWord = condition.match == FWP_MATCH_EQUAL || condition.match == FWP_MATCH_NOT_EQUAL;
     const std::string refusal = Refusal(filter_, condition);
     if (isFlags && comparesWord && condition.test.kind == Test::Kind::InInterval) {

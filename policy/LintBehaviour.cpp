@@ -183,7 +183,7 @@ void LintTests(const Filter& filter, std::vector<Finding>& findings) {
     if (!FieldTable::CanJudge(field, ofField)) {
       continue;
     }
-    const FieldHalves halves(field, layer->ipVersion, ofField);
+    const FieldHalves halves(field, layer->ipVersion.value_or(IpVersion::V4), ofField);
     const std::string name(FieldText(field));
     if (!HasValues(halves.Where(false))) {
       findings.push_back({FindingKind::AlwaysTrue, &filter, nullptr,

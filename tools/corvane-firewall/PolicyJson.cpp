@@ -191,7 +191,7 @@ const char* KindText(Policy::Test::Kind kind) {
 Json ToJson(const Policy::Condition& condition) {
   const Policy::Test& test = condition.test;
   // The fields of 64 bits are LUIDs, and one counter.
-  const bool isLuid = condition.field != nullptr && condition.field->type == FWP_UINT64;
+  const bool isLuid = condition.field != nullptr && condition.field->dataType == FWP_UINT64;
   return {{"field", condition.field == nullptr ? Catalog::FormatGuid(condition.fieldKey)
                                                : std::string(condition.field->name)},
           {"text", condition.text},

@@ -10,10 +10,10 @@ namespace {
 
 using ::testing::ElementsAre;
 
-std::vector<std::string_view> NamesOfKind(FieldKind kind) {
+std::vector<std::string_view> NamesOfKind(FWPM_FIELD_TYPE type) {
   std::vector<std::string_view> names;
   for (const Field& field : kFields) {
-    if (field.kind == kind) names.push_back(field.name);
+    if (field.type == type) names.push_back(field.name);
   }
   return names;
 }
@@ -21,7 +21,7 @@ std::vector<std::string_view> NamesOfKind(FieldKind kind) {
 std::vector<std::string_view> NamesOfType(FWP_DATA_TYPE type) {
   std::vector<std::string_view> names;
   for (const Field& field : kFields) {
-    if (field.type == type) names.push_back(field.name);
+    if (field.dataType == type) names.push_back(field.name);
   }
   return names;
 }
@@ -33,7 +33,7 @@ TEST(Fields, EachIsFoundByItsNameAndByItsKey) {
   }
 }
 
-TEST(Fields, SixtyOneOfTheDocumentationAndFourBitmaps) { EXPECT_EQ(kFields.size(), 65u); }
+TEST(Fields, AreThoseOfLiveEnginesAndFiveMore) { EXPECT_EQ(kFields.size(), 140u); }
 
 TEST(Fields, KeysAreThoseOfTheHeaders) {
   EXPECT_EQ(FindField("d78e1e87-8644-4ea5-9437-d809ecefc971"_guid)->name, "ALE_APP_ID");
@@ -70,56 +70,85 @@ TEST(Fields, AnAliasLeadsToTheFieldOfTheSameKey) {
   EXPECT_EQ(FindField("LOCAL_TUNNEL_TYPE")->name, "TUNNEL_TYPE");
 }
 
-TEST(Fields, AddressesHaveNoTypeOfTheirOwn) {
-  EXPECT_THAT(NamesOfKind(FieldKind::IpAddress),
+TEST(Fields, AddressesOfTheLayersIpVersionHaveNoTypeOfTheirOwn) {
+  EXPECT_THAT(NamesOfType(FWP_EMPTY),
               ElementsAre("EMBEDDED_REMOTE_ADDRESS", "IP_DESTINATION_ADDRESS", "IP_LOCAL_ADDRESS",
                           "IP_REMOTE_ADDRESS", "IP_SOURCE_ADDRESS"));
-  EXPECT_EQ(NamesOfKind(FieldKind::IpAddress), NamesOfType(FWP_EMPTY));
 }
 
-TEST(Fields, OneHoldsFlags) { EXPECT_THAT(NamesOfKind(FieldKind::Flags), ElementsAre("FLAGS")); }
-
-TEST(Fields, UsersAndMachinesAreTokens) {
-  EXPECT_THAT(NamesOfKind(FieldKind::Token),
-              ElementsAre("ALE_REMOTE_MACHINE_ID", "ALE_REMOTE_USER_ID", "ALE_USER_ID"));
+TEST(Fields, AddressesAndWordsOfFlagsAreKnown) {
+  EXPECT_THAT(
+      NamesOfKind(FWPM_FIELD_IP_ADDRESS),
+      ElementsAre("EMBEDDED_REMOTE_ADDRESS", "IP_DESTINATION_ADDRESS", "IP_LOCAL_ADDRESS",
+                  "IP_REMOTE_ADDRESS", "IP_SOURCE_ADDRESS", "IP_LOCAL_ADDRESS_V4", "IP_LOCAL_ADDRESS_V6",
+                  "IP_REMOTE_ADDRESS_V4", "IP_REMOTE_ADDRESS_V6", "RESERVED4", "RESERVED5"));
+  EXPECT_THAT(NamesOfKind(FWPM_FIELD_FLAGS), ElementsAre("ALE_SIO_FIREWALL_SYSTEM_PORT", "FLAGS",
+                                                         "REAUTHORIZE_REASON", "L2_FLAGS", "RPC_EP_FLAGS"));
 }
 
 TEST(Fields, TypesOfUpToSixteenBits) {
   EXPECT_THAT(NamesOfType(FWP_UINT8),
               ElementsAre("EMBEDDED_LOCAL_ADDRESS_TYPE", "EMBEDDED_PROTOCOL", "IP_DESTINATION_ADDRESS_TYPE",
-                          "IP_LOCAL_ADDRESS_TYPE", "IP_PROTOCOL"));
-  EXPECT_THAT(NamesOfType(FWP_UINT16), ElementsAre("EMBEDDED_LOCAL_PORT", "EMBEDDED_REMOTE_PORT",
-                                                   "IP_LOCAL_PORT", "IP_REMOTE_PORT", "ORIGINAL_ICMP_TYPE"));
+                          "IP_LOCAL_ADDRESS_TYPE", "IP_PROTOCOL", "MAC_DESTINATION_ADDRESS_TYPE",
+                          "MAC_LOCAL_ADDRESS_TYPE", "MAC_REMOTE_ADDRESS_TYPE", "MAC_SOURCE_ADDRESS_TYPE",
+                          "RESERVED11", "RESERVED13", "RPC_AUTH_LEVEL", "RPC_AUTH_TYPE", "RPC_PROTOCOL",
+                          "VSWITCH_DESTINATION_INTERFACE_TYPE", "VSWITCH_NETWORK_TYPE",
+                          "VSWITCH_SOURCE_INTERFACE_TYPE"));
+  EXPECT_THAT(
+      NamesOfType(FWP_UINT16),
+      ElementsAre("EMBEDDED_LOCAL_PORT", "EMBEDDED_REMOTE_PORT", "IP_LOCAL_PORT", "IP_REMOTE_PORT",
+                  "ORIGINAL_ICMP_TYPE", "ETHER_TYPE", "IP_DESTINATION_PORT", "IP_SOURCE_PORT", "RESERVED6",
+                  "RESERVED8", "RPC_IF_VERSION", "RPC_OPNUM", "RPC_SERVER_PORT", "VLAN_ID"));
 }
 
 TEST(Fields, TypesOfThirtyTwoBits) {
   EXPECT_THAT(
       NamesOfType(FWP_UINT32),
-      ElementsAre("ALE_NAP_CONTEXT", "ALE_PROMISCUOUS_MODE", "ALE_REAUTH_REASON",
-                  "ALE_SIO_FIREWALL_SYSTEM_PORT", "ARRIVAL_INTERFACE_INDEX", "ARRIVAL_INTERFACE_PROFILE_ID",
-                  "ARRIVAL_INTERFACE_TYPE", "ARRIVAL_TUNNEL_TYPE", "COMPARTMENT_ID", "CURRENT_PROFILE_ID",
+      ElementsAre("ALE_NAP_CONTEXT", "ALE_PROMISCUOUS_MODE", "ALE_SIO_FIREWALL_SYSTEM_PORT",
+                  "ARRIVAL_INTERFACE_INDEX", "ARRIVAL_INTERFACE_PROFILE_ID", "ARRIVAL_INTERFACE_TYPE",
+                  "ARRIVAL_TUNNEL_TYPE", "COMPARTMENT_ID", "CURRENT_PROFILE_ID",
                   "DESTINATION_INTERFACE_INDEX", "DESTINATION_SUB_INTERFACE_INDEX", "DIRECTION", "FLAGS",
                   "INTERFACE_INDEX", "INTERFACE_TYPE", "LOCAL_INTERFACE_PROFILE_ID",
                   "NEXTHOP_INTERFACE_INDEX", "NEXTHOP_INTERFACE_PROFILE_ID", "NEXTHOP_INTERFACE_TYPE",
                   "NEXTHOP_SUB_INTERFACE_INDEX", "NEXTHOP_TUNNEL_TYPE", "ORIGINAL_PROFILE_ID",
                   "REAUTHORIZE_REASON", "SOURCE_INTERFACE_INDEX", "SOURCE_SUB_INTERFACE_INDEX",
-                  "SUB_INTERFACE_INDEX", "TUNNEL_TYPE"));
+                  "SUB_INTERFACE_INDEX", "TUNNEL_TYPE", "AUTHENTICATION_TYPE", "CLIENT_CERT_KEY_LENGTH",
+                  "IP_LOCAL_ADDRESS_V4", "IP_REMOTE_ADDRESS_V4", "KM_AUTH_NAP_CONTEXT", "KM_MODE", "KM_TYPE",
+                  "L2_FLAGS", "NDIS_MEDIA_TYPE", "NDIS_PHYSICAL_MEDIA_TYPE", "NDIS_PORT", "QM_MODE",
+                  "RESERVED4", "RPC_EP_FLAGS", "RPC_IF_FLAG", "SEC_ENCRYPT_ALGORITHM", "SEC_KEY_SIZE",
+                  "VSWITCH_TENANT_NETWORK_ID", "ALE_REAUTH_REASON"));
 }
 
-TEST(Fields, InterfaceLuidsHaveSixtyFourBits) {
+TEST(Fields, TypesOfSixtyFourBits) {
   EXPECT_THAT(NamesOfType(FWP_UINT64),
               ElementsAre("INTERFACE_QUARANTINE_EPOCH", "IP_ARRIVAL_INTERFACE", "IP_FORWARD_INTERFACE",
                           "IP_LOCAL_INTERFACE", "IP_NEXTHOP_INTERFACE", "IP_PHYSICAL_ARRIVAL_INTERFACE",
-                          "IP_PHYSICAL_NEXTHOP_INTERFACE"));
+                          "IP_PHYSICAL_NEXTHOP_INTERFACE", "RESERVED12"));
 }
 
 TEST(Fields, TypesByPointerToOtherData) {
+  EXPECT_THAT(NamesOfType(FWP_BYTE_ARRAY6_TYPE),
+              ElementsAre("INTERFACE_MAC_ADDRESS", "MAC_DESTINATION_ADDRESS", "MAC_LOCAL_ADDRESS",
+                          "MAC_REMOTE_ADDRESS", "MAC_SOURCE_ADDRESS"));
+  EXPECT_THAT(NamesOfType(FWP_BYTE_ARRAY16_TYPE),
+              ElementsAre("DCOM_APP_ID", "IPSEC_POLICY_KEY", "IP_LOCAL_ADDRESS_V6", "IP_REMOTE_ADDRESS_V6",
+                          "PROCESS_WITH_RPC_IF_UUID", "RESERVED5", "RPC_IF_UUID"));
   EXPECT_THAT(NamesOfType(FWP_BYTE_BLOB_TYPE),
               ElementsAre("ALE_APP_ID", "ALE_EFFECTIVE_NAME", "ALE_ORIGINAL_APP_ID",
-                          "ALE_SECURITY_ATTRIBUTE_FQBN_VALUE", "IPSEC_SECURITY_REALM_ID", "PEER_NAME"));
+                          "ALE_SECURITY_ATTRIBUTE_FQBN_VALUE", "IPSEC_SECURITY_REALM_ID", "PEER_NAME",
+                          "CLIENT_CERT_OID", "IMAGE_NAME", "PIPE", "RESERVED0", "RESERVED1", "RESERVED2",
+                          "RESERVED3", "RESERVED7", "RESERVED9", "RESERVED10", "RESERVED14", "RESERVED15",
+                          "RPC_EP_VALUE", "RPC_PROXY_AUTH_TYPE", "RPC_SERVER_NAME",
+                          "VSWITCH_DESTINATION_INTERFACE_ID", "VSWITCH_DESTINATION_VM_ID", "VSWITCH_ID",
+                          "VSWITCH_SOURCE_INTERFACE_ID", "VSWITCH_SOURCE_VM_ID"));
   EXPECT_THAT(NamesOfType(FWP_SID), ElementsAre("ALE_PACKAGE_ID"));
+}
+
+TEST(Fields, WhoSomebodyIsIsAToken) {
+  EXPECT_THAT(NamesOfType(FWP_TOKEN_INFORMATION_TYPE),
+              ElementsAre("CLIENT_TOKEN", "REMOTE_ID", "REMOTE_USER_TOKEN"));
   EXPECT_THAT(
-      NamesOfType(FWP_SECURITY_DESCRIPTOR_TYPE),
+      NamesOfType(FWP_TOKEN_ACCESS_INFORMATION_TYPE),
       ElementsAre("ALE_PACKAGE_FAMILY_NAME", "ALE_REMOTE_MACHINE_ID", "ALE_REMOTE_USER_ID", "ALE_USER_ID"));
 }
 
@@ -127,16 +156,6 @@ TEST(Fields, BitmapsHaveTheTypeOfRecentHeaders) {
   EXPECT_THAT(NamesOfType(static_cast<FWP_DATA_TYPE>(19)),
               ElementsAre("BITMAP_IP_LOCAL_ADDRESS", "BITMAP_IP_LOCAL_PORT", "BITMAP_IP_REMOTE_ADDRESS",
                           "BITMAP_IP_REMOTE_PORT"));
-}
-
-TEST(Fields, OnlyThePackageFamilyNameHasAnAlternativeType) {
-  for (const Field& field : kFields) {
-    if (field.name == "ALE_PACKAGE_FAMILY_NAME") {
-      EXPECT_EQ(field.alternativeType, FWP_BYTE_BLOB_TYPE);
-    } else {
-      EXPECT_EQ(field.alternativeType, std::nullopt) << field.name;
-    }
-  }
 }
 
 }  // namespace

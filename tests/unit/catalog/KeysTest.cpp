@@ -32,9 +32,7 @@ TEST(Keys, OfLayersAreThoseOfTheirNames) {
   EXPECT_EQ(LayerName(kAleAuthConnectV4LayerKey), "ALE_AUTH_CONNECT_V4");
   EXPECT_EQ(LayerName(kAleAuthConnectV6LayerKey), "ALE_AUTH_CONNECT_V6");
   EXPECT_EQ(LayerName(kAleFlowEstablishedV4LayerKey), "ALE_FLOW_ESTABLISHED_V4");
-  EXPECT_EQ(LayerName(kAleFlowEstablishedV4DiscardLayerKey), "ALE_FLOW_ESTABLISHED_V4_DISCARD");
   EXPECT_EQ(LayerName(kAleFlowEstablishedV6LayerKey), "ALE_FLOW_ESTABLISHED_V6");
-  EXPECT_EQ(LayerName(kAleFlowEstablishedV6DiscardLayerKey), "ALE_FLOW_ESTABLISHED_V6_DISCARD");
 }
 
 TEST(Keys, OfSublayersAreThoseOfTheirNames) {

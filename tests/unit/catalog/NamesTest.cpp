@@ -138,6 +138,25 @@ TEST(FilterFlagNames, AgreeWithThePlatformsHeaders) {
   for (const auto& [flag, name] : kFlags) EXPECT_EQ(FilterFlagNames(flag), name);
 }
 
+TEST(Numbers, OfNamesAreThoseThatGiveThem) {
+  EXPECT_EQ(FindAction("CALLOUT_UNKNOWN"), FWP_ACTION_TYPE{0x4005});
+  EXPECT_EQ(FindMatch("NOT_EQUAL"), FWP_MATCH_NOT_EQUAL);
+  EXPECT_EQ(FindDataType("BYTE_ARRAY16"), FWP_BYTE_ARRAY16_TYPE);
+  EXPECT_EQ(FindAction("ALLOW"), std::nullopt);
+  EXPECT_EQ(FindMatch(""), std::nullopt);
+  EXPECT_EQ(FindDataType("UINT128"), std::nullopt);
+}
+
+TEST(ProviderName, IsTheHeadersNameOrTheKey) {
+  EXPECT_EQ(ProviderName("decc16ca-3f33-4346-be1e-8fb4ae0f3d62"_guid), "MPSSVC_WF");
+  EXPECT_EQ(ProviderName(GUID{}), "00000000-0000-0000-0000-000000000000");
+}
+
+TEST(CalloutName, IsTheHeadersNameOrTheKey) {
+  EXPECT_EQ(CalloutName("6ac141fc-f75d-4203-b9c8-48e6149c2712"_guid), "IPSEC_ALE_CONNECT_V4");
+  EXPECT_EQ(CalloutName(GUID{}), "00000000-0000-0000-0000-000000000000");
+}
+
 TEST(FilterFlagNames, StandFromTheHighestBitToTheLowest) {
   EXPECT_EQ(FilterFlagNames(0x9), "CLEAR_ACTION_RIGHT|PERSISTENT");
   EXPECT_EQ(FilterFlagNames(0x7f),
@@ -146,7 +165,7 @@ TEST(FilterFlagNames, StandFromTheHighestBitToTheLowest) {
 }
 
 TEST(FilterFlagNames, UnknownBitsFollowAsOneNumber) {
-  EXPECT_EQ(FilterFlagNames(0x308), "CLEAR_ACTION_RIGHT|0x00000300");
+  EXPECT_EQ(FilterFlagNames(0x300008), "CLEAR_ACTION_RIGHT|0x00300000");
   EXPECT_EQ(FilterFlagNames(0x80000000), "0x80000000");
 }
 

@@ -16,6 +16,8 @@ using ProviderContexts = EngineTest;
 constexpr DWORD kCalloutNotFound = 0x80320001;
 constexpr DWORD kTypeMismatch = 0x80320027;
 constexpr DWORD kNotSupported = 50;
+constexpr GUID kFlowEstablishedV6{
+    0x7021d2b3, 0xdfa4, 0x406e, {0xaf, 0xeb, 0x6a, 0xfa, 0xf7, 0xe7, 0x0e, 0xfd}};
 constexpr GUID kCalloutKey{0x0d000001, 0, 0, {}};
 
 FWPM_CALLOUT0 CalloutRecord() {
@@ -30,9 +32,10 @@ TEST_F(Layer, HasItsFieldsWithTheirTypes) {
   const TestSession session;
   FWPM_LAYER0* layer = nullptr;
   ASSERT_EQ(FwpmLayerGetByKey0(session, &kFlowEstablishedV4, &layer), kSuccess);
-  EXPECT_STREQ(layer->displayData.name, L"ALE_FLOW_ESTABLISHED_V4");
+  EXPECT_STREQ(layer->displayData.name, L"ALE Flow Established v4 Layer");
   EXPECT_EQ(layer->layerId, 52);
-  EXPECT_EQ(layer->numFields, 21U);
+  EXPECT_EQ(layer->flags, 7U);
+  EXPECT_EQ(layer->numFields, 25U);
   EXPECT_TRUE(layer->defaultSubLayerKey == kUniversalSublayerKey);
   std::set<int> typesOfAddress;
   for (UINT32 index = 0; index < layer->numFields; ++index) {
@@ -62,8 +65,9 @@ TEST_F(Layer, ListHoldsAllOfThem) {
   UINT32 count = 0;
   ASSERT_EQ(FwpmLayerCreateEnumHandle0(session, nullptr, &enumHandle), kSuccess);
   ASSERT_EQ(FwpmLayerEnum0(session, enumHandle, INFINITE, &layers, &count), kSuccess);
-  EXPECT_EQ(count, 50U);
+  ASSERT_EQ(count, 99U);
   EXPECT_EQ(layers[0]->layerId, 0);
+  EXPECT_EQ(layers[98]->layerId, 98);
   Free(layers);
   EXPECT_EQ(FwpmLayerDestroyEnumHandle0(session, enumHandle), kSuccess);
 }
@@ -109,11 +113,28 @@ TEST_F(Callout, IsForItsLayerOnly) {
   EXPECT_EQ(Add(session, filter), 0x80320014U);
 }
 
+TEST_F(Callout, OfTheSystemIsThere) {
+  const TestSession session;
+  FWPM_CALLOUT0* found = nullptr;
+  ASSERT_EQ(FwpmCalloutGetById0(session, 15, &found), kSuccess);
+  EXPECT_STREQ(found->displayData.name, L"IPSEC_ALE_CONNECT_V4");
+  EXPECT_TRUE(found->applicableLayer == kConnectV4);
+  EXPECT_EQ(found->flags, 0x60000U);
+  FWPM_FILTER0 filter = FilterRecord();
+  filter.action.type = FWP_ACTION_CALLOUT_TERMINATING;
+  filter.action.calloutKey = found->calloutKey;
+  EXPECT_EQ(Add(session, filter), kSuccess);
+  EXPECT_EQ(FwpmCalloutDeleteByKey0(session, &found->calloutKey), kBuiltInObject);
+  Free(found);
+}
+
 TEST_F(Callout, ListCanSelectALayer) {
   const TestSession session;
-  const FWPM_CALLOUT0 callout = CalloutRecord();
+  FWPM_CALLOUT0 callout = CalloutRecord();
+  callout.applicableLayer = kFlowEstablishedV4;
   ASSERT_EQ(FwpmCalloutAdd0(session, &callout, nullptr, nullptr), kSuccess);
-  for (const auto& [layer, expected] : {std::pair(kConnectV4, 1U), std::pair(kConnectV6, 0U)}) {
+  for (const auto& [layer, expected] :
+       {std::pair(kFlowEstablishedV4, 1U), std::pair(kFlowEstablishedV6, 0U)}) {
     FWPM_CALLOUT_ENUM_TEMPLATE0 criteria{nullptr, layer};
     HANDLE enumHandle = nullptr;
     FWPM_CALLOUT0** found = nullptr;

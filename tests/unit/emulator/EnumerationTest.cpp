@@ -283,7 +283,7 @@ TEST_F(Enumeration, TemplateIsRefusedWithUnknownFlags) {
   EXPECT_EQ(FwpmFilterCreateEnumHandle0(session, &criteria, &enumHandle), kInvalidFlags);
 }
 
-TEST_F(Enumeration, OfProvidersGivesAllOfThem) {
+TEST_F(Enumeration, OfProvidersStartsWithTheBuiltInOnes) {
   const TestSession session;
   ASSERT_EQ(Add(session, ProviderRecord(kProviderKey)), kSuccess);
   ASSERT_EQ(Add(session, ProviderRecord(kOtherProviderKey)), kSuccess);
@@ -292,9 +292,11 @@ TEST_F(Enumeration, OfProvidersGivesAllOfThem) {
   FWPM_PROVIDER0** entries = nullptr;
   UINT32 returned = 0;
   ASSERT_EQ(FwpmProviderEnum0(session, enumHandle, kInfinite, &entries, &returned), kSuccess);
-  ASSERT_EQ(returned, 2U);
-  EXPECT_TRUE(entries[0]->providerKey == kProviderKey);
-  EXPECT_TRUE(entries[1]->providerKey == kOtherProviderKey);
+  ASSERT_EQ(returned, 11U);
+  EXPECT_STREQ(entries[5]->displayData.name, L"MPSSVC_WF");
+  EXPECT_STREQ(entries[5]->serviceName, L"mpssvc");
+  EXPECT_TRUE(entries[9]->providerKey == kProviderKey);
+  EXPECT_TRUE(entries[10]->providerKey == kOtherProviderKey);
   Free(entries);
   EXPECT_EQ(FwpmProviderDestroyEnumHandle0(session, enumHandle), kSuccess);
 }
@@ -308,7 +310,13 @@ TEST_F(Enumeration, OfSublayersStartsWithTheBuiltInOnes) {
   UINT32 returned = 0;
   ASSERT_EQ(FwpmSubLayerEnum0(session, enumHandle, kInfinite, &entries, &returned), kSuccess);
   ASSERT_EQ(returned, 19U);
-  EXPECT_STREQ(entries[0]->displayData.name, L"UNIVERSAL");
+  EXPECT_STREQ(entries[0]->displayData.name, L"INSPECTION");
+  EXPECT_STREQ(entries[2]->displayData.name, L"MPSSVC_WF");
+  EXPECT_EQ(entries[2]->weight, 2);
+  ASSERT_NE(entries[2]->providerKey, nullptr);
+  EXPECT_EQ(entries[2]->providerKey->Data1, 0xdecc16caU);
+  EXPECT_STREQ(entries[13]->displayData.name, L"UNIVERSAL");
+  EXPECT_EQ(entries[13]->weight, 32768);
   EXPECT_TRUE(entries[18]->subLayerKey == kSublayerKey);
   Free(entries);
   EXPECT_EQ(FwpmSubLayerDestroyEnumHandle0(session, enumHandle), kSuccess);

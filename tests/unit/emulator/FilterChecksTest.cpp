@@ -75,6 +75,17 @@ TEST_F(FilterChecks, TakeAWeightLeftToTheEngine) {
   EXPECT_EQ(Check(), kSuccess);
 }
 
+TEST_F(FilterChecks, RefuseBootTimeAtALayerOfUserMode) {
+  const TestSession session;
+  FWPM_FILTER0 filter = FilterRecord();
+  filter.flags = FWPM_FILTER_FLAG_BOOTTIME;
+  filter.layerKey = {
+      0xb14b7bdb, 0xdbbd, 0x473e, {0xbe, 0xd4, 0x8b, 0x47, 0x08, 0xd4, 0xf2, 0x70}};  // IKEEXT_V4
+  EXPECT_EQ(Add(session, filter), 0x80320014U);
+  filter.layerKey = kConnectV4;
+  EXPECT_EQ(Add(session, filter), kSuccess);
+}
+
 TEST_F(FilterChecks, RefuseAWeightOfAnotherType) {
   filter_.weight.type = FWP_UINT32;
   EXPECT_EQ(Check(), 0x80320025U);

@@ -66,7 +66,7 @@ TEST_F(RefusedCall, OfDeletingWhatIsNotThere) {
             "there is no sublayer 0e000001-0000-0000-0000-000000000000");
   EXPECT_EQ(Reason(FwpmCalloutDeleteByKey0(session, &kMissingKey)),
             "there is no callout 0e000001-0000-0000-0000-000000000000");
-  EXPECT_EQ(Reason(FwpmCalloutDeleteById0(session, 7)), "there is no callout 7");
+  EXPECT_EQ(Reason(FwpmCalloutDeleteById0(session, 77)), "there is no callout 77");
   EXPECT_EQ(Reason(FwpmFilterDeleteByKey0(session, &kMissingKey)),
             "there is no filter 0e000001-0000-0000-0000-000000000000");
   EXPECT_EQ(Reason(FwpmFilterDeleteById0(session, 7)), "there is no filter 7");

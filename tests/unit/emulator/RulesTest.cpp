@@ -12,14 +12,6 @@ namespace {
 
 using Rules = EngineTest;
 
-UINT16 WeightOf(HANDLE session, const GUID& key) {
-  FWPM_SUBLAYER0* found = nullptr;
-  EXPECT_EQ(FwpmSubLayerGetByKey0(session, &key, &found), kSuccess);
-  const UINT16 weight = found->weight;
-  Free(found);
-  return weight;
-}
-
 TEST_F(Rules, AreSetByName) {
   const TestSession session;
   wchar_t empty[] = L"";
@@ -156,11 +148,38 @@ TEST_F(Rules, CanRefuseVerdictsWhereFlowsAreEstablished) {
   EXPECT_EQ(Add(session, filter), kSuccess);
 }
 
-TEST_F(Rules, GiveTheBuiltInSublayersTheirWeights) {
+UINT32 CountFields(HANDLE session, const GUID& key) {
+  FWPM_LAYER0* layer = nullptr;
+  EXPECT_EQ(FwpmLayerGetByKey0(session, &key, &layer), kSuccess);
+  const UINT32 count = layer->numFields;
+  Free(layer);
+  return count;
+}
+
+TEST_F(Rules, GiveTheLayersOfAVersionOfWindows) {
   const TestSession session;
-  EXPECT_EQ(WeightOf(session, kUniversalSublayerKey), 0x4000);
-  EngineEmulatorSetRule("weightOfUniversal", 0x5000);
-  EXPECT_EQ(WeightOf(session, kUniversalSublayerKey), 0x5000);
+  EXPECT_EQ(CountFields(session, kConnectV4), 42U);
+  EngineEmulatorSetRule("windowsBuild", 22631);
+  EXPECT_EQ(CountFields(session, kConnectV4), 37U);
+  EngineEmulatorSetRule("windowsBuild", 19045);
+  EXPECT_EQ(CountFields(session, kConnectV4), 41U);
+}
+
+TEST_F(Rules, RefuseFieldsThatTheVersionOfWindowsLacks) {
+  const TestSession session;
+  UINT8 bytes[20]{1, 0, 0, 0x80};
+  FWP_BYTE_BLOB descriptor{sizeof(bytes), bytes};
+  FWPM_FILTER_CONDITION0 condition{};
+  condition.fieldKey = {0x81bc78fb, 0xf28d, 0x4886, {0xa6, 0x04, 0x6a, 0xcc, 0x26, 0x1f, 0x26, 0x1b}};
+  condition.conditionValue.type = FWP_SECURITY_DESCRIPTOR_TYPE;
+  condition.conditionValue.sd = &descriptor;
+  FWPM_FILTER0 filter = FilterRecord();
+  filter.numFilterConditions = 1;
+  filter.filterCondition = &condition;
+  EngineEmulatorSetRule("windowsBuild", 22000);
+  EXPECT_EQ(Add(session, filter), 0x80320002U);
+  EngineEmulatorSetRule("windowsBuild", 26100);
+  EXPECT_EQ(Add(session, filter), kSuccess);
 }
 
 }  // namespace

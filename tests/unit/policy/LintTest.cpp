@@ -218,7 +218,7 @@ TEST_F(LintTest, WhatNoEngineTakesIsFoundInForeignRecords) {
     text->Record().subLayerKey = snapshot.filters.front().sublayerKey;
     snapshot.filters.push_back(Policy::Decode(text->Record()));
   }
-  snapshot.filters.front().flags = 0x100;
+  snapshot.filters.front().flags = 0x100000;
   std::size_t refusable = 0;
   for (const Finding& finding : Policy::Lint(snapshot)) {
     refusable += finding.kind == Policy::FindingKind::Refusable ? 1 : 0;

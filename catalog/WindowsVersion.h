@@ -1,0 +1,41 @@
+/**
+ * @file
+ * Versions of Windows whose engines differ in what the catalogue tells.
+ */
+#pragma once
+
+#include <WfpPlatform.h>
+
+#include <array>
+#include <string_view>
+
+namespace Catalog {
+
+/// In the order of their builds.
+enum class WindowsVersion {
+  Windows10,    ///< from 2004 on, build 19041
+  Windows11,    ///< before 24H2, from build 22000 on
+  Windows24H2,  ///< of Windows 11 and later, from build 26100 on
+};
+
+inline constexpr std::array kWindowsVersions{WindowsVersion::Windows10, WindowsVersion::Windows11,
+                                             WindowsVersion::Windows24H2};
+inline constexpr WindowsVersion kNewestWindows = WindowsVersion::Windows24H2;
+
+/// The version that a build belongs to; older builds count as Windows10.
+constexpr WindowsVersion VersionOfBuild(UINT32 build) {
+  constexpr UINT32 kWindows11Build = 22000;
+  constexpr UINT32 kWindows24H2Build = 26100;
+  return build >= kWindows24H2Build ? WindowsVersion::Windows24H2
+         : build >= kWindows11Build ? WindowsVersion::Windows11
+                                    : WindowsVersion::Windows10;
+}
+
+/// "Windows 10", "Windows 11 before 24H2", "Windows 11 24H2".
+constexpr std::string_view WindowsVersionName(WindowsVersion version) {
+  constexpr std::array<std::string_view, kWindowsVersions.size()> kNames{
+      "Windows 10", "Windows 11 before 24H2", "Windows 11 24H2"};
+  return kNames[static_cast<std::size_t>(version)];
+}
+
+}  // namespace Catalog
