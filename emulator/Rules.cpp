@@ -31,6 +31,8 @@ constexpr NamedRule kRules[]{
     {"shuffleEnumerations", &Rules::shuffleEnumerations},
     {"lockWaitMilliseconds", &Rules::lockWaitMilliseconds},
     {"windowsBuild", &Rules::windowsBuild},
+    {"guessWeights", &Rules::guessWeights},
+    {"weighUnobservedAsExact", &Rules::weighUnobservedAsExact},
 };
 
 }  // namespace

@@ -53,6 +53,10 @@ struct Rules {
   UINT32 lockWaitMilliseconds = 15'000;
   /// The build of Windows that the engine is of. To be set before anything is added.
   UINT32 windowsBuild = 26100;
+  /// Conditions weigh by a guess everywhere, not by what live engines show.
+  UINT32 guessWeights = 0;
+  /// Matches whose weight nobody has seen count as one exact value; else by the values that they leave.
+  UINT32 weighUnobservedAsExact = 0;
 
   Catalog::WindowsVersion Version() const { return Catalog::VersionOfBuild(windowsBuild); }
 };

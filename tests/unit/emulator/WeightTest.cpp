@@ -1,8 +1,9 @@
-// The four things that are known of the weights which the engine chooses.
+// The weights that the engine chooses, in short; ObservedWeightTest.cpp has many cases.
 #include <set>
 #include <vector>
 
 #include "EngineClient.h"
+#include "emulator/ControlExports.h"
 
 namespace {
 
@@ -22,6 +23,22 @@ class Weight : public EngineTest {
     return effective;
   }
   static UINT64 Of(const std::vector<FWPM_FILTER_CONDITION0>& conditions) { return Of({}, conditions); }
+
+  /// Of one condition each, on every field of a layer in turn.
+  static std::vector<UINT64> OfEachField() {
+    const TestSession session;
+    FWPM_LAYER0* layer = nullptr;
+    EXPECT_EQ(FwpmLayerGetByKey0(session, &kConnectV4, &layer), kSuccess);
+    std::vector<UINT64> weights;
+    for (UINT32 index = 0; index < layer->numFields; ++index) {
+      FWPM_FILTER_CONDITION0 condition{};
+      condition.fieldKey = *layer->field[index].fieldKey;
+      condition.conditionValue.type = FWP_EMPTY;
+      weights.push_back(Of({condition}));
+    }
+    Free(layer);
+    return weights;
+  }
 
   static FWPM_FILTER_CONDITION0 Port(UINT16 port) {
     FWPM_FILTER_CONDITION0 condition{};
@@ -85,8 +102,8 @@ TEST_F(Weight, RisesWithTheConditions) {
 }
 
 TEST_F(Weight, OfAnExactValueIsAboveThatOfARange) {
-  EXPECT_GT(Of({Port(53)}), Of({Ports(53, 54)}));
-  EXPECT_GT(Of({Ports(53, 54)}), 0U);
+  EXPECT_GT(Of({Port(53)}), Of({Ports(53, 9999)}));
+  EXPECT_GT(Of({Ports(53, 9999)}), 0U);
 }
 
 TEST_F(Weight, OfARangeOfEverythingIsZero) {
@@ -94,7 +111,25 @@ TEST_F(Weight, OfARangeOfEverythingIsZero) {
   EXPECT_EQ(Of({Network(0)}), 0U);
 }
 
-TEST_F(Weight, OfARangeGoesByItsEndsWhateverTheirType) {
+TEST_F(Weight, OfAnyRangeOfAFieldWithoutASizeIsOneBit) {
+  UINT64 low = 0;
+  UINT64 high = 0xFFFFFFFFFFFFFFFF;
+  FWP_RANGE0 range{};
+  range.valueLow.type = range.valueHigh.type = FWP_UINT64;
+  range.valueLow.uint64 = &low;
+  range.valueHigh.uint64 = &high;
+  FWPM_FILTER_CONDITION0 condition{};
+  condition.fieldKey = kLocalInterface;
+  condition.matchType = FWP_MATCH_RANGE;
+  condition.conditionValue.type = FWP_RANGE_TYPE;
+  condition.conditionValue.rangeValue = &range;
+  EXPECT_EQ(Of({condition}), UINT64{1} << 51);
+  high = 1;
+  EXPECT_EQ(Of({condition}), UINT64{1} << 51);
+}
+
+TEST_F(Weight, OfARangeGoesByItsEndsWhateverTheirTypeWhenGuessed) {
+  EngineEmulatorSetRule("guessWeights", 1);
   FWP_RANGE0 range{};
   FWPM_FILTER_CONDITION0 condition{};
   condition.matchType = FWP_MATCH_RANGE;
@@ -128,30 +163,69 @@ TEST_F(Weight, OfARangeGoesByItsEndsWhateverTheirType) {
 }
 
 TEST_F(Weight, OfARemoteAddressIsAboveAllOthersTogether) {
-  EXPECT_EQ(Of({Network(0xFFFFFFFF)}), UINT64{1} << 57);
-  EXPECT_EQ(Of({Network(0xFF000000)}), UINT64{1} << 55);
+  EXPECT_EQ(Of({Network(0xFFFFFFFF)}), 0x0400000000000000U);
+  EXPECT_EQ(Of({Network(0xFF000000)}), 0x0100000000000000U);
   EXPECT_GT(Of({Network(0xFF000000)}), Of({Port(53), Protocol()}));
 }
 
-TEST_F(Weight, OfSeveralValuesForAFieldIsThatOfTheWidest) {
+TEST_F(Weight, OfTwoConditionsOnAFieldAddsUp) {
+  EXPECT_EQ(Of({Network(0xF0000000)}), 0x0080000000000000U);
+  EXPECT_EQ(Of({Network(0xF0000000), Network(0xF0000000)}), 0x0100000000000000U);
   EXPECT_EQ(Of({Port(53), Port(54)}), Of({Port(53)}));
+}
+
+TEST_F(Weight, OfThreeConditionsOnAFieldIsThatOfAnExactValue) {
+  EXPECT_EQ(Of({Network(0xF0000000), Network(0xF0000000), Network(0xF0000000)}), 0x0400000000000000U);
+}
+
+FWPM_FILTER_CONDITION0 WithMatch(FWPM_FILTER_CONDITION0 condition, FWP_MATCH_TYPE match) {
+  condition.matchType = match;
+  return condition;
+}
+
+TEST_F(Weight, OfMatchesThatNobodyHasSeenIsByTheValuesTheyLeave) {
+  // Of the three bits of a port 16 bits pinned down are 7.
+  EXPECT_EQ(Of({Port(53)}), UINT64{7} << 39);
+  EXPECT_EQ(Of({WithMatch(Port(53), FWP_MATCH_NOT_EQUAL)}), UINT64{1} << 39);
+  EXPECT_EQ(Of({WithMatch(Port(0xFFFE), FWP_MATCH_GREATER)}), UINT64{7} << 39);
+  EXPECT_EQ(Of({WithMatch(Port(0xFF00), FWP_MATCH_GREATER_OR_EQUAL)}), UINT64{4} << 39);
+  EXPECT_EQ(Of({WithMatch(Port(0x0100), FWP_MATCH_LESS)}), UINT64{4} << 39);
+  EXPECT_EQ(Of({WithMatch(Port(0x00FF), FWP_MATCH_LESS_OR_EQUAL)}), UINT64{4} << 39);
+  EXPECT_EQ(Of({WithMatch(Port(0), FWP_MATCH_GREATER_OR_EQUAL)}), 0U);
+  EXPECT_EQ(Of({WithMatch(Port(0x00FF), FWP_MATCH_FLAGS_NONE_SET)}), UINT64{4} << 39);
+}
+
+TEST_F(Weight, OfMatchesThatNobodyHasSeenCanBeThatOfAnExactValue) {
+  EngineEmulatorSetRule("weighUnobservedAsExact", 1);
+  EXPECT_EQ(Of({WithMatch(Port(53), FWP_MATCH_NOT_EQUAL)}), UINT64{7} << 39);
+  EXPECT_EQ(Of({WithMatch(Port(0xFF00), FWP_MATCH_GREATER_OR_EQUAL)}), UINT64{7} << 39);
+}
+
+TEST_F(Weight, CanBeGuessed) {
+  EngineEmulatorSetRule("guessWeights", 1);
+  EXPECT_EQ(Of({Network(0xFFFFFFFF)}), UINT64{1} << 57);
+  EXPECT_EQ(Of({Network(0xFF000000)}), UINT64{1} << 55);
   EXPECT_EQ(Of({Port(53), Ports(60, 70)}), Of({Ports(60, 70)}));
 }
 
-TEST_F(Weight, OfEachFieldIsItsOwn) {
-  const TestSession session;
-  FWPM_LAYER0* layer = nullptr;
-  ASSERT_EQ(FwpmLayerGetByKey0(session, &kConnectV4, &layer), kSuccess);
-  std::set<UINT64> weights;
-  for (UINT32 index = 0; index < layer->numFields; ++index) {
-    FWPM_FILTER_CONDITION0 condition{};
-    condition.fieldKey = *layer->field[index].fieldKey;
-    condition.conditionValue.type = FWP_EMPTY;
-    weights.insert(Of({condition}));
+TEST_F(Weight, OfTheFieldsOfAClassIsOneAndOfNoTwoClassesOverlaps) {
+  const std::vector<UINT64> weights = OfEachField();
+  const std::set<UINT64> classes(weights.begin(), weights.end());
+  UINT64 together = 0;
+  for (const UINT64 weight : classes) {
+    EXPECT_NE(weight, 0U);
+    EXPECT_EQ(together & weight, 0U);
+    together |= weight;
   }
-  EXPECT_EQ(weights.size(), layer->numFields);
-  EXPECT_FALSE(weights.contains(0));
-  Free(layer);
+  EXPECT_EQ(classes.size(), 27U);
+}
+
+TEST_F(Weight, OfEachFieldIsItsOwnWhenGuessed) {
+  EngineEmulatorSetRule("guessWeights", 1);
+  const std::vector<UINT64> weights = OfEachField();
+  const std::set<UINT64> different(weights.begin(), weights.end());
+  EXPECT_EQ(different.size(), weights.size());
+  EXPECT_FALSE(different.contains(0));
 }
 
 TEST_F(Weight, StaysBelowTheRangesWithEveryField) {
