@@ -4,7 +4,7 @@
 # --all the tests' too, and with clang's static analyzer, which takes several times as long.
 set -eu
 cd "$(dirname "$0")/.."
-linted='src|catalog|emulator|policy|tools'
+linted='src|catalog|emulator|policy|dump|tools'
 checks=-clang-analyzer-*
 if [ "${1:-}" = --all ]; then
   linted+='|tests'
@@ -30,10 +30,11 @@ forbid src/filtering -- '(sublayers|helpers|api)/|engine/(Engine|Firewall|Provid
 forbid src/engine -- '(sublayers|helpers|api)/'
 forbid src/sublayers -- 'helpers/|api/[^R]' # the rule sets' identities are in api/RuleSetIdentity.h
 forbid src/helpers -- '(engine|sublayers|api)/'
-forbid src include -- '(catalog|emulator|policy|tools|tests)/'
-forbid catalog emulator sdk_subset policy -- '(filtering|engine|sublayers|helpers|api|corvane|src)/'
-forbid catalog emulator sdk_subset -- 'policy/'
-forbid policy -- '(emulator|tools|tests)/'
+forbid src include -- '(catalog|emulator|policy|dump|tools|tests)/'
+forbid catalog emulator sdk_subset policy dump -- '(filtering|engine|sublayers|helpers|api|corvane|src)/'
+forbid catalog emulator sdk_subset -- '(policy|dump)/'
+forbid policy -- '(emulator|dump|tools|tests)/'
+forbid dump -- '(emulator|policy|tools|tests)/'
 
 echo "The README's version"
 version=$(sed -n 's/^  VERSION //p' CMakeLists.txt)
