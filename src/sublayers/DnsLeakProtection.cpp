@@ -5,6 +5,7 @@
 
 #include "filtering/FilterBuilder.h"
 #include "filtering/Values.h"
+#include "sublayers/Destinations.h"
 
 namespace WfpFirewall::Sublayers {
 namespace {
@@ -17,7 +18,6 @@ using Filtering::Values::RemotePort;
 
 constexpr std::int16_t kPermitWeight = 15;
 constexpr std::int16_t kBlockWeight = 14;
-constexpr std::uint16_t kDnsPort = 53;
 
 constexpr LayerType kLayers[]{LayerType::AleAuthConnectV4, LayerType::AleFlowEstablishedV4,
                               LayerType::AleAuthConnectV6, LayerType::AleFlowEstablishedV6};
@@ -39,6 +39,7 @@ DnsLeakProtection::DnsLeakProtection(GUID key, std::wstring name, std::wstring d
   }
 }
 
+// The three kinds of filters of docs/rule-sets.md#dns-leak-protection, in its order.
 void DnsLeakProtection::AddFiltersTo(LayerType layer) {
   for (const UINT64 luid : luids_) {
     AddFilter(ForDns(Action::Permit, layer)

@@ -24,10 +24,15 @@ struct PortPair {
   std::uint16_t remote;
 };
 
-// Deliberate: IPv4 has the server's side of the exchange only, IPv6 both sides, and there is nothing at
-// the receive-accept layers. Audits compare the list filter by filter.
-constexpr PortPair kPortsV4[]{{67, 68}};
-constexpr PortPair kPortsV6[]{{546, 547}, {547, 546}};
+// With the numbers of docs/rule-sets.md#dhcp, which also tells what follows from IPv4 having the server's
+// pair of ports only.
+constexpr PortPair kPortsV4[]{
+    {67, 68},  // 1
+};
+constexpr PortPair kPortsV6[]{
+    {546, 547},  // 1
+    {547, 546},  // 2
+};
 
 Filter PermitUdp(LayerType layer, const PortPair& ports) {
   return FilterBuilder()

@@ -1,12 +1,12 @@
 #include "sublayers/InterfaceLeakProtection.h"
 
 #include <cstdint>
-#include <initializer_list>
 #include <optional>
 #include <utility>
 
 #include "filtering/FilterBuilder.h"
 #include "filtering/Values.h"
+#include "sublayers/Destinations.h"
 
 namespace WfpFirewall::Sublayers {
 namespace {
@@ -17,68 +17,109 @@ using Filtering::ConditionNotEqual;
 using Filtering::LayerType;
 using Filtering::Values::LocalInterfaceLuid;
 using Filtering::Values::LoopbackFlag;
-using Filtering::Values::RemoteIpAddressAndMaskV4;
-using Filtering::Values::RemoteIpAddressAndMaskV6;
 using Filtering::Values::RemoteIpAddressV4;
+using enum Action;
 
 constexpr LayerType kLayerV4 = LayerType::AleAuthConnectV4;
 constexpr LayerType kLayerV6 = LayerType::AleAuthConnectV6;
 
-constexpr std::int16_t kListedAddressWeight = 15;
-constexpr std::int16_t kPermitWeight = 14;
-// Deliberate: on IPv4 every permit outranks the block, on IPv6 the block stands level with the permits.
-// Audits compare the weights filter by filter.
-constexpr std::int16_t kBlockWeightV4 = 13;
-constexpr std::int16_t kBlockWeightV6 = 14;
+constexpr bool kFinal = true;
 
-struct NetworkV4 {
-  const char* address;
-  const char* mask;
+enum class Test {
+  None,
+  Interface,
+  OtherInterfaces,
+  Loopback,
+  Remote,              ///< of the row
+  Server,              ///< IPv4 only
+  PermittedAddresses,  ///< IPv4 only
+};
+using enum Test;
+
+template <typename Network>
+struct Row {
+  Action action;
+  Test conditions[2];
+  Network remote;
+  std::int16_t weight;
+  bool isFinal = false;
 };
 
-struct NetworkV6 {
-  const char* address;
-  int prefixLength;
+// The filters for each interface, with the numbers of docs/rule-sets.md#interface-leak-protection. It also
+// tells what follows from the different weights of the two blocks.
+constexpr Row<NetworkV4> kRowsV4[]{
+    {Permit, {Interface}, {}, 14, kFinal},                                                    // 1
+    {Permit, {OtherInterfaces, Loopback}, {}, 14, kFinal},                                    // 2
+    {Permit, {OtherInterfaces, Remote}, {"127.0.0.1", "255.0.0.0"}, 14, kFinal},              // 3
+    {Permit, {PermittedAddresses}, {}, 15, kFinal},                                           // 4
+    {Permit, {OtherInterfaces, Remote}, {"192.168.0.0", "255.255.0.0"}, 14, kFinal},          // 5
+    {Permit, {OtherInterfaces, Remote}, {"10.0.0.0", "255.0.0.0"}, 14, kFinal},               // 6
+    {Permit, {OtherInterfaces, Remote}, {"172.16.0.0", "255.240.0.0"}, 14, kFinal},           // 7
+    {Permit, {Remote, OtherInterfaces}, {"239.255.255.250", "255.255.255.255"}, 14, kFinal},  // 8
+    {Permit, {Remote, OtherInterfaces}, {"255.255.255.255", "255.255.255.255"}, 14, kFinal},  // 9
+    {Permit, {OtherInterfaces, Server}, {}, 14, kFinal},                                      // 10
+    {Block, {OtherInterfaces}, {}, 13},                                                       // 11
+};
+constexpr Row<NetworkV6> kRowsV6[]{
+    {Permit, {Interface}, {}, 14, kFinal},                              // 1
+    {Permit, {OtherInterfaces, Loopback}, {}, 14, kFinal},              // 2
+    {Permit, {OtherInterfaces, Remote}, {"::1", 128}, 14, kFinal},      // 3
+    {Permit, {OtherInterfaces, Remote}, {"fe80::", 10}, 14, kFinal},    // 4
+    {Permit, {OtherInterfaces, Remote}, {"fc00::", 7}, 14, kFinal},     // 5
+    {Permit, {Remote, OtherInterfaces}, {"ff02::c", 128}, 14, kFinal},  // 6
+    {Permit, {Remote, OtherInterfaces}, {"ff05::c", 128}, 14, kFinal},  // 7
+    {Permit, {Remote, OtherInterfaces}, {"ff08::c", 128}, 14, kFinal},  // 8
+    {Permit, {Remote, OtherInterfaces}, {"ff0e::c", 128}, 14, kFinal},  // 9
+    {Block, {OtherInterfaces}, {}, 14},                                 // 10
 };
 
-constexpr NetworkV4 kLoopbackV4{"127.0.0.1", "255.0.0.0"};
-constexpr NetworkV4 kPrivateNetworksV4[]{
-    {"192.168.0.0", "255.255.0.0"}, {"10.0.0.0", "255.0.0.0"}, {"172.16.0.0", "255.240.0.0"}};
-constexpr NetworkV4 kGroupAndBroadcastV4[]{{"239.255.255.250", "255.255.255.255"},
-                                           {"255.255.255.255", "255.255.255.255"}};
+/// What the tests of a row stand for.
+struct Arguments {
+  UINT64 luid;
+  const IpV4Address* server = nullptr;
+  const Filter* permitListed = nullptr;  ///< carries the conditions; null when there are no addresses
+};
 
-constexpr NetworkV6 kLoopbackV6{"::1", 128};
-constexpr NetworkV6 kLocalNetworksV6[]{{"fe80::", 10}, {"fc00::", 7}};
-constexpr NetworkV6 kGroupsV6[]{{"ff02::c", 128}, {"ff05::c", 128}, {"ff08::c", 128}, {"ff0e::c", 128}};
-
-Condition OnInterface(UINT64 luid) { return ConditionEqual(new LocalInterfaceLuid(luid)); }
-
-Condition OffInterface(UINT64 luid) { return ConditionNotEqual(new LocalInterfaceLuid(luid)); }
-
-Condition To(const NetworkV4& network) {
-  return ConditionEqual(new RemoteIpAddressAndMaskV4(network.address, network.mask));
-}
-
-Condition To(const NetworkV6& network) {
-  return ConditionEqual(new RemoteIpAddressAndMaskV6(network.address, network.prefixLength));
-}
-
-/// A final permit: sublayers of lower weight cannot take it back. The block of a heavier one stands.
-Filter Permit(LayerType layer, std::initializer_list<Condition> conditions) {
-  FilterBuilder permit = FilterBuilder().CreateFilter(Action::Permit).InLayer(layer);
-  for (const Condition& condition : conditions) {
-    permit.WithCondition(condition);
+template <typename Network>
+void AddConditions(const FilterBuilder& filter, Test test, const Network& remote,
+                   const Arguments& arguments) {
+  switch (test) {
+    case None:
+      break;
+    case Interface:
+      filter.WithCondition(ConditionEqual(new LocalInterfaceLuid(arguments.luid)));
+      break;
+    case OtherInterfaces:
+      filter.WithCondition(ConditionNotEqual(new LocalInterfaceLuid(arguments.luid)));
+      break;
+    case Loopback:
+      filter.WithCondition(ConditionEqual(new LoopbackFlag()));
+      break;
+    case Remote:
+      filter.WithCondition(RemoteIn(remote));
+      break;
+    case Server:
+      filter.WithCondition(ConditionEqual(new RemoteIpAddressV4(*arguments.server)));
+      break;
+    case PermittedAddresses:
+      for (const Condition& condition : arguments.permitListed->GetConditions()) {
+        filter.WithCondition(condition);
+      }
+      break;
   }
-  return permit.SetWeight(kPermitWeight).OverrideOtherSublayers().Get();
 }
 
-Filter Block(LayerType layer, UINT64 luid, std::int16_t weight) {
-  return FilterBuilder()
-      .CreateFilter(Action::Block)
-      .InLayer(layer)
-      .WithCondition(OffInterface(luid))
-      .SetWeight(weight)
-      .Get();
+template <typename Network>
+Filter MakeFilter(LayerType layer, const Row<Network>& row, const Arguments& arguments) {
+  FilterBuilder filter = FilterBuilder().CreateFilter(row.action).InLayer(layer);
+  for (const Test test : row.conditions) {
+    AddConditions(filter, test, row.remote, arguments);
+  }
+  filter.SetWeight(row.weight);
+  if (row.isFinal) {
+    filter.OverrideOtherSublayers();
+  }
+  return filter.Get();
 }
 
 }  // namespace
@@ -103,45 +144,31 @@ InterfaceLeakProtection::InterfaceLeakProtection(GUID key, std::wstring name, st
 
 void InterfaceLeakProtection::AddFiltersV4(UINT64 luid, const IpV4Address& serverAddress,
                                            const std::optional<Filter>& permitListed) {
-  AddFilter(Permit(kLayerV4, {OnInterface(luid)}));
-  AddFilter(Permit(kLayerV4, {OffInterface(luid), ConditionEqual(new LoopbackFlag())}));
-  AddFilter(Permit(kLayerV4, {OffInterface(luid), To(kLoopbackV4)}));
-  if (permitListed) {
-    // Deliberate: not tied to the interface, and yet once for each. Audits count on it.
-    AddFilter(*permitListed);
+  const Arguments arguments{luid, &serverAddress, permitListed ? &*permitListed : nullptr};
+  for (const Row<NetworkV4>& row : kRowsV4) {
+    // Without addresses it would permit everything.
+    if (row.conditions[0] == PermittedAddresses && !permitListed) {
+      continue;
+    }
+    AddFilter(MakeFilter(kLayerV4, row, arguments));
   }
-  for (const NetworkV4& network : kPrivateNetworksV4) {
-    AddFilter(Permit(kLayerV4, {OffInterface(luid), To(network)}));
-  }
-  for (const NetworkV4& destination : kGroupAndBroadcastV4) {
-    AddFilter(Permit(kLayerV4, {To(destination), OffInterface(luid)}));
-  }
-  AddFilter(Permit(kLayerV4, {OffInterface(luid), ConditionEqual(new RemoteIpAddressV4(serverAddress))}));
-  AddFilter(Block(kLayerV4, luid, kBlockWeightV4));
 }
 
 void InterfaceLeakProtection::AddFiltersV6(UINT64 luid) {
-  AddFilter(Permit(kLayerV6, {OnInterface(luid)}));
-  AddFilter(Permit(kLayerV6, {OffInterface(luid), ConditionEqual(new LoopbackFlag())}));
-  AddFilter(Permit(kLayerV6, {OffInterface(luid), To(kLoopbackV6)}));
-  for (const NetworkV6& network : kLocalNetworksV6) {
-    AddFilter(Permit(kLayerV6, {OffInterface(luid), To(network)}));
+  for (const Row<NetworkV6>& row : kRowsV6) {
+    AddFilter(MakeFilter(kLayerV6, row, {luid}));
   }
-  for (const NetworkV6& group : kGroupsV6) {
-    AddFilter(Permit(kLayerV6, {To(group), OffInterface(luid)}));
-  }
-  AddFilter(Block(kLayerV6, luid, kBlockWeightV6));
 }
 
 std::optional<Filter> InterfaceLeakProtection::PermitListedAddresses() const {
   if (luids_.empty() || permittedAddresses_ == nullptr || permittedAddressCount_ == 0) {
     return std::nullopt;
   }
-  FilterBuilder permit = FilterBuilder().CreateFilter(Action::Permit).InLayer(kLayerV4);
+  Filter permit(Permit);
   for (std::size_t i = 0; i < permittedAddressCount_; ++i) {
-    permit.WithCondition(ConditionEqual(new RemoteIpAddressV4(permittedAddresses_[i])));
+    permit.AddCondition(ConditionEqual(new RemoteIpAddressV4(permittedAddresses_[i])));
   }
-  return permit.SetWeight(kListedAddressWeight).OverrideOtherSublayers().Get();
+  return permit;
 }
 
 }  // namespace WfpFirewall::Sublayers

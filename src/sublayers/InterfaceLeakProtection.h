@@ -28,7 +28,8 @@ class WFPFIREWALL_API InterfaceLeakProtection : public Sublayer {
  private:
   void AddFiltersV4(UINT64 luid, const IpV4Address& serverAddress, const std::optional<Filter>& permitListed);
   void AddFiltersV6(UINT64 luid);
-  /// One filter, whose copies share the values of what may be a long list; or none.
+  /// A filter with nothing but the conditions on the permitted addresses, made once for all interfaces, as
+  /// the list may be long; none without addresses.
   [[nodiscard]] std::optional<Filter> PermitListedAddresses() const;
 
   std::vector<UINT64> luids_;

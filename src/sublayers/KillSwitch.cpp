@@ -5,7 +5,7 @@
 
 #include "filtering/FilterBuilder.h"
 #include "filtering/Values.h"
-#include "sublayers/KillSwitchLayers.h"
+#include "sublayers/Destinations.h"
 
 namespace WfpFirewall::Sublayers {
 namespace {
@@ -14,66 +14,88 @@ using Filtering::ConditionEqual;
 using Filtering::ConditionNotEqual;
 using Filtering::LayerType;
 using Filtering::Values::LoopbackFlag;
-using Filtering::Values::RemoteIpAddressAndMaskV4;
-using Filtering::Values::RemoteIpAddressAndMaskV6;
 using Filtering::Values::RemotePort;
+using enum Action;
 
-// Deliberate: the block has the weight of the permits. All of them are measured against one another by
-// the weights that the engine derives from their conditions, where the block, having none, is lightest.
+constexpr LayerType kLayersV4[]{LayerType::AleAuthConnectV4, LayerType::AleFlowEstablishedV4,
+                                LayerType::AleAuthRecvAcceptV4};
+constexpr LayerType kLayersV6[]{LayerType::AleAuthConnectV6, LayerType::AleFlowEstablishedV6,
+                                LayerType::AleAuthRecvAcceptV6};
+
+// The block weighs as much as the permits and still loses to them: among filters of the same weight the
+// engine asks those with conditions first, and the block has none.
 constexpr std::int16_t kWeight = 14;
-constexpr std::uint16_t kDnsPort = 53;
 
-struct NetworkV4 {
-  const char* address;
-  const char* mask;
-  bool overridesOtherSublayers = false;
+constexpr bool kFinal = true;
+
+enum class Test {
+  None,
+  Loopback,
+  Remote,  ///< of the row
+  RemotePortNotDns,
+};
+using enum Test;
+
+template <typename Network>
+struct Row {
+  Action action;
+  Test conditions[2]{};
+  Network remote{};
+  bool isFinal = false;
 };
 
-struct NetworkV6 {
-  const char* address;
-  int prefixLength;
+// The filters of each layer, with the numbers of docs/rule-sets.md#kill-switch.
+constexpr Row<NetworkV4> kRowsV4[]{
+    {Block},                                                                       // 1
+    {Permit, {Loopback}},                                                          // 2
+    {Permit, {Remote}, {"127.0.0.0", "255.0.0.0"}},                                // 3
+    {Permit, {Remote, RemotePortNotDns}, {"192.168.0.0", "255.255.0.0"}},          // 4
+    {Permit, {Remote, RemotePortNotDns}, {"172.16.0.0", "255.240.0.0"}},           // 5
+    {Permit, {Remote, RemotePortNotDns}, {"10.0.0.0", "255.0.0.0"}},               // 6
+    {Permit, {Remote, RemotePortNotDns}, {"239.255.255.250", "255.255.255.255"}},  // 7
+    // Final, so that no lighter sublayer keeps a client from asking for its address.
+    {Permit, {Remote, RemotePortNotDns}, {"255.255.255.255", "255.255.255.255"}, kFinal},  // 8
+};
+constexpr Row<NetworkV6> kRowsV6[]{
+    {Block},                                                 // 1
+    {Permit, {Remote}, {"::1", 128}},                        // 2
+    {Permit, {Loopback}},                                    // 3
+    {Permit, {Remote, RemotePortNotDns}, {"fe80::", 10}},    // 4
+    {Permit, {Remote, RemotePortNotDns}, {"fc00::", 7}},     // 5
+    {Permit, {Remote, RemotePortNotDns}, {"ff02::c", 128}},  // 6
+    {Permit, {Remote, RemotePortNotDns}, {"ff05::c", 128}},  // 7
+    {Permit, {Remote, RemotePortNotDns}, {"ff08::c", 128}},  // 8
+    {Permit, {Remote, RemotePortNotDns}, {"ff0e::c", 128}},  // 9
 };
 
-constexpr NetworkV4 kLoopbackV4{"127.0.0.0", "255.0.0.0"};
-constexpr NetworkV6 kLoopbackV6{"::1", 128};
-
-/// Destinations that stay reachable, except for name look-ups.
-constexpr NetworkV4 kLocalNetworksV4[]{
-    {"192.168.0.0", "255.255.0.0"},
-    {"172.16.0.0", "255.240.0.0"},
-    {"10.0.0.0", "255.0.0.0"},
-    {"239.255.255.250", "255.255.255.255"},
-    // Deliberate: limited broadcast is the one permit that other sublayers cannot take back. Address
-    // configuration relies on it.
-    {"255.255.255.255", "255.255.255.255", true},
-};
-
-constexpr NetworkV6 kLocalNetworksV6[]{
-    {"fe80::", 10}, {"fc00::", 7}, {"ff02::c", 128}, {"ff05::c", 128}, {"ff08::c", 128}, {"ff0e::c", 128},
-};
-
-FilterBuilder Begin(Action action, LayerType layer) {
-  return FilterBuilder().CreateFilter(action).InLayer(layer).SetWeight(kWeight);
+template <typename Network>
+void AddCondition(const FilterBuilder& filter, Test test, const Network& remote) {
+  switch (test) {
+    case None:
+      break;
+    case Loopback:
+      filter.WithCondition(ConditionEqual(new LoopbackFlag()));
+      break;
+    case Remote:
+      filter.WithCondition(RemoteIn(remote));
+      break;
+    case RemotePortNotDns:
+      filter.WithCondition(ConditionNotEqual(new RemotePort(kDnsPort)));
+      break;
+  }
 }
 
-Filter Block(LayerType layer) { return Begin(Action::Block, layer).Get(); }
-
-Filter PermitLoopbackFlag(LayerType layer) {
-  return Begin(Action::Permit, layer).WithCondition(ConditionEqual(new LoopbackFlag())).Get();
-}
-
-FilterBuilder PermitTo(LayerType layer, const NetworkV4& network) {
-  return Begin(Action::Permit, layer)
-      .WithCondition(ConditionEqual(new RemoteIpAddressAndMaskV4(network.address, network.mask)));
-}
-
-FilterBuilder PermitTo(LayerType layer, const NetworkV6& network) {
-  return Begin(Action::Permit, layer)
-      .WithCondition(ConditionEqual(new RemoteIpAddressAndMaskV6(network.address, network.prefixLength)));
-}
-
-FilterBuilder ExceptDns(const FilterBuilder& builder) {
-  return builder.WithCondition(ConditionNotEqual(new RemotePort(kDnsPort)));
+template <typename Network>
+Filter MakeFilter(LayerType layer, const Row<Network>& row) {
+  FilterBuilder filter = FilterBuilder().CreateFilter(row.action).InLayer(layer);
+  for (const Test test : row.conditions) {
+    AddCondition(filter, test, row.remote);
+  }
+  filter.SetWeight(kWeight);
+  if (row.isFinal) {
+    filter.OverrideOtherSublayers();
+  }
+  return filter.Get();
 }
 
 }  // namespace
@@ -83,27 +105,15 @@ KillSwitch::KillSwitch(GUID key, std::wstring name, std::wstring description)
   KillSwitch::BuildFilters();
 }
 
-// Deliberate: the loopback permits stand in a different order in the two families, and only the IPv4
-// broadcast permit overrides. Audits compare the list filter by filter.
 void KillSwitch::BuildFilters() {
-  for (const LayerType layer : kKillSwitchLayersV4) {
-    AddFilter(Block(layer));
-    AddFilter(PermitLoopbackFlag(layer));
-    AddFilter(PermitTo(layer, kLoopbackV4).Get());
-    for (const NetworkV4& network : kLocalNetworksV4) {
-      FilterBuilder permit = ExceptDns(PermitTo(layer, network));
-      if (network.overridesOtherSublayers) {
-        permit.OverrideOtherSublayers();
-      }
-      AddFilter(permit.Get());
+  for (const LayerType layer : kLayersV4) {
+    for (const Row<NetworkV4>& row : kRowsV4) {
+      AddFilter(MakeFilter(layer, row));
     }
   }
-  for (const LayerType layer : kKillSwitchLayersV6) {
-    AddFilter(Block(layer));
-    AddFilter(PermitTo(layer, kLoopbackV6).Get());
-    AddFilter(PermitLoopbackFlag(layer));
-    for (const NetworkV6& network : kLocalNetworksV6) {
-      AddFilter(ExceptDns(PermitTo(layer, network)).Get());
+  for (const LayerType layer : kLayersV6) {
+    for (const Row<NetworkV6>& row : kRowsV6) {
+      AddFilter(MakeFilter(layer, row));
     }
   }
 }

@@ -5,7 +5,6 @@
 
 #include "filtering/AppId.h"
 #include "filtering/FilterBuilder.h"
-#include "sublayers/KillSwitchLayers.h"
 
 namespace WfpFirewall::Sublayers {
 namespace {
@@ -15,6 +14,10 @@ using Filtering::LayerType;
 using Filtering::Values::AppId;
 
 constexpr std::int16_t kWeight = 14;
+
+constexpr LayerType kLayers[]{LayerType::AleAuthConnectV4,     LayerType::AleFlowEstablishedV4,
+                              LayerType::AleAuthRecvAcceptV4,  LayerType::AleAuthConnectV6,
+                              LayerType::AleFlowEstablishedV6, LayerType::AleAuthRecvAcceptV6};
 
 Filter PermitApp(LayerType layer, const std::wstring& path) {
   return FilterBuilder()
@@ -34,11 +37,9 @@ KillSwitchWithWhitelistedApps::KillSwitchWithWhitelistedApps(KillSwitch& killSwi
 }
 
 void KillSwitchWithWhitelistedApps::BuildFilters() {
-  for (const auto& layers : {kKillSwitchLayersV4, kKillSwitchLayersV6}) {
-    for (const LayerType layer : layers) {
-      for (const std::wstring& path : apps_) {
-        AddFilter(PermitApp(layer, path));
-      }
+  for (const LayerType layer : kLayers) {
+    for (const std::wstring& path : apps_) {
+      AddFilter(PermitApp(layer, path));
     }
   }
 }

@@ -6,6 +6,7 @@
 
 #include "filtering/FilterBuilder.h"
 #include "filtering/Values.h"
+#include "sublayers/Destinations.h"
 
 namespace WfpFirewall::Sublayers {
 namespace {
@@ -13,16 +14,16 @@ namespace {
 using Filtering::ConditionEqual;
 using Filtering::LayerType;
 using Filtering::Values::LocalInterfaceLuid;
-using Filtering::Values::RemoteIpAddressAndMaskV4;
 using Filtering::Values::RemoteIpAddressV4;
 
 // A peer's address may lie in the blocked range: the permit has to outweigh the block.
 constexpr std::int16_t kBlockWeight = 14;
 constexpr std::int16_t kPermitWeight = 15;
 
-// Deliberate: inbound and IPv4 only. What the machine itself sends to peers is the other rule sets' to
-// judge.
+// Inbound and IPv4 only, see docs/rule-sets.md#skein.
 constexpr LayerType kLayers[]{LayerType::AleAuthRecvAcceptV4};
+
+constexpr NetworkV4 kBlockedNetwork{"100.64.0.0", "255.192.0.0"};
 
 FilterBuilder Begin(Action action, LayerType layer, UINT64 luid) {
   return FilterBuilder()
@@ -49,7 +50,7 @@ SkeinFirewallRules::SkeinFirewallRules(GUID key, std::wstring name, std::wstring
 void SkeinFirewallRules::AddSkeinBlockFilters(LayerType layer) {
   for (const UINT64 luid : luids_) {
     AddFilter(Begin(Action::Block, layer, luid)
-                  .WithCondition(ConditionEqual(new RemoteIpAddressAndMaskV4("100.64.0.0", "255.192.0.0")))
+                  .WithCondition(RemoteIn(kBlockedNetwork))
                   .SetWeight(kBlockWeight)
                   .Get());
   }
