@@ -36,8 +36,8 @@ constexpr FailureTexts kFirewallCopyTexts{"NATIVE: Win Firewall Copy FirewallExc
 constexpr FailureTexts kInterfaceLeakTexts{"NATIVE: IFaceLeakProtection FirewallException",
                                            "NATIVE: IFaceLeakProtection RemoveSublayer FirewallException"};
 
-/// Builds a rule set and registers it; says whether that worked. Deliberate: a failure neither ends the
-/// command nor becomes its result. The rule set is left out and the others still protect.
+/// Builds a rule set and registers it; says whether that worked. A failure neither ends the command nor
+/// becomes its result: the rule set is left out and the others still protect.
 template <typename Build>
 bool Register(const GUID& key, const FailureTexts& texts, LogCallback log, const Build& build) {
   try {
@@ -55,9 +55,9 @@ bool Register(const GUID& key, const FailureTexts& texts, LogCallback log, const
   return false;
 }
 
-void RegisterDnsRules(const std::vector<std::uint64_t>& luids, LogCallback log) {
+bool RegisterDnsRules(const std::vector<std::uint64_t>& luids, LogCallback log) {
   const RuleSetIdentity& identity = Identities().dnsLeak;
-  Register(identity.guid, kDnsLeakTexts, log, [&] {
+  return Register(identity.guid, kDnsLeakTexts, log, [&] {
     DnsLeakProtection rules(identity.guid, identity.name, identity.description, luids,
                             Identities().dnsPermittedAppPath);
     log("NATIVE: LeakProtection dnsLeakSublayer set weight");
@@ -66,28 +66,22 @@ void RegisterDnsRules(const std::vector<std::uint64_t>& luids, LogCallback log) 
   });
 }
 
-void RegisterFirewallCopy(LogCallback log) {
-  Register(Identities().firewallCopy.guid, kFirewallCopyTexts, log, [] {
+bool RegisterFirewallCopy(LogCallback log) {
+  return Register(Identities().firewallCopy.guid, kFirewallCopyTexts, log, [] {
     BlockAppsBlockedInWinFirewall rules;
     rules.SetWeight(kFirewallCopyWeight);
     return rules;
   });
 }
 
-/// Registers interface rules in the place of any that there are, and before them the rule sets that they
-/// come with. Says whether the interface rules could be built.
-template <typename Build>
-bool RegisterAll(const std::vector<std::uint64_t>& luids, LogCallback log, const Build& buildInterfaceRules) {
-  const GUID& interfaceLeak = Identities().interfaceLeak.guid;
-  if (IsRegistered(interfaceLeak)) {
-    Module().firewall->TransactionBegin();
-    log("NATIVE: LeakProtection already enabled - changing only whitelisted IP.");
-    Module().firewall->RemoveSublayer(interfaceLeak);
-  } else {
-    RegisterDnsRules(luids, log);
-    RegisterFirewallCopy(log);
-  }
-  return Register(interfaceLeak, kInterfaceLeakTexts, log, buildInterfaceRules);
+bool RegisterInterfaceRules(const std::vector<std::uint64_t>& luids, const char* serverAddress,
+                            const std::uint32_t* permittedAddresses, std::uint64_t permittedAddressCount,
+                            LogCallback log) {
+  const RuleSetIdentity& identity = Identities().interfaceLeak;
+  return Register(identity.guid, kInterfaceLeakTexts, log, [&] {
+    return InterfaceLeakProtection(identity.guid, identity.name, identity.description, luids,
+                                   IpV4Address(serverAddress), permittedAddresses, permittedAddressCount);
+  });
 }
 
 /// Attempts all three removals, whatever becomes of each.
@@ -134,11 +128,17 @@ std::uint64_t CORVANE_CALL EnableLeakProtection(const char* serverAddress, LogCa
       FindAllowedInterfaces(CopyTexts(interfaceNames, interfaceCount), interfaceLuid, log);
   try {
     Firewall& firewall = *Module().firewall;
-    const bool hasInterfaceRules = RegisterAll(luids, log, [&] {
-      const RuleSetIdentity& identity = Identities().interfaceLeak;
-      return InterfaceLeakProtection(identity.guid, identity.name, identity.description, luids,
-                                     IpV4Address(serverAddress), permittedAddresses, permittedAddressCount);
-    });
+    const GUID& interfaceLeak = Identities().interfaceLeak.guid;
+    if (IsRegistered(interfaceLeak)) {
+      firewall.TransactionBegin();
+      log("NATIVE: LeakProtection already enabled - changing only whitelisted IP.");
+      firewall.RemoveSublayer(interfaceLeak);
+    } else {
+      RegisterDnsRules(luids, log);
+      RegisterFirewallCopy(log);
+    }
+    const bool hasInterfaceRules =
+        RegisterInterfaceRules(luids, serverAddress, permittedAddresses, permittedAddressCount, log);
     log("NATIVE: LeakProtection - apply firewall.");
     firewall.Apply();
     log("NATIVE: LeakProtection - transaction commit.");
