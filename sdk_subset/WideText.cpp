@@ -18,7 +18,7 @@ bool IsCharacter(char32_t unit) {
   return unit <= 0x10FFFF && !IsHighSurrogate(unit) && !IsLowSurrogate(unit);
 }
 
-/// The characters of the text; what is none as it stands.
+/// The characters of the text. A surrogate without its other half stays as it is.
 std::u32string ToCharacters(std::wstring_view text) {
   std::u32string characters;
   for (const wchar_t wide : text) {
@@ -60,7 +60,7 @@ std::string ToUtf8(std::u32string_view characters) {
   return utf8;
 }
 
-/// Whatever the language that the host is set to.
+/// The same on every host, whatever its language.
 wchar_t LowerCaseOf(wchar_t letter) {
   static const std::locale kUnicode("C.UTF-8");
   const auto& letters = std::use_facet<std::ctype<wchar_t>>(kUnicode);

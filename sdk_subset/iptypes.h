@@ -19,7 +19,7 @@ typedef struct IP_ADAPTER_GATEWAY_ADDRESS_ {
   SOCKET_ADDRESS Address;
 } IP_ADAPTER_GATEWAY_ADDRESS;
 
-/// Whole, because callers lay out buffers by its size. Lists that the sources do not read are untyped.
+/// With all its fields, because callers size buffers by it. Lists that the sources do not read are untyped.
 typedef struct IP_ADAPTER_ADDRESSES_ {
   ULONG Length;
   ULONG IfIndex;

@@ -14,9 +14,9 @@ extern "C" {
 #endif
 
 /**
- * Wide text to UTF-8. A unit is a character; a pair of surrogates is one too, so that text taken unit by
- * unit from UTF-16 converts as on the platform. What is no character becomes U+FFFD, or with
- * WC_ERR_INVALID_CHARS fails the call.
+ * Wide text to UTF-8. A unit is a character, and so is a pair of surrogates: text that was copied unit by
+ * unit from UTF-16 converts as on the platform. A surrogate without its other half becomes U+FFFD, or, with
+ * WC_ERR_INVALID_CHARS, makes the call fail.
  * @param codePage CP_UTF8.
  * @param length -1 if the text ends at its zero, which is then converted too.
  * @param buffer not used if size is 0.

@@ -15,7 +15,7 @@
 #define TRUE 1
 #define MAX_PATH 260
 
-/// An enumeration takes any value of its underlying type in C++, as it does on the platform.
+/// In C++ an enumeration with a fixed type may hold any value of that type, as on the platform.
 #ifdef __cplusplus
 #define SDK_SUBSET_ENUM(name) enum name : int
 #else

@@ -16,9 +16,9 @@ extern "C" {
 #endif
 
 /**
- * The lower case of a text, letter by letter. As on the platform, a letter stays as it is if its lower case
+ * The lower case of a text, letter by letter. As on the platform, a letter stays as it is when its lower case
  * has another upper case: U+0130, whose lower case is "i", and U+212A, the sign for kelvin. Letters beyond
- * the basic plane stay too.
+ * the basic plane also stay.
  * @param locale LOCALE_NAME_INVARIANT.
  * @param flags LCMAP_LOWERCASE.
  * @param length at least 1.

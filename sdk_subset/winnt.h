@@ -33,7 +33,7 @@ typedef struct SID_IDENTIFIER_AUTHORITY_ {
   BYTE Value[6];
 } SID_IDENTIFIER_AUTHORITY;
 
-/// SubAuthorityCount entries of SubAuthority follow each other.
+/// SubAuthority is the first of SubAuthorityCount entries.
 typedef struct SID_ {
   BYTE Revision;
   BYTE SubAuthorityCount;
@@ -86,7 +86,7 @@ typedef DWORD SECURITY_INFORMATION;
 #define DACL_SECURITY_INFORMATION 0x4
 #define SACL_SECURITY_INFORMATION 0x8
 
-/// The form that needs no fixed address: the parts are offsets from its start, 0 for none.
+/// The form that may lie at any address: its parts are offsets from its start, 0 for none.
 typedef struct SECURITY_DESCRIPTOR_RELATIVE_ {
   BYTE Revision;
   BYTE Sbz1;

@@ -9,7 +9,7 @@
 #include <sys/socket.h>
 #include <windef.h>
 
-/// The host has only the constants.
+/// The host's headers have the constants but not the type.
 typedef int IPPROTO;
 
 typedef USHORT ADDRESS_FAMILY;

@@ -1,6 +1,6 @@
 /**
  * @file
- * Conversion of address texts, which the host's headers of winsock2.h have.
+ * Conversion of address texts: the host's headers, which winsock2.h includes, declare it.
  */
 #pragma once
 

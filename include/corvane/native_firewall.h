@@ -3,16 +3,17 @@
  * The C interface of Corvane.Native.Firewall.dll, for hosts. Compiles as C11 and as C++20, by itself.
  *
  * Order of calls: Initialize first, once, then the commands in any order. Before Initialize the queries,
- * GetErrorText and commands that find nothing to do answer; a command that has something to install
- * fails the process.
+ * GetErrorText and commands that have nothing to do work; a command that has something to install crashes
+ * the process.
  *
- * Threads: any thread may call, one at a time. Nothing is locked, so the host serialises its calls. Each
+ * Threads: any thread may call, one at a time. The library has no locks: the host serialises its calls. Each
  * call does all its work on the caller's thread, callbacks included, and has finished when it returns.
  *
  * Arguments: the caller keeps ownership of everything that it passes; what is needed later is copied, so
- * all of it may be freed when the call returns. Null is refused nowhere and allowed only where it says
- * so. Texts are zero-terminated, wide ones UTF-16. Counts are of elements. IPv4 addresses are numbers in
- * host byte order: 10.0.0.1 is 0x0A000001. A NET_LUID is passed as the 64-bit number in its Value.
+ * all of it may be freed when the call returns. Null is allowed only where a parameter's comment says so, and
+ * no function checks for it. Texts are zero-terminated, wide ones UTF-16. Counts are of elements. IPv4
+ * addresses are numbers in host byte order: 10.0.0.1 is 0x0A000001. A NET_LUID is passed as the 64-bit number
+ * in its Value.
  *
  * Results: queries give 1 or 0. They tell what counts as installed, which after a failure may not be what
  * is in force. Commands give 0 for success and when there was nothing to do. Otherwise they give the code
@@ -21,14 +22,14 @@
  *
  * Exceptions: queries and GetErrorText cannot fail. Any other function may leave with std::bad_alloc when
  * there is no memory, and EnableLeakProtection and EnableSkeinFirewallRules with
- * WfpFirewall::Helpers::NetworkInfoException when Windows cannot list the network adapters; give the LUID,
- * and none are listed. Only a host in C++ built by the compiler that built the DLL can catch them. The DLL
- * as it is delivered was built with MinGW-w64; its exceptions end a host built with Visual Studio, or
- * written in another language.
+ * WfpFirewall::Helpers::NetworkInfoException when Windows cannot list the network adapters; a call that
+ * gives a LUID does not list them. Only a host in C++ built by the compiler that built the DLL can catch
+ * them. The DLL as it is delivered was built with MinGW-w64; its exceptions end a host built with Visual
+ * Studio, or written in another language.
  *
  * Stuck: some failures of a replacement leave a transaction of the engine open, which no command ends.
- * What was in force then stays in force until Initialize, whatever later commands give: 0 without taking
- * effect as a rule, FWP_E_TXN_IN_PROGRESS (0x8032000e) from one that replaces again. Other programs that
+ * What was in force then stays in force until Initialize. Later commands have no effect: as a rule they give
+ * 0 all the same, and one that replaces again gives FWP_E_TXN_IN_PROGRESS (0x8032000e). Other programs that
  * change the engine wait meanwhile. Only Initialize helps, and then all commands again; traffic is free in
  * between.
  *
@@ -37,8 +38,8 @@
  * ending, closes the session under the loader lock; call Initialize again first, which closes it in an
  * ordinary call.
  *
- * The page failures.md tells what each failure leaves behind, traps.md how a machine can be unprotected
- * unnoticed.
+ * The page failures.md tells what each failure leaves behind; traps.md tells how a machine can be unprotected
+ * without anybody noticing.
  */
 #ifndef CORVANE_NATIVE_FIREWALL_H
 #define CORVANE_NATIVE_FIREWALL_H
@@ -112,7 +113,7 @@ void CORVANE_CALL Initialize(
 
 /**
  * The text of the latest failure of a command. Success does not clear it, and EnableLeakProtection and
- * DisableLeakProtection never set it: log it only after another command gave something else than 0.
+ * DisableLeakProtection never set it: log it only after another command did not give 0.
  *
  * @return English, UTF-8, never null; empty before any failure. Owned by the library; valid until the
  *         next command that fails, so copy it at once.
@@ -166,7 +167,7 @@ uint64_t CORVANE_CALL DisableInternet(const wchar_t* const* apps, uint32_t appCo
 uint64_t CORVANE_CALL IsDhcpEnabled(void);
 
 /**
- * Installs rules that permit DHCP. They do not outdo a block of another rule set.
+ * Installs rules that permit DHCP. They do not overrule the blocks of other rule sets.
  *
  * @param log not null.
  * @return 0, also when they count as installed already; or the code of the failure, after which they
@@ -189,10 +190,10 @@ uint64_t CORVANE_CALL IsLeakProtectionEnabled(void);
 
 /**
  * Keeps traffic inside the tunnel, by three rule sets: name look-ups leave over the allowed interfaces
- * only, outgoing connections too, and applications that Windows Firewall blocks stay blocked. But for name
- * look-ups, loopback, the VPN server, the permitted addresses, local networks, broadcast and the multicast
- * of service discovery stay reachable over any interface. Called while it is on, it only replaces the rules
- * of outgoing connections, in a single engine transaction.
+ * only, outgoing connections too, and applications that Windows Firewall blocks stay blocked. Except for name
+ * look-ups, these stay reachable over any interface: loopback, the VPN server, the permitted addresses, local
+ * networks, broadcast and the multicast of service discovery. Called while it is on, it only replaces the
+ * rules of outgoing connections, in a single engine transaction.
  *
  * A rule set that cannot be built is left out: the result is 0 nonetheless; the log and
  * IsLeakProtectionEnabled tell. Never call it again until IsLeakProtectionEnabled gives 1: with the rules of
@@ -265,10 +266,10 @@ uint64_t CORVANE_CALL DisableLocalNetwork(LogCallback log);
 
 /**
  * Installs the rules of the Skein network: inbound connections from 100.64.0.0/10 over its interfaces are
- * blocked, but for those from its peers. Installed rules are removed first, without a transaction; what
- * then fails, or leaves as an exception, finds them gone. When the removal itself fails, the command gives
- * 0 with nothing in the log, and the new rules are missing; only GetErrorText has "Failed to remove
- * provider." So call DisableSkeinFirewallRules first, and look at its result.
+ * blocked, except for those from its peers. Installed rules are removed first, without a transaction; when
+ * the command then fails, or leaves with an exception, they are gone. When the removal itself fails, the
+ * command gives 0 with nothing in the log, and the new rules are missing; only GetErrorText has "Failed to
+ * remove provider." So call DisableSkeinFirewallRules first, and look at its result.
  *
  * @param log not null.
  * @param interfaceNames texts to look for, in their letter case, anywhere in the descriptions of the

@@ -6,9 +6,9 @@
 
 #include "engine/FirewallException.h"
 
-/// The common end of a failed command: keeps the text for GetErrorText and gives the command's result.
+/// The common end of a failed command: keeps the text for GetErrorText. @return the command's result.
 std::uint64_t FailWith(const WfpFirewall::FirewallException& error);
 
-/// The whole of a command that does nothing but remove a rule set: 0, also when it is not registered, or the
-/// code of the failure, after which it stays so.
+/// The whole of a command that only removes a rule set. @return 0, also when the rule set is not registered;
+/// or the code of the failure, after which it stays registered.
 std::uint64_t RemoveRuleSet(const GUID& key);

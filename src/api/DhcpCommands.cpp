@@ -17,8 +17,8 @@ std::uint64_t CORVANE_CALL EnableDhcp(LogCallback log) {
   try {
     const RuleSetIdentity& identity = Identities().dhcp;
     WfpFirewall::Sublayers::EnableDhcp rules(identity.guid, identity.name, identity.description);
-    // Deliberate: registered before it is applied, so that after a failure DisableDhcp clears up and a
-    // second EnableDhcp does not try again.
+    // Registered before it is applied: after a failure DisableDhcp then removes what there is, and a second
+    // EnableDhcp does nothing.
     Module().firewall->AddSublayer(rules);
     Module().firewall->Apply();
     log("NATIVE: dhcp enabled successfully.");
@@ -39,7 +39,7 @@ std::uint64_t CORVANE_CALL DisableDhcp(LogCallback log) {
     log("NATIVE: dhcp disabled successfully.");
     return 0;
   } catch (const FirewallException& error) {
-    // Deliberate: the word "enable" and the trailing blank; hosts match on the line as it stands.
+    // Contract: the word "enable" and the blank at the end, see docs/host-guide.md#the-log.
     log("NATIVE: failed to enable dhcp. ");
     log(error.what());
     return FailWith(error);

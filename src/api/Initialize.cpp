@@ -23,8 +23,8 @@ void CORVANE_CALL Initialize(
   identities.provider = {*providerKey, providerName, providerDescription};
   identities.killSwitch = {*killSwitchKey, killSwitchName, killSwitchDescription};
   identities.localNetwork.guid = *localNetworkKey;
-  // Deliberate: the description overwrites the name and is itself never stored. Installed systems know
-  // the local-network rule set by that text.
+  // Contract: the rule set is named after its description, and the description stays empty, see
+  // docs/rule-sets.md#local-network-block.
   identities.localNetwork.name = localNetworkName;
   identities.localNetwork.name = localNetworkDescription;
   identities.dhcp = {*dhcpKey, dhcpName, dhcpDescription};

@@ -6,8 +6,8 @@
 
 #include "corvane/native_firewall.h"
 
-/// LUIDs of the network adapters whose description contains one of the names, in their letter case; in
-/// the order of the machine's list. Logs the adapters found, then all that there are.
+/// LUIDs of the network adapters whose description contains one of the names; letter case counts. In the
+/// order of the machine's list. Logs the adapters found, then all that there are.
 /// @throws NetworkInfoException when the adapters cannot be listed.
 std::vector<std::uint64_t> GetInterfaceLuids(const std::vector<std::wstring>& names, LogCallback log);
 

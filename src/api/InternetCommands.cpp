@@ -71,7 +71,7 @@ std::uint64_t CORVANE_CALL DisableInternet(const wchar_t* const* apps, std::uint
     const bool replaces = IsInternetEnabled() == 0;
     if (replaces) {
       log("NATIVE: Remove killswitch layer");
-      // No failure from here on ends the transaction: the engine does when the session closes.
+      // After a failure from here on the transaction stays open until the session closes.
       firewall.TransactionBegin();
       firewall.RemoveSublayer(Identities().killSwitch.guid);
     }

@@ -142,15 +142,16 @@ std::uint64_t CORVANE_CALL EnableLeakProtection(const char* serverAddress, LogCa
     log("NATIVE: LeakProtection - apply firewall.");
     firewall.Apply();
     log("NATIVE: LeakProtection - transaction commit.");
-    // Deliberate: a transaction begun while the protection was incomplete stays open; the engine ends it
-    // with the session.
+    // Contract: a transaction that began while the protection was incomplete stays open until the session
+    // closes, see docs/host-guide.md#when-a-command-fails.
     if (wasEnabled && hasInterfaceRules) {
       firewall.TransactionCommit();
     }
     log("NATIVE: LeakProtection applying finished.");
     return 0;
   } catch (const FirewallException& error) {
-    // Deliberate: alone among the commands, this one leaves the error text as it was.
+    // Contract: the only command that leaves the error text as it was, see
+    // docs/host-guide.md#when-a-command-fails.
     RemoveLeakProtection();
     return error.GetErrorCode();
   }

@@ -22,8 +22,8 @@ std::uint64_t CORVANE_CALL DisableLocalNetwork(LogCallback log) {
   try {
     const RuleSetIdentity& identity = Identities().localNetwork;
     LocalNetworkBlock rules(identity.guid, identity.name, identity.description);
-    // Deliberate: registered before it is applied, so that after a failure EnableLocalNetwork clears up
-    // and a second DisableLocalNetwork does not try again.
+    // Registered before it is applied: after a failure EnableLocalNetwork then removes what there is, and a
+    // second DisableLocalNetwork does nothing.
     Module().firewall->AddSublayer(rules);
     log("NATIVE: Apply firewall.");
     Module().firewall->Apply();

@@ -6,7 +6,7 @@
 #include <string_view>
 #include <vector>
 
-/// UTF-8; what has no valid conversion becomes the replacement character.
+/// The text in UTF-8; a character that cannot be converted becomes U+FFFD.
 std::string ToNarrow(std::wstring_view text);
 
 /// Copies of a host's strings. @param texts may be null when count is 0.

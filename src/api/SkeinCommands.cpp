@@ -22,13 +22,13 @@ std::uint64_t CORVANE_CALL EnableSkeinFirewallRules(LogCallback log, const wchar
                                                     std::uint32_t interfaceCount, std::uint64_t interfaceLuid,
                                                     const std::uint32_t* peers, std::uint64_t peerCount) {
   if (IsSkeinFirewallRulesEnabled() == 1) {
-    // Deliberate: a failure here only leaves its text behind. The old rules then stay registered, and in
-    // the engine if their sublayer could not be deleted; the new ones are taken to be there already.
+    // Contract: a failure here only leaves its text behind, and the new rules are then missing, see
+    // docs/rule-sets.md#skein.
     DisableSkeinFirewallRules();
   }
   log("NATIVE: Enabling skein firewall rules");
   const std::vector<std::wstring> names = CopyTexts(interfaceNames, interfaceCount);
-  // Deliberate: two blanks; hosts match on the line as it stands.
+  // Contract: the two blanks, see docs/host-guide.md#the-log.
   log(ToNarrow(L"NATIVE: Enabling  skein firewall. Allowed interface: " + Join(names)).c_str());
   try {
     const std::vector<std::uint64_t> luids = ChooseInterfaceLuids(names, interfaceLuid, log);

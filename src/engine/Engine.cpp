@@ -6,7 +6,7 @@
 namespace WfpFirewall {
 namespace {
 
-/// Null when the engine refuses it: the enumeration then finds nothing.
+/// Null when the engine refuses; the enumeration then finds nothing.
 std::shared_ptr<void> CreateFilterEnumHandle(const std::shared_ptr<void>& engine) {
   HANDLE handle = nullptr;
   FwpmFilterCreateEnumHandle0(engine.get(), nullptr, &handle);
@@ -39,8 +39,9 @@ std::vector<Filter> Engine::GetAllBlockedAppsFilters() {
 
   FWPM_FILTER0** records = nullptr;
   UINT32 count = 0;
-  // Deliberate: a failing enumeration is not reported, it finds nothing. And the records are never given
-  // back: the copies' application identifiers point into them.
+  // The records are never freed: the application identifiers of the copies point into them. Contract: an
+  // enumeration that fails finds nothing, see
+  // docs/rule-sets.md#copy-of-windows-firewalls-application-blocks.
   FwpmFilterEnum0(engine.get(), enumHandle.get(), INFINITE, &records, &count);
 
   std::vector<Filter> filters;

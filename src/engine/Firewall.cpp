@@ -83,8 +83,7 @@ void Firewall::EnsureProvider() {
   const GUID providerKey = provider_.GetGuid();
   FWPM_PROVIDER0* existing = nullptr;
   if (FwpmProviderGetByKey0(engine_.get(), &providerKey, &existing) == ERROR_SUCCESS) {
-    // Deliberate: the record is neither read nor given back. It is one small block per session, which
-    // the accounting of engine memory in the tests counts on.
+    // The record is neither read nor freed: one small block of engine memory for each session.
     return;
   }
   std::wstring name = provider_.GetName();
@@ -96,7 +95,7 @@ void Firewall::EnsureProvider() {
   record.flags = provider_.IsPersistent() ? FWPM_PROVIDER_FLAG_PERSISTENT : 0;
   record.serviceName = name.data();
   if (FwpmProviderAdd0(engine_.get(), &record, nullptr) != ERROR_SUCCESS) {
-    // Deliberate: alone among the failures, this one does not carry the engine's code.
+    // Contract: the only failure that does not carry the engine's code, see docs/host-guide.md#texts.
     throw FirewallException("Failed to add provider");
   }
 }

@@ -56,7 +56,7 @@ void Sublayer::Apply(HANDLE engine, const Provider& provider) {
     record.displayData = {name_.data(), description_.data()};
     record.providerKey = &providerKey;
   }
-  // Room first: no filter gets into the engine whose id could then not be kept.
+  // Room for the ids first: when memory is short, no filter gets into the engine without its id being kept.
   filterIds_.reserve(filterIds_.size() + records.size());
   for (const FWPM_FILTER0& record : records) {
     UINT64 id = 0;
@@ -90,8 +90,8 @@ void Sublayer::Destroy(HANDLE engine) {
   filterIds_.clear();
 
   const DWORD result = FwpmSubLayerDeleteByKey0(engine, &guid_);
-  // Deliberate: the provider's not-found code is the one tolerated, and the text names the provider.
-  // Hosts tell failures apart by both.
+  // Contract: the text names the provider, and the code tolerated is the provider's not-found, not the
+  // sublayer's. See docs/host-guide.md#texts and #codes.
   if (result != ERROR_SUCCESS && result != static_cast<DWORD>(FWP_E_PROVIDER_NOT_FOUND)) {
     throw FirewallException("Failed to remove provider.", result);
   }

@@ -13,7 +13,7 @@
 namespace WfpFirewall {
 
 /// A sublayer of the engine with its filters: the base of every rule set. A rule set's constructor adds
-/// its filters; from then on only this base matters, so copies of the base stand for the rule set.
+/// its filters; after that a copy of this base is as good as the rule set.
 /// The only place where filters enter or leave the engine.
 class WFPFIREWALL_API Sublayer {
  public:

@@ -7,9 +7,9 @@
 
 namespace WfpFirewall::Filtering::Values {
 
-/// What a condition compares a field with. The most derived class says which field: Values::LocalPort the
-/// local port, for one. A class that is marked "base" names none, and is refused when a filter is made
-/// native.
+/// What a condition compares a field with. The most derived class says which field: Values::LocalPort, for
+/// example, the local port. A class that is marked "base" names no field, and is refused when a filter is
+/// made native.
 class WFPFIREWALL_API BaseValue {
  public:
   virtual ~BaseValue() = default;
@@ -27,14 +27,13 @@ class WFPFIREWALL_API BaseValue {
 template <typename T>
 class Value : public BaseValue {
  public:
-  /// The held T, owned by the value and its copies; null when the value holds nothing, as one that was moved
-  /// from.
+  /// The held T, owned by the value and its copies; null when the value was moved from or made without one.
   [[nodiscard]] T* GetValue() const { return value_.get(); }
 
  protected:
   Value() = default;
   explicit Value(T value) : value_(std::make_shared<T>(std::move(value))) {}
-  /// Takes over an object that is given back in its own way.
+  /// Takes over an object that has its own way of being freed.
   explicit Value(std::shared_ptr<T> value) : value_(std::move(value)) {}
 
  private:

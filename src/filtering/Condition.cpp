@@ -27,13 +27,13 @@ constexpr MatchPair kMatchPairs[]{
     {ConditionType::Range, FWP_MATCH_RANGE},
 };
 
-/// A value that the engine gives by pointer; null if the pointer is, as in a test for an unset field.
+/// A value that the engine gives by pointer. Null when the pointer is null, as in a test for an unset field.
 template <typename ValueClass, typename Native>
 std::unique_ptr<BaseValue> ReadPointer(const Native* native) {
   return native == nullptr ? nullptr : std::make_unique<ValueClass>(*native);
 }
 
-/// The value of one of the four address fields, in the class that fits its data type; null if none does.
+/// The value of one of the four address fields, in the class that fits its data type. Null when none fits.
 template <typename Address, typename NetworkV4, typename NetworkV6>
 std::unique_ptr<BaseValue> ReadAddress(const FWP_CONDITION_VALUE0& value) {
   switch (value.type) {
@@ -94,8 +94,8 @@ FWP_MATCH_TYPE MapConditionType(ConditionType type) {
 }
 
 ConditionType MapConditionType(FWP_MATCH_TYPE type) {
-  // Deliberate: a greater-than condition of the engine reads as NotEqual. Copies of other products'
-  // filters have always been made so.
+  // Contract: "greater" reads as "not equal", see
+  // docs/rule-sets.md#copy-of-windows-firewalls-application-blocks.
   if (type == FWP_MATCH_GREATER) {
     return ConditionType::NotEqual;
   }

@@ -34,8 +34,8 @@ class WFPFIREWALL_API Condition {
  public:
   /// Takes ownership of value.
   Condition(ConditionType type, Values::BaseValue* value);
-  /// A range, both ends included. Takes ownership of both. Of ports and of networks it can be made, but is
-  /// refused when the filter is made native, see Values::Port.
+  /// A range, both ends included. Takes ownership of both. A range of ports or of networks can be made, but
+  /// is refused when the filter is made native, see Values::Port.
   Condition(ConditionType type, Values::BaseValue* low, Values::BaseValue* high);
 
   /// True when made with two values, whatever the type.

@@ -24,7 +24,7 @@ FWP_VALUE0 ToNativeWeight(std::int16_t weight) {
   return native;
 }
 
-/// Writes the types that stand alone as well as at the end of a range; false for any other.
+/// Writes a value of a type that may stand alone or be an end of a range; false for any other type.
 template <typename NativeValue>
 bool WriteCommonType(const NativeField& field, NativeValue& native) {
   native.type = field.type;
@@ -69,7 +69,7 @@ FWP_CONDITION_VALUE0 ToNativeValue(const NativeField& field) {
 FWP_VALUE0 ToNativeRangeEnd(const NativeField& field) {
   auto native = FWP_VALUE0();
   if (!WriteCommonType(field, native)) {
-    // Deliberate: 16-bit ends are refused, so a range of ports cannot be expressed.
+    // That goes for ports, which have 16 bits, and for networks.
     throw FirewallException("Not supported value type in range.");
   }
   return native;
@@ -139,11 +139,12 @@ FWPM_FILTER0 Filter::ToNativeFilter() {
 Filter Filter::BuildFromNative(FWPM_FILTER0* native) {
   Filter filter(native->action.type == FWP_ACTION_BLOCK ? Action::Block : Action::Permit);
   filter.SetLayer(Filtering::Layer::FromNative(native->layerKey));
-  // Deliberate: the first byte of the union whatever its type, which is what an 8-bit weight keeps there.
+  // The first byte of the union, whatever its type: that is where an 8-bit weight stands.
   std::uint8_t weight = 0;
   std::memcpy(&weight, &native->weight.uint8, sizeof(weight));
   filter.SetWeight(weight);
-  // Deliberate: any other flag beside it means no override.
+  // This flag alone. Contract: with another flag beside it the copy does not override, see
+  // docs/rule-sets.md#copy-of-windows-firewalls-application-blocks.
   if (native->flags == FWPM_FILTER_FLAG_CLEAR_ACTION_RIGHT) {
     filter.OverrideOtherSublayers();
   }

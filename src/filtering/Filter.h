@@ -33,9 +33,9 @@ class WFPFIREWALL_API Filter {
   void OverrideOtherSublayers();
   void AddCondition(Filtering::Condition condition);
 
-  /// The engine's record, complete but for names, provider and sublayer, which whoever adds it fills
-  /// in. It points into this filter and is valid until the next call or the filter's end.
-  /// @throws FirewallException for a layer, match type or value that the engine's form does not have.
+  /// The engine's record, complete but for names, provider and sublayer: the caller fills these in. It
+  /// points into this filter and is valid until the next call or the filter's end.
+  /// @throws FirewallException for a layer, match type or value that has no native form.
   FWPM_FILTER0 ToNativeFilter();
 
   /// Reads a filter of the engine; key, id, names, provider and sublayer are not kept. An application

@@ -10,8 +10,8 @@ namespace WfpFirewall {
 /// An IPv4 address, held as the dotted-quad text or as the number that it was made from.
 class WFPFIREWALL_API IpV4Address {
  public:
-  /// @param address host byte order. A number with its top bit set (128.0.0.0 and above) cannot be
-  ///        given this way: it reads as "see the text", and such addresses must be given as text.
+  /// @param address host byte order. A number with its top bit set (128.0.0.0 and above) counts as "see the
+  ///        text": such addresses must be given as text.
   explicit IpV4Address(int address);
   /// @param text dotted quad, not checked here.
   explicit IpV4Address(std::string text);
@@ -28,8 +28,8 @@ class WFPFIREWALL_API IpV4Address {
   std::int32_t address_;
 };
 
-// Made from numbers: all four compare equal, and the two of 255.255.255.255, whose top bit is set, give 0
-// as a number.
+// All four are made from numbers and so compare equal. 255.255.255.255 has its top bit set: GetAddressInt
+// gives 0 for it.
 WFPFIREWALL_API IpV4Address IpV4AddressNone();       ///< 255.255.255.255
 WFPFIREWALL_API IpV4Address IpV4AddressAny();        ///< 0.0.0.0
 WFPFIREWALL_API IpV4Address IpV4AddressLoopback();   ///< 127.0.0.1

@@ -14,8 +14,7 @@ constexpr std::size_t kTextSize = 65;
 
 IpV6Address::IpV6Address(std::string text) : text_(std::move(text)) {}
 
-// Deliberate: hasBytes_ stays false, so an address made from bytes can be printed but never reaches
-// a filter.
+// hasBytes_ stays false: an address made from bytes can be printed, but GetAddressBytes refuses it.
 IpV6Address::IpV6Address(in6_addr bytes) : bytes_(bytes) {}
 
 in6_addr IpV6Address::GetAddressBytes() const {

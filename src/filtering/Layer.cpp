@@ -53,7 +53,7 @@ GUID MapLayerType(LayerType type) {
     throw FirewallException("Layer type None cant be set.");
   }
   for (const LayerPair& pair : kLayerPairs) {
-    // Deliberate: the IPv6 forwarding layer can be read from the engine but not written.
+    // The IPv6 forwarding layer can be read from the engine but not written.
     if (pair.type == type && type != LayerType::IpForwardV6) {
       return pair.key;
     }

@@ -160,8 +160,8 @@ class WFPFIREWALL_API RemoteIpAddressAndMaskV6 : public IpAddressAndMaskV6 {
       : IpAddressAndMaskV6(address, prefixLength) {}
 };
 
-/// Deliberate: of the IPv6 networks only the remote one can reach the engine; this one and the next
-/// two are refused when the filter is made native.
+/// Of the IPv6 networks only the remote one can reach the engine: this class and the next two are refused
+/// when the filter is made native.
 class WFPFIREWALL_API LocalIpAddressAndMaskV6 : public IpAddressAndMaskV6 {
  public:
   explicit LocalIpAddressAndMaskV6(FWP_V6_ADDR_AND_MASK network) : IpAddressAndMaskV6(network) {}
@@ -189,9 +189,9 @@ class WFPFIREWALL_API SourceIpAddressAndMaskV6 : public IpAddressAndMaskV6 {
       : IpAddressAndMaskV6(address, prefixLength) {}
 };
 
-/// Base: a TCP or UDP port. In a range it is refused when the filter is made native ("Not supported value
-/// type in range."), deliberately: a range's ends are byte blobs or numbers of 8, 32 or 64 bits, and a port
-/// has 16. Two conditions, from and up to, do not make a range of ports either: on one field they are
+/// Base: a TCP or UDP port. A range of ports is refused when the filter is made native ("Not supported value
+/// type in range."): the ends of a range are byte blobs or numbers of 8, 32 or 64 bits, and a port has 16.
+/// Two conditions, "at least" and "at most", do not make a range of ports either: on one field they are
 /// alternatives.
 class WFPFIREWALL_API Port : public Value<std::uint16_t> {
  public:

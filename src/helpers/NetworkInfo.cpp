@@ -19,7 +19,7 @@ namespace {
 
 constexpr ULONG kAdapterFlags =
     GAA_FLAG_SKIP_ANYCAST | GAA_FLAG_SKIP_MULTICAST | GAA_FLAG_SKIP_DNS_SERVER | GAA_FLAG_INCLUDE_GATEWAYS;
-/// What the platform's documentation advises, so that one call mostly does.
+/// The size that the platform's documentation advises: one call is then enough as a rule.
 constexpr ULONG kFirstBufferSize = 15 * 1024;
 constexpr int kTries = 3;
 
@@ -61,8 +61,7 @@ std::optional<SocketAddress> ReadSocketAddress(const SOCKET_ADDRESS& address, AD
 void OfferGateways(const IP_ADAPTER_ADDRESSES& adapter, NetworkInterface& networkInterface) {
   for (const auto* gateway = adapter.FirstGatewayAddress; gateway != nullptr; gateway = gateway->Next) {
     if (const auto ipv4 = ReadSocketAddress<sockaddr_in>(gateway->Address, AF_INET)) {
-      // Deliberate: the number goes in as it lies in memory, in network order. It is compared by its
-      // (empty) text only.
+      // The number stays in network byte order. Nothing reads it: addresses are compared by their texts.
       networkInterface.OfferAddress(IpV4Address(static_cast<int>(ipv4->sin_addr.s_addr)));
     } else if (const auto ipv6 = ReadSocketAddress<sockaddr_in6>(gateway->Address, AF_INET6)) {
       networkInterface.OfferAddress(IpV6Address(ipv6->sin6_addr));
@@ -101,7 +100,7 @@ std::vector<NetworkInterface> NetworkInfo::GetInterfaces() {
   try {
     AddDevices(interfaces);
   } catch (...) {
-    // One odd device must not hide the adapters; the devices before it stay in the list.
+    // One odd device must not hide the adapters. The devices before it stay in the list.
   }
   try {
     AddAdapters(interfaces);

@@ -11,8 +11,8 @@ bool Same(const IpV6Address& left, const IpV6Address& right) {
   return left.GetAddressString() == right.GetAddressString();
 }
 
-// Deliberate: only an address that is already there is taken. The lists of the machine's interfaces start
-// empty and so stay empty, which is what the rule sets count on: they name interfaces by LUID alone.
+// Takes only an address that the list already holds. The lists of the machine's interfaces start empty and so
+// stay empty; the rule sets need none, they name interfaces by LUID alone.
 template <typename Address>
 void Offer(std::vector<Address>& addresses, const Address& address) {
   if (std::any_of(addresses.begin(), addresses.end(),

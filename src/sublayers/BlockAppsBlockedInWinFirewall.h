@@ -5,9 +5,9 @@
 
 namespace WfpFirewall::Sublayers {
 
-/// A copy of the machine's application blocks, so that what Windows Firewall blocks stays blocked among
-/// this library's permits. A snapshot: blocks added later are not in it. Takes its identity from what the
-/// host handed over at Initialize.
+/// A copy of the machine's application blocks, so that what Windows Firewall blocks stays blocked
+/// despite this library's permits. A snapshot: blocks added later are not in it. Takes its identity from what
+/// the host handed over at Initialize.
 class WFPFIREWALL_API BlockAppsBlockedInWinFirewall : public Sublayer {
  public:
   /// @throws FirewallException as Engine::GetAllBlockedAppsFilters.

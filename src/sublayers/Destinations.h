@@ -10,7 +10,7 @@ namespace WfpFirewall::Sublayers {
 /// The remote port of name look-ups.
 inline constexpr std::uint16_t kDnsPort = 53;
 
-/// An IPv4 network in a rule set's table. Texts, which are read when the rule set is built.
+/// An IPv4 network in a rule set's table, as texts that are read when the rule set is built.
 struct NetworkV4 {
   const char* address;
   const char* mask;

@@ -13,7 +13,7 @@
 
 namespace WfpFirewall::Sublayers {
 
-/// Keeps outgoing connections on given interfaces, but for local, private and multicast destinations,
+/// Keeps outgoing connections on given interfaces, except those to local, private and multicast destinations,
 /// the VPN server and explicitly permitted addresses. With n interfaces, 21 * n filters, or 20 * n
 /// without permitted addresses; none without interfaces.
 class WFPFIREWALL_API InterfaceLeakProtection : public Sublayer {

@@ -9,8 +9,9 @@
 
 namespace WfpFirewall::Sublayers {
 
-/// Cuts the machine off the network: blocks every connection but loopback and a fixed list of local,
-/// link-local, multicast and broadcast destinations, name look-ups to those excepted. 51 filters.
+/// Cuts the machine off the network: blocks every connection except loopback and those to a fixed list of
+/// local, link-local, multicast and broadcast destinations. Name look-ups to these are blocked too. 51
+/// filters.
 class WFPFIREWALL_API KillSwitch : public Sublayer {
  public:
   KillSwitch(GUID key, std::wstring name, std::wstring description);

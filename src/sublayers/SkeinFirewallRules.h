@@ -28,7 +28,7 @@ class WFPFIREWALL_API SkeinFirewallRules : public Sublayer {
   void AddSkeinPermitFilters(Filtering::LayerType layer);
 
   std::vector<UINT64> luids_;
-  const UINT32* addresses_;  // dangles once the constructor is done
+  const UINT32* addresses_;  // valid only while the constructor runs
   std::size_t count_;
 };
 

@@ -14,7 +14,7 @@ namespace {
 
 constexpr auto kUnit = "DeviceInfoSet.cpp";
 
-// Parts of the error texts, which stay the same when the code moves.
+// Parts of the error texts: they stay the same when the code moves to other lines.
 constexpr int kEnumLine = 73;
 constexpr int kOpenKeyLine = 309;
 

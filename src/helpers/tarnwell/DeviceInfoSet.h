@@ -14,8 +14,8 @@ struct NetworkDevice {
 };
 
 /// Hands each present network device to the visitor, in the device installer's order.
-/// @throws std::runtime_error when a call fails or a device lacks one of its properties; the devices
-///         before it have been visited then.
+/// @throws std::runtime_error when a call fails or a device lacks one of its properties; by then the
+///         visitor has had the devices before it.
 void ForEachNetworkDevice(const std::function<void(NetworkDevice)>& visit);
 
 }  // namespace Tarnwell

@@ -10,7 +10,7 @@
 namespace Tarnwell {
 namespace {
 
-/// Part of the error text, which stays the same when the code moves.
+/// Part of the error text: it stays the same when the code moves to another line.
 constexpr int kConvertLine = 35;
 
 }  // namespace

@@ -12,7 +12,7 @@ namespace {
 constexpr auto kUnit = "RegistryProperty.cpp";
 constexpr auto kUnitName = "RegistryProperty";
 
-// Parts of the error texts, which stay the same when the code moves.
+// Parts of the error texts: they stay the same when the code moves to other lines.
 constexpr int kNumberLine = 27;
 constexpr int kBigEndianNumberLine = 31;
 constexpr int kLongNumberLine = 35;
@@ -38,14 +38,14 @@ constexpr std::array<std::wstring_view, 12> kTypeNames{
     L"REG_QWORD",
 };
 
-/// All whole characters of the data.
+/// The characters of the data; an incomplete one at the end is dropped.
 std::wstring ToCharacters(std::span<const std::byte> data) {
   std::wstring text(data.size() / sizeof(wchar_t), L'\0');
   std::ranges::copy(data.first(text.size() * sizeof(wchar_t)), reinterpret_cast<std::byte*>(text.data()));
   return text;
 }
 
-/// What stands before the first zero.
+/// The characters before the first zero.
 std::wstring ToString(std::span<const std::byte> data) {
   const std::wstring characters = ToCharacters(data);
   return characters.substr(0, characters.find(L'\0'));

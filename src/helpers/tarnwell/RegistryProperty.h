@@ -24,7 +24,7 @@ using RegistryProperty = std::variant<std::monostate, std::uint32_t, std::wstrin
 std::wstring_view RegistryTypeName(DWORD type);
 
 /// Decodes registry data. A string ends at its first zero, a list of strings at its first empty string;
-/// terminators may be missing. Nothing comes of an unknown type.
+/// terminators may be missing. An unknown type gives nothing.
 /// @throws std::runtime_error when the data of a number is too short.
 RegistryProperty DecodeRegistryProperty(DWORD type, std::span<const std::byte> data);
 

@@ -5,7 +5,7 @@
 namespace Tarnwell {
 namespace {
 
-/// Part of the error text, which stays the same when the code moves.
+/// Part of the error text: it stays the same when the code moves to another line.
 constexpr int kGetClassDevsLine = 18;
 
 }  // namespace

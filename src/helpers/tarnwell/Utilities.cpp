@@ -13,7 +13,7 @@ struct LocalMemoryDeleter {
   void operator()(void* memory) const { LocalFree(memory); }
 };
 
-/// snprintf into a string of just the size that the whole text needs.
+/// snprintf into a string, whatever the length of the text.
 template <typename... Arguments>
 std::string Format(const char* format, Arguments... arguments) {
   const int length = std::snprintf(nullptr, 0, format, arguments...);

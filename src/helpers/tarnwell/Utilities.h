@@ -6,7 +6,7 @@ namespace Tarnwell {
 
 /// Reports a failed system call.
 /// @param unit file name of the source unit.
-/// @param code system error code; its text is asked of the system.
+/// @param code system error code; the system gives its text.
 /// @throws std::runtime_error always.
 [[noreturn]] void RaiseSystemError(const char* unit, int line, DWORD code, const char* call);
 
