@@ -7,7 +7,7 @@
 #include <vector>
 
 #include "catalog/WindowsVersion.h"
-#include "emulator/ObjectStore.h"
+#include "emulator/KindStore.h"
 
 namespace EngineEmulator {
 

@@ -4,7 +4,7 @@
  */
 #pragma once
 
-#include "emulator/ObjectStore.h"
+#include "emulator/KindStore.h"
 
 namespace EngineEmulator {
 

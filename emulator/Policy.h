@@ -6,7 +6,7 @@
 
 #include <tuple>
 
-#include "emulator/ObjectStore.h"
+#include "emulator/KindStore.h"
 
 namespace EngineEmulator {
 
@@ -19,26 +19,26 @@ class Policy {
   explicit Policy(const Policy* base) : base_(base), stores_(Over(base->stores_)) {}
 
   template <class Native>
-  const ObjectStore<Native>& Objects() const {
-    return std::get<ObjectStore<Native>>(stores_);
+  const KindStore<Native>& Objects() const {
+    return std::get<KindStore<Native>>(stores_);
   }
 
   template <class Native>
   void Add(const ObjectPtr<Native>& object) {
-    std::get<ObjectStore<Native>>(stores_).Insert(object);
+    std::get<KindStore<Native>>(stores_).Insert(object);
     CountReferences(object->Record(), 1);
   }
 
   /// Puts an object in the place of one that differs in nothing but its security.
   template <class Native>
   void Replace(const ObjectPtr<Native>& object) {
-    std::get<ObjectStore<Native>>(stores_).Insert(object);
+    std::get<KindStore<Native>>(stores_).Insert(object);
   }
 
   template <class Native>
   void Remove(const ObjectPtr<Native>& object) {
     CountReferences(object->Record(), -1);
-    std::get<ObjectStore<Native>>(stores_).Erase(*object);
+    std::get<KindStore<Native>>(stores_).Erase(*object);
   }
 
   /// Makes the changes that another policy holds which lies over this one.
@@ -55,7 +55,7 @@ class Policy {
 
  private:
   template <class... Natives>
-  using Stores = std::tuple<ObjectStore<Natives>...>;
+  using Stores = std::tuple<KindStore<Natives>...>;
 
   template <class Native>
   struct ReferencesTo {
@@ -66,7 +66,7 @@ class Policy {
 
   template <class... Natives>
   static Stores<Natives...> Over(const Stores<Natives...>& base) {
-    return {ObjectStore<Natives>(&std::get<ObjectStore<Natives>>(base))...};
+    return {KindStore<Natives>(&std::get<KindStore<Natives>>(base))...};
   }
 
   template <class Native>

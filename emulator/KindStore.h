@@ -50,11 +50,11 @@ struct GuidHash {
 /// The objects of one kind. A store can lie over another one: it then holds the changes to that, and is read
 /// as if they had been made. Copying a store copies pointers, not objects.
 template <class Native>
-class ObjectStore {
+class KindStore {
  public:
-  ObjectStore() = default;
+  KindStore() = default;
   /// @param base must outlive this store.
-  explicit ObjectStore(const ObjectStore* base) : base_(base), count_(base->count_) {}
+  explicit KindStore(const KindStore* base) : base_(base), count_(base->count_) {}
 
   /// Null when there is none.
   ObjectPtr<Native> Find(const GUID& key) const {
@@ -91,7 +91,7 @@ class ObjectStore {
   }
 
   /// Makes the changes that another store holds which lies over this one.
-  void Apply(const ObjectStore& changes) {
+  void Apply(const KindStore& changes) {
     for (const auto& [number, object] : changes.byNumber_) {
       if (object != nullptr) {
         Insert(object);
@@ -120,7 +120,7 @@ class ObjectStore {
   }
 
  private:
-  const ObjectStore* base_ = nullptr;
+  const KindStore* base_ = nullptr;
   std::size_t count_ = 0;
   // Null stands for an object of the base that is erased.
   std::unordered_map<GUID, ObjectPtr<Native>, GuidHash> byKey_;
