@@ -67,7 +67,7 @@ Refusal CheckProviderReference(const GUID* providerKey, const CheckContext& cont
   if (providerKey == nullptr) {
     return {};
   }
-  const auto provider = context.policy.Objects<FWPM_PROVIDER0>().Find(*providerKey);
+  const auto provider = context.objects.OfKind<FWPM_PROVIDER0>().Find(*providerKey);
   const std::string name = "the provider " + Catalog::FormatGuid(*providerKey);
   if (provider == nullptr) {
     return {FWP_E_PROVIDER_NOT_FOUND, name + " does not exist"};
@@ -104,7 +104,7 @@ Refusal Check(const FWPM_SUBLAYER0& sublayer, const CheckContext& context) {
   if (Refusal refusal = CheckProviderReference(sublayer.providerKey, context)) {
     return refusal;
   }
-  return context.policy.Objects<FWPM_SUBLAYER0>().Count() < kMostSublayers
+  return context.objects.OfKind<FWPM_SUBLAYER0>().Count() < kMostSublayers
              ? Refusal()
              : Refusal(FWP_E_TOO_MANY_SUBLAYERS, "there are 65536 sublayers already");
 }
@@ -128,7 +128,7 @@ Refusal Check(const FWPM_CALLOUT0& callout, const CheckContext& context) {
   if (Refusal refusal = CheckProviderReference(callout.providerKey, context)) {
     return refusal;
   }
-  return context.policy.Objects<FWPM_CALLOUT0>().Count() < kMostCallouts
+  return context.objects.OfKind<FWPM_CALLOUT0>().Count() < kMostCallouts
              ? Refusal()
              : Refusal(FWP_E_TOO_MANY_CALLOUTS, "there are 100000 callouts already");
 }

@@ -5,7 +5,7 @@
 #pragma once
 
 #include "catalog/Layers.h"
-#include "emulator/Policy.h"
+#include "emulator/ObjectStore.h"
 #include "emulator/Refusal.h"
 #include "emulator/Rules.h"
 
@@ -13,7 +13,7 @@ namespace EngineEmulator {
 
 /// What an object is checked against.
 struct CheckContext {
-  const Policy& policy;
+  const ObjectStore& objects;
   Origin origin;  ///< that of the object to be
   const Rules& rules;
 };

@@ -33,8 +33,8 @@ FilterObject Show(const FWPM_FILTER0& filter) {
 }
 
 template <class Native, class Shown>
-void ShowAll(const Policy& policy, std::vector<Shown>& shown) {
-  for (const ObjectPtr<Native>& object : policy.Objects<Native>().All()) {
+void ShowAll(const ObjectStore& objects, std::vector<Shown>& shown) {
+  for (const ObjectPtr<Native>& object : objects.OfKind<Native>().All()) {
     if (object->origin.lifetime != Lifetime::BuiltIn) {
       shown.push_back(Show(object->Record()));
     }
@@ -55,11 +55,11 @@ void ClearJournal() { LockEngine().engine.journal.clear(); }
 
 Snapshot TakeSnapshot() {
   const LockedEngine locked = LockEngine();
-  const Policy& policy = locked.engine.NewestPolicy();
+  const ObjectStore& objects = locked.engine.NewestObjects();
   Snapshot snapshot;
-  ShowAll<FWPM_PROVIDER0>(policy, snapshot.providers);
-  ShowAll<FWPM_SUBLAYER0>(policy, snapshot.sublayers);
-  ShowAll<FWPM_FILTER0>(policy, snapshot.filters);
+  ShowAll<FWPM_PROVIDER0>(objects, snapshot.providers);
+  ShowAll<FWPM_SUBLAYER0>(objects, snapshot.sublayers);
+  ShowAll<FWPM_FILTER0>(objects, snapshot.filters);
   return snapshot;
 }
 

@@ -101,8 +101,8 @@ DWORD Engine::Refuse(const Refusal& refusal) {
 
 template <class Native>
 DWORD Engine::Add(Session& session, const Native& record, PSECURITY_DESCRIPTOR security, UINT64* number) {
-  Policy* const policy = OpenForChange(session);
-  if (policy == nullptr) {
+  ObjectStore* const objects = OpenForChange(session);
+  if (objects == nullptr) {
     return static_cast<DWORD>(FWP_E_INCOMPATIBLE_TXN);
   }
   std::shared_ptr<const SecurityDescriptor> descriptor;
@@ -118,7 +118,7 @@ DWORD Engine::Add(Session& session, const Native& record, PSECURITY_DESCRIPTOR s
   const Lifetime lifetime = IsPersistent(record) ? Lifetime::Persistent : Lifetime::Static;
   const Origin origin =
       session.IsDynamic() ? Origin{Lifetime::Dynamic, session.handle} : Origin{lifetime, nullptr};
-  if (const Refusal refusal = Check(filled, {*policy, origin, rules_})) {
+  if (const Refusal refusal = Check(filled, {*objects, origin, rules_})) {
     return Refuse(refusal);
   }
   if (session.IsDynamic() && lifetime == Lifetime::Persistent &&
@@ -129,12 +129,12 @@ DWORD Engine::Add(Session& session, const Native& record, PSECURITY_DESCRIPTOR s
   if (key == GUID{}) {
     key = NewKey();
   }
-  if (policy->template Objects<Native>().Find(key) != nullptr) {
+  if (objects->template OfKind<Native>().Find(key) != nullptr) {
     return Refuse({FWP_E_ALREADY_EXISTS, std::string("there is a ") + Kind<Native>::kName + " " + Text(key)});
   }
   UINT64& next = std::is_same_v<Native, FWPM_CALLOUT0> ? nextCalloutNumber_ : nextNumber_;
   const ObjectPtr<Native> object = MakeNumbered(filled, origin, next++, std::move(descriptor), rules_);
-  policy->template Add<Native>(object);
+  objects->template Add<Native>(object);
   if (number != nullptr) {
     *number = object->number;
   }
@@ -159,11 +159,11 @@ Refusal Engine::CheckDeletion(const Session& session, const Origin& origin) cons
 
 template <class Native, class Identity>
 DWORD Engine::Delete(Session& session, const Identity& identity) {
-  Policy* const policy = OpenForChange(session);
-  if (policy == nullptr) {
+  ObjectStore* const objects = OpenForChange(session);
+  if (objects == nullptr) {
     return static_cast<DWORD>(FWP_E_INCOMPATIBLE_TXN);
   }
-  const auto object = policy->template Objects<Native>().Find(identity);
+  const auto object = objects->template OfKind<Native>().Find(identity);
   if (object == nullptr) {
     return Refuse(
         {Kind<Native>::kNotFound, std::string("there is no ") + Kind<Native>::kName + " " + Text(identity)});
@@ -171,23 +171,23 @@ DWORD Engine::Delete(Session& session, const Identity& identity) {
   if (const Refusal refusal = CheckDeletion(session, object->origin)) {
     return Refuse(refusal);
   }
-  if (const int referrers = policy->template CountReferrers<Native>(object->Key()); referrers != 0) {
+  if (const int referrers = objects->template CountReferrers<Native>(object->Key()); referrers != 0) {
     return Refuse({FWP_E_IN_USE, "objects that refer to it: " + std::to_string(referrers)});
   }
-  policy->template Remove<Native>(object);
+  objects->template Remove<Native>(object);
   Announce(session, FWPM_CHANGE_DELETE, object);
   return ERROR_SUCCESS;
 }
 
 template <class Native>
 DWORD Engine::SetSecurity(Session& session, const GUID& key, const SecurityDescriptor& security) {
-  Policy* const policy = OpenForChange(session);
-  if (policy == nullptr) {
+  ObjectStore* const objects = OpenForChange(session);
+  if (objects == nullptr) {
     return static_cast<DWORD>(FWP_E_INCOMPATIBLE_TXN);
   }
-  const auto object = policy->template Objects<Native>().Find(key);
-  policy->template Replace<Native>(MakeObject(object->Record(), object->origin, object->number,
-                                              std::make_shared<const SecurityDescriptor>(security)));
+  const auto object = objects->template OfKind<Native>().Find(key);
+  objects->template Replace<Native>(MakeObject(object->Record(), object->origin, object->number,
+                                               std::make_shared<const SecurityDescriptor>(security)));
   return ERROR_SUCCESS;
 }
 

@@ -46,9 +46,9 @@ class Engine {
   UINT32 LockWaitMilliseconds(const Session& session) const;
 
   /// What a session sees: what is committed, and its own changes.
-  const Policy& PolicyOf(const Session& session) const;
+  const ObjectStore& ObjectsOf(const Session& session) const;
   /// The same with the changes of whichever transaction is open.
-  const Policy& NewestPolicy() const;
+  const ObjectStore& NewestObjects() const;
 
   // Each of these wants the write lock to be the session's to have.
 
@@ -83,7 +83,7 @@ class Engine {
   DWORD Refuse(const Refusal& refusal);
   Refusal CheckDeletion(const Session& session, const Origin& origin) const;
   /// Null in a transaction that only reads.
-  Policy* OpenForChange(Session& session);
+  ObjectStore* OpenForChange(Session& session);
   template <class Native>
   void Announce(Session& session, FWPM_CHANGE_TYPE type, const ObjectPtr<Native>& object);
   template <class Native>
@@ -94,7 +94,7 @@ class Engine {
 
   std::unordered_map<HANDLE, Session> sessions_;
   HANDLE writer_ = nullptr;  ///< the session whose transaction holds the write lock
-  Policy committed_;
+  ObjectStore committed_;
   Rules rules_;
   UINT64 nextNumber_;
   UINT64 nextCalloutNumber_;

@@ -45,7 +45,7 @@ Session* Engine::FindSession(HANDLE handle) {
 
 template <class Native>
 void Engine::RemoveDynamicObjects(HANDLE session) {
-  for (const ObjectPtr<Native>& object : committed_.Objects<Native>().All()) {
+  for (const ObjectPtr<Native>& object : committed_.OfKind<Native>().All()) {
     if (object->origin.session == session) {
       committed_.Remove<Native>(object);
       Tell(FWPM_CHANGE_DELETE, object);
@@ -82,7 +82,7 @@ DWORD Engine::Begin(Session& session, UINT32 flags) {
     return Refuse({FWP_E_TXN_IN_PROGRESS, "transactions do not nest"});
   }
   const bool readOnly = flags != 0;
-  session.transaction = Transaction{readOnly, readOnly ? committed_ : Policy(&committed_), {}};
+  session.transaction = Transaction{readOnly, readOnly ? committed_ : ObjectStore(&committed_), {}};
   if (!readOnly) {
     writer_ = session.handle;
   }
@@ -94,7 +94,7 @@ DWORD Engine::Commit(Session& session) {
     return Refuse({FWP_E_NO_TXN_IN_PROGRESS, "there is no transaction to commit"});
   }
   if (!session.transaction->readOnly) {
-    committed_.Apply(session.transaction->policy);
+    committed_.Apply(session.transaction->objects);
   }
   for (const auto& announce : session.transaction->announcements) {
     announce();
@@ -122,15 +122,15 @@ void Engine::ExpireTransactions() {
   }
 }
 
-const Policy& Engine::PolicyOf(const Session& session) const {
-  return session.transaction.has_value() ? session.transaction->policy : committed_;
+const ObjectStore& Engine::ObjectsOf(const Session& session) const {
+  return session.transaction.has_value() ? session.transaction->objects : committed_;
 }
 
-const Policy& Engine::NewestPolicy() const {
-  return writer_ == nullptr ? committed_ : sessions_.at(writer_).transaction->policy;
+const ObjectStore& Engine::NewestObjects() const {
+  return writer_ == nullptr ? committed_ : sessions_.at(writer_).transaction->objects;
 }
 
-Policy* Engine::OpenForChange(Session& session) {
+ObjectStore* Engine::OpenForChange(Session& session) {
   if (!session.transaction.has_value()) {
     return &committed_;
   }
@@ -138,7 +138,7 @@ Policy* Engine::OpenForChange(Session& session) {
     lastRefusal = "the transaction is read-only";
     return nullptr;
   }
-  return &session.transaction->policy;
+  return &session.transaction->objects;
 }
 
 template <class Native>

@@ -100,7 +100,7 @@ bool IsOfAnotherProvider(const FWPM_FILTER0& filter, const Object<FWPM_SUBLAYER0
 }
 
 Refusal CheckSublayer(const FWPM_FILTER0& filter, const CheckContext& context) {
-  const auto sublayer = context.policy.Objects<FWPM_SUBLAYER0>().Find(filter.subLayerKey);
+  const auto sublayer = context.objects.OfKind<FWPM_SUBLAYER0>().Find(filter.subLayerKey);
   const std::string name = "the sublayer " + Catalog::SublayerName(filter.subLayerKey);
   if (sublayer == nullptr) {
     return {FWP_E_SUBLAYER_NOT_FOUND, name + " does not exist"};
@@ -127,7 +127,7 @@ Refusal CheckCallout(const FWPM_FILTER0& filter, const CheckContext& context) {
   if (!NamesCallout(filter.action)) {
     return {};
   }
-  const auto callout = context.policy.Objects<FWPM_CALLOUT0>().Find(filter.action.calloutKey);
+  const auto callout = context.objects.OfKind<FWPM_CALLOUT0>().Find(filter.action.calloutKey);
   const std::string name = "the callout " + Catalog::FormatGuid(filter.action.calloutKey);
   if (callout == nullptr) {
     return {FWP_E_CALLOUT_NOT_FOUND, name + " does not exist"};

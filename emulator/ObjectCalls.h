@@ -37,7 +37,7 @@ DWORD Get(const char* function, Engine& engine, const Session& session, const Id
   if (record == nullptr) {
     return kNullPointer;
   }
-  const auto object = engine.PolicyOf(session).template Objects<Native>().Find(identity);
+  const auto object = engine.ObjectsOf(session).template OfKind<Native>().Find(identity);
   if (object == nullptr) {
     return static_cast<DWORD>(Kind<Native>::kNotFound);
   }
@@ -80,7 +80,7 @@ DWORD AnswerCreateEnumHandle(const char* function, HANDLE engineHandle,
       engine.lastRefusal = refusal.Reason();
       return refusal.Code();
     }
-    auto selected = Select(criteria, engine.PolicyOf(session).template Objects<Native>().All());
+    auto selected = Select(criteria, engine.ObjectsOf(session).template OfKind<Native>().All());
     if (engine.GetRules().shuffleEnumerations != 0 && !AsksForOrder(criteria)) {
       std::shuffle(selected.begin(), selected.end(), engine.Random());
     }

@@ -57,7 +57,7 @@ DWORD AnswerGetSecurityByKey(const char* function, HANDLE engineHandle, const GU
     if (IsContainer(key)) {
       return Give(function, engine, SecurityOf(engine, Kind<Native>::kName), information, targets);
     }
-    const auto object = engine.PolicyOf(session).template Objects<Native>().Find(*key);
+    const auto object = engine.ObjectsOf(session).template OfKind<Native>().Find(*key);
     return object == nullptr ? static_cast<DWORD>(Kind<Native>::kNotFound)
                              : Give(function, engine, SecurityOf(*object), information, targets);
   });
@@ -73,7 +73,7 @@ DWORD AnswerSetSecurityByKey(const char* function, HANDLE engineHandle, const GU
       engine.securities[Kind<Native>::kName] = security;
       return result;
     }
-    const auto object = engine.PolicyOf(session).template Objects<Native>().Find(*key);
+    const auto object = engine.ObjectsOf(session).template OfKind<Native>().Find(*key);
     if (object == nullptr) {
       return static_cast<DWORD>(Kind<Native>::kNotFound);
     }

@@ -9,7 +9,7 @@
 #include <optional>
 #include <set>
 
-#include "emulator/Policy.h"
+#include "emulator/ObjectStore.h"
 #include "emulator/Worker.h"
 
 namespace EngineEmulator {
@@ -47,7 +47,7 @@ using Subscriptions = std::map<HANDLE, Subscription<Native>>;
 /// What has been done since the beginning. Reads of the session see it, others do not.
 struct Transaction {
   bool readOnly;
-  Policy policy;
+  ObjectStore objects;
   std::vector<std::function<void()>> announcements;  ///< to be made at commit
 };
 

@@ -1,9 +1,9 @@
-#include "emulator/Policy.h"
+#include "emulator/ObjectStore.h"
 
 namespace EngineEmulator {
 
 template <class Native>
-void Policy::Count(const GUID* key, int change) {
+void ObjectStore::Count(const GUID* key, int change) {
   if (key == nullptr) {
     return;
   }
@@ -15,15 +15,15 @@ void Policy::Count(const GUID* key, int change) {
   }
 }
 
-void Policy::CountReferences(const FWPM_SUBLAYER0& sublayer, int change) {
+void ObjectStore::CountReferences(const FWPM_SUBLAYER0& sublayer, int change) {
   Count<FWPM_PROVIDER0>(sublayer.providerKey, change);
 }
 
-void Policy::CountReferences(const FWPM_CALLOUT0& callout, int change) {
+void ObjectStore::CountReferences(const FWPM_CALLOUT0& callout, int change) {
   Count<FWPM_PROVIDER0>(callout.providerKey, change);
 }
 
-void Policy::CountReferences(const FWPM_FILTER0& filter, int change) {
+void ObjectStore::CountReferences(const FWPM_FILTER0& filter, int change) {
   Count<FWPM_PROVIDER0>(filter.providerKey, change);
   Count<FWPM_SUBLAYER0>(&filter.subLayerKey, change);
   if ((filter.action.type & FWP_ACTION_FLAG_CALLOUT) != 0) {
@@ -31,7 +31,7 @@ void Policy::CountReferences(const FWPM_FILTER0& filter, int change) {
   }
 }
 
-void Policy::Apply(const Policy& changes) {
+void ObjectStore::Apply(const ObjectStore& changes) {
   const auto applyStores = [&](auto&... stores) {
     (stores.Apply(std::get<std::remove_reference_t<decltype(stores)>>(changes.stores_)), ...);
   };

@@ -10,16 +10,17 @@
 
 namespace EngineEmulator {
 
-/// All objects, with a count of the references to each. Checks nothing: that is done before a change. Like
-/// its stores, a policy can lie over another one and hold the changes that a transaction makes to it.
-class Policy {
+/// The objects of all kinds, with a count of the references to each. Checks nothing: that is done before a
+/// change. Like the stores of its kinds, it can lie over another one and hold the changes that a transaction
+/// makes to that.
+class ObjectStore {
  public:
-  Policy() = default;
-  /// @param base must outlive this policy.
-  explicit Policy(const Policy* base) : base_(base), stores_(Over(base->stores_)) {}
+  ObjectStore() = default;
+  /// @param base must outlive this store.
+  explicit ObjectStore(const ObjectStore* base) : base_(base), stores_(Over(base->stores_)) {}
 
   template <class Native>
-  const KindStore<Native>& Objects() const {
+  const KindStore<Native>& OfKind() const {
     return std::get<KindStore<Native>>(stores_);
   }
 
@@ -41,8 +42,8 @@ class Policy {
     std::get<KindStore<Native>>(stores_).Erase(*object);
   }
 
-  /// Makes the changes that another policy holds which lies over this one.
-  void Apply(const Policy& changes);
+  /// Makes the changes that another store holds which lies over this one.
+  void Apply(const ObjectStore& changes);
 
   /// How many objects refer to the one of this kind with this key.
   template <class Native>
@@ -78,7 +79,7 @@ class Policy {
   void CountReferences(const FWPM_CALLOUT0& callout, int change);
   void CountReferences(const FWPM_FILTER0& filter, int change);
 
-  const Policy* base_ = nullptr;
+  const ObjectStore* base_ = nullptr;
   Stores<FWPM_PROVIDER0, FWPM_SUBLAYER0, FWPM_CALLOUT0, FWPM_FILTER0, FWPM_LAYER0> stores_;
   References<FWPM_PROVIDER0, FWPM_SUBLAYER0, FWPM_CALLOUT0, FWPM_FILTER0, FWPM_LAYER0> references_;
 };
