@@ -21,7 +21,7 @@ Refusal CheckFlags(UINT32 flags, const CheckContext& context) {
   if ((flags & FWPM_PROVIDER_FLAG_DISABLED) != 0) {
     return {FWP_E_INVALID_FLAGS, "DISABLED is a flag that only the engine sets"};
   }
-  if (context.rules.refuseUnknownFlags != 0 &&
+  if (context.switches.refuseUnknownFlags != 0 &&
       (flags & ~static_cast<UINT32>(FWPM_PROVIDER_FLAG_PERSISTENT)) != 0) {
     return {FWP_E_INVALID_FLAGS, "there is a flag other than PERSISTENT"};
   }
@@ -34,7 +34,7 @@ Refusal CheckDisplayData(const FWPM_DISPLAY_DATA0& data, const CheckContext& con
   if (data.name == nullptr) {
     return {FWP_E_NULL_DISPLAY_NAME, "the display name is null"};
   }
-  if (context.rules.refuseEmptyNames != 0 && *data.name == L'\0') {
+  if (context.switches.refuseEmptyNames != 0 && *data.name == L'\0') {
     return {FWP_E_NULL_DISPLAY_NAME, "the display name is empty"};
   }
   const Refusal refusal = CheckText(data.name);
@@ -115,7 +115,8 @@ Refusal Check(const FWPM_CALLOUT0& callout, const CheckContext& context) {
   if (Refusal refusal = CheckBlob(callout.providerData)) {
     return refusal;
   }
-  if (context.rules.refuseUnknownFlags != 0 && (callout.flags & ~(kPersistent | kUsesProviderContext)) != 0) {
+  if (context.switches.refuseUnknownFlags != 0 &&
+      (callout.flags & ~(kPersistent | kUsesProviderContext)) != 0) {
     return {FWP_E_INVALID_FLAGS, "there is a flag that clients cannot set"};
   }
   if (Refusal refusal = CheckDisplayData(callout.displayData, context)) {

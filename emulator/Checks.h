@@ -7,7 +7,7 @@
 #include "catalog/Layers.h"
 #include "emulator/ObjectStore.h"
 #include "emulator/Refusal.h"
-#include "emulator/Rules.h"
+#include "emulator/Switches.h"
 
 namespace EngineEmulator {
 
@@ -15,7 +15,7 @@ namespace EngineEmulator {
 struct CheckContext {
   const ObjectStore& objects;
   Origin origin;  ///< that of the object to be
-  const Rules& rules;
+  const Switches& switches;
 };
 
 Refusal Check(const FWPM_PROVIDER0& provider, const CheckContext& context);
@@ -26,7 +26,7 @@ Refusal Check(const FWPM_FILTER0& filter, const CheckContext& context);
 
 /// That the field is there, that type and match fit it, and that the data are sound.
 Refusal CheckCondition(const FWPM_FILTER_CONDITION0& condition, const Catalog::Layer& layer,
-                       const Rules& rules);
+                       const Switches& switches);
 
 /// A name that is there, and texts that are Unicode.
 Refusal CheckDisplayData(const FWPM_DISPLAY_DATA0& data, const CheckContext& context);

@@ -145,13 +145,13 @@ Refusal CheckRange(const FWP_RANGE0& range) {
 }
 
 /// What is in the data, beyond being there.
-Refusal CheckContents(const FWP_CONDITION_VALUE0& value, const Rules& rules) {
+Refusal CheckContents(const FWP_CONDITION_VALUE0& value, const Switches& switches) {
   switch (value.type) {
     case FWP_RANGE_TYPE:
       return CheckRange(*value.rangeValue);
     case FWP_V4_ADDR_MASK: {
       const UINT32 holes = ~value.v4AddrMask->mask;
-      return (holes & (holes + 1)) != 0 && rules.refuseNetMasksWithHoles != 0
+      return (holes & (holes + 1)) != 0 && switches.refuseNetMasksWithHoles != 0
                  ? Refusal(FWP_E_INVALID_NET_MASK, "the network mask has holes")
                  : Refusal();
     }
@@ -162,7 +162,7 @@ Refusal CheckContents(const FWP_CONDITION_VALUE0& value, const Rules& rules) {
                                                     std::to_string(value.v6AddrMask->prefixLength) +
                                                     " is above 128");
     case FWP_BYTE_BLOB_TYPE:
-      return value.byteBlob->size == 0 && rules.refuseEmptyBlobs != 0
+      return value.byteBlob->size == 0 && switches.refuseEmptyBlobs != 0
                  ? Refusal(FWP_E_ZERO_LENGTH_ARRAY, "a blob has no bytes")
                  : Refusal();
     case FWP_SECURITY_DESCRIPTOR_TYPE:
@@ -182,16 +182,16 @@ bool FitsField(const FWP_CONDITION_VALUE0& value, const Catalog::ConditionTypes&
   return value.type == FWP_EMPTY || value.type == types.type || value.type == types.alternative;
 }
 
-bool MayBeUnequal(FWP_DATA_TYPE type, const Rules& rules) {
+bool MayBeUnequal(FWP_DATA_TYPE type, const Switches& switches) {
   if (IsNetwork(type)) {
-    return rules.refuseComparedNetworks == 0;
+    return switches.refuseComparedNetworks == 0;
   }
   // Not in the documentation, but in the system's own filters.
   return IsSortable(type) || type == FWP_SID ||
-         (type != FWP_EMPTY && type != FWP_RANGE_TYPE && rules.refuseNotEqualOfOpaqueData == 0);
+         (type != FWP_EMPTY && type != FWP_RANGE_TYPE && switches.refuseNotEqualOfOpaqueData == 0);
 }
 
-bool IsLegal(FWP_MATCH_TYPE match, const FWP_CONDITION_VALUE0& value, const Rules& rules) {
+bool IsLegal(FWP_MATCH_TYPE match, const FWP_CONDITION_VALUE0& value, const Switches& switches) {
   const FWP_DATA_TYPE type = value.type;
   const bool isText = type == FWP_BYTE_BLOB_TYPE || type == FWP_UNICODE_STRING_TYPE;
   switch (int{match}) {
@@ -201,7 +201,7 @@ bool IsLegal(FWP_MATCH_TYPE match, const FWP_CONDITION_VALUE0& value, const Rule
     case FWP_MATCH_LESS:
     case FWP_MATCH_GREATER_OR_EQUAL:
     case FWP_MATCH_LESS_OR_EQUAL:
-      return IsSortable(type) || (IsNetwork(type) && rules.refuseComparedNetworks == 0);
+      return IsSortable(type) || (IsNetwork(type) && switches.refuseComparedNetworks == 0);
     case FWP_MATCH_RANGE:
       return type == FWP_RANGE_TYPE && IsSortable(value.rangeValue->valueLow.type);
     case FWP_MATCH_FLAGS_ALL_SET:
@@ -211,7 +211,7 @@ bool IsLegal(FWP_MATCH_TYPE match, const FWP_CONDITION_VALUE0& value, const Rule
     case FWP_MATCH_EQUAL_CASE_INSENSITIVE:
       return type == FWP_UNICODE_STRING_TYPE;
     case FWP_MATCH_NOT_EQUAL:
-      return MayBeUnequal(type, rules);
+      return MayBeUnequal(type, switches);
     case kMatchPrefix:
     case kMatchNotPrefix:
       return isText;
@@ -227,7 +227,7 @@ std::string NameOfType(const FWP_CONDITION_VALUE0& value) {
 
 /// That field, type and match go together.
 Refusal CheckCombination(const FWPM_FILTER_CONDITION0& condition, const Catalog::Layer& layer,
-                         const Rules& rules) {
+                         const Switches& switches) {
   const FWP_CONDITION_VALUE0& value = condition.conditionValue;
   const Catalog::Field* known = Catalog::FindField(condition.fieldKey);
   const Catalog::LayerField* field = known == nullptr ? nullptr : Catalog::FieldAt(layer, *known);
@@ -241,7 +241,7 @@ Refusal CheckCombination(const FWPM_FILTER_CONDITION0& condition, const Catalog:
     return {FWP_E_TYPE_MISMATCH, name + " at " + std::string(layer.name) + " is of type " +
                                      Catalog::DataTypeName(types.type) + ", not " + NameOfType(value)};
   }
-  return IsLegal(condition.matchType, value, rules)
+  return IsLegal(condition.matchType, value, switches)
              ? Refusal()
              : Refusal(FWP_E_MATCH_TYPE_MISMATCH, Catalog::MatchName(condition.matchType) +
                                                       " does not go with the type " + NameOfType(value) +
@@ -251,17 +251,17 @@ Refusal CheckCombination(const FWPM_FILTER_CONDITION0& condition, const Catalog:
 }  // namespace
 
 Refusal CheckCondition(const FWPM_FILTER_CONDITION0& condition, const Catalog::Layer& layer,
-                       const Rules& rules) {
+                       const Switches& switches) {
   if (condition.matchType < 0 || condition.matchType >= kMatchTypes) {
     return {FWP_E_INVALID_ENUMERATOR, "there is no match type " + std::to_string(int{condition.matchType})};
   }
   if (Refusal refusal = CheckData(condition.conditionValue)) {
     return refusal;
   }
-  if (Refusal refusal = CheckContents(condition.conditionValue, rules)) {
+  if (Refusal refusal = CheckContents(condition.conditionValue, switches)) {
     return refusal;
   }
-  return CheckCombination(condition, layer, rules);
+  return CheckCombination(condition, layer, switches);
 }
 
 bool IsReadable(const FWPM_FILTER0& filter) {

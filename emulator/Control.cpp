@@ -78,9 +78,9 @@ std::vector<std::string> OutstandingMemory() { return LockEngine().engine.memory
 
 std::string LastRefusal() { return LockEngine().engine.lastRefusal; }
 
-Rules GetRules() { return LockEngine().engine.GetRules(); }
+Switches GetSwitches() { return LockEngine().engine.GetSwitches(); }
 
-void SetRules(const Rules& rules) { LockEngine().engine.SetRules(rules); }
+void SetSwitches(const Switches& switches) { LockEngine().engine.SetSwitches(switches); }
 
 void ExpireTransactions() {
   const LockedEngine locked = LockEngine();

@@ -12,7 +12,7 @@
 #include <string>
 #include <vector>
 
-#include "emulator/Rules.h"
+#include "emulator/Switches.h"
 
 namespace EngineEmulator {
 
@@ -92,8 +92,8 @@ std::vector<std::string> OutstandingMemory();
 std::string LastRefusal();
 
 /// How the engine decides what the platform's documentation leaves open. Reset restores the defaults.
-Rules GetRules();
-void SetRules(const Rules& rules);
+Switches GetSwitches();
+void SetSwitches(const Switches& switches);
 
 /// Ends every open transaction, as the engine does to one that is held for an hour: nothing of it remains,
 /// and the next call of its session fails with FWP_E_TXN_ABORTED.

@@ -95,16 +95,16 @@ size_t EngineEmulatorLastRefusal(char* buffer, size_t size) { return Give(LastRe
 
 int EngineEmulatorSetRule(const char* name, UINT32 value) {
   if (std::string_view(name) == "lenient") {
-    SetRules(value == 0 ? Rules{} : LenientRules());
+    SetSwitches(value == 0 ? Switches{} : LenientSwitches());
     return 1;
   }
-  const auto rule = FindRule(name);
-  if (rule == nullptr) {
+  const auto member = FindSwitch(name);
+  if (member == nullptr) {
     return 0;
   }
-  Rules rules = GetRules();
-  rules.*rule = value;
-  SetRules(rules);
+  Switches switches = GetSwitches();
+  switches.*member = value;
+  SetSwitches(switches);
   return 1;
 }
 

@@ -68,9 +68,10 @@ size_t EngineEmulatorOutstandingMemoryText(char* buffer, size_t size);
 size_t EngineEmulatorLastRefusal(char* buffer, size_t size);
 
 /**
- * Decides what the platform's documentation leaves open, until the next reset. Rules.h lists the rules.
+ * Sets a switch, until the next reset: how the engine behaves where the platform's documentation leaves it
+ * open. Switches.h lists them.
  * @param name such as "refuseEmptyNames"; "lenient" with a value other than 0 for all that refuse at once.
- * @return 1, or 0 if there is no such rule.
+ * @return 1, or 0 if there is no such switch.
  */
 int EngineEmulatorSetRule(const char* name, UINT32 value);
 

@@ -47,13 +47,13 @@ void FillSublayer(FWPM_FILTER0& filter) {
 
 template <class Native>
 ObjectPtr<Native> MakeNumbered(const Native& record, const Origin& origin, UINT64 number,
-                               std::shared_ptr<const SecurityDescriptor> security, const Rules&) {
+                               std::shared_ptr<const SecurityDescriptor> security, const Switches&) {
   return MakeObject(record, origin, number, std::move(security));
 }
 
 template <>
 ObjectPtr<FWPM_CALLOUT0> MakeNumbered(const FWPM_CALLOUT0& record, const Origin& origin, UINT64 number,
-                                      std::shared_ptr<const SecurityDescriptor> security, const Rules&) {
+                                      std::shared_ptr<const SecurityDescriptor> security, const Switches&) {
   FWPM_CALLOUT0 numbered = record;
   numbered.calloutId = static_cast<UINT32>(number);
   return MakeObject(numbered, origin, number, std::move(security));
@@ -61,8 +61,9 @@ ObjectPtr<FWPM_CALLOUT0> MakeNumbered(const FWPM_CALLOUT0& record, const Origin&
 
 template <>
 ObjectPtr<FWPM_FILTER0> MakeNumbered(const FWPM_FILTER0& record, const Origin& origin, UINT64 number,
-                                     std::shared_ptr<const SecurityDescriptor> security, const Rules& rules) {
-  UINT64 weight = EffectiveWeight(record, rules);
+                                     std::shared_ptr<const SecurityDescriptor> security,
+                                     const Switches& switches) {
+  UINT64 weight = EffectiveWeight(record, switches);
   FWPM_FILTER0 numbered = record;
   numbered.filterId = number;
   numbered.effectiveWeight.type = FWP_UINT64;
@@ -81,15 +82,15 @@ Engine::Engine() : nextNumber_(kFirstNumber), nextCalloutNumber_(kFirstCalloutNu
       committed_.Add(object);
     }
   };
-  add(Layers(rules_.Version()));
+  add(Layers(switches_.Version()));
   add(BuiltInProviders());
   add(BuiltInSublayers());
   add(BuiltInCallouts());
 }
 
-void Engine::SetRules(const Rules& rules) {
-  rules_ = rules;
-  for (const auto& layer : Layers(rules_.Version())) {
+void Engine::SetSwitches(const Switches& switches) {
+  switches_ = switches;
+  for (const auto& layer : Layers(switches_.Version())) {
     committed_.Replace(layer);
   }
 }
@@ -118,11 +119,11 @@ DWORD Engine::Add(Session& session, const Native& record, PSECURITY_DESCRIPTOR s
   const Lifetime lifetime = IsPersistent(record) ? Lifetime::Persistent : Lifetime::Static;
   const Origin origin =
       session.IsDynamic() ? Origin{Lifetime::Dynamic, session.handle} : Origin{lifetime, nullptr};
-  if (const Refusal refusal = Check(filled, {*objects, origin, rules_})) {
+  if (const Refusal refusal = Check(filled, {*objects, origin, switches_})) {
     return Refuse(refusal);
   }
   if (session.IsDynamic() && lifetime == Lifetime::Persistent &&
-      rules_.refusePersistentInDynamicSession != 0) {
+      switches_.refusePersistentInDynamicSession != 0) {
     return Refuse({FWP_E_LIFETIME_MISMATCH, "a dynamic session adds nothing persistent"});
   }
   GUID& key = filled.*Kind<Native>::kKey;
@@ -133,7 +134,7 @@ DWORD Engine::Add(Session& session, const Native& record, PSECURITY_DESCRIPTOR s
     return Refuse({FWP_E_ALREADY_EXISTS, std::string("there is a ") + Kind<Native>::kName + " " + Text(key)});
   }
   UINT64& next = std::is_same_v<Native, FWPM_CALLOUT0> ? nextCalloutNumber_ : nextNumber_;
-  const ObjectPtr<Native> object = MakeNumbered(filled, origin, next++, std::move(descriptor), rules_);
+  const ObjectPtr<Native> object = MakeNumbered(filled, origin, next++, std::move(descriptor), switches_);
   objects->template Add<Native>(object);
   if (number != nullptr) {
     *number = object->number;
@@ -151,7 +152,7 @@ Refusal Engine::CheckDeletion(const Session& session, const Origin& origin) cons
                ? Refusal(FWP_E_DYNAMIC_SESSION_IN_PROGRESS, "a dynamic session deletes only what it added")
                : Refusal();
   }
-  const bool mayDeleteOthers = !session.IsDynamic() && rules_.refuseDeletingOthersDynamic == 0;
+  const bool mayDeleteOthers = !session.IsDynamic() && switches_.refuseDeletingOthersDynamic == 0;
   return origin.session == session.handle || mayDeleteOthers
              ? Refusal()
              : Refusal(FWP_E_WRONG_SESSION, "the object is another session's");

@@ -14,8 +14,8 @@
 #include "emulator/EngineMemory.h"
 #include "emulator/FaultPlan.h"
 #include "emulator/Refusal.h"
-#include "emulator/Rules.h"
 #include "emulator/Session.h"
+#include "emulator/Switches.h"
 
 namespace EngineEmulator {
 
@@ -66,8 +66,8 @@ class Engine {
   HANDLE NewHandle();
   const std::unordered_map<HANDLE, Session>& Sessions() const { return sessions_; }
 
-  const Rules& GetRules() const { return rules_; }
-  void SetRules(const Rules& rules);
+  const Switches& GetSwitches() const { return switches_; }
+  void SetSwitches(const Switches& switches);
   std::mt19937_64& Random() { return random_; }
 
   EngineMemory memory;
@@ -95,7 +95,7 @@ class Engine {
   std::unordered_map<HANDLE, Session> sessions_;
   HANDLE writer_ = nullptr;  ///< the session whose transaction holds the write lock
   ObjectStore committed_;
-  Rules rules_;
+  Switches switches_;
   UINT64 nextNumber_;
   UINT64 nextCalloutNumber_;
   std::mt19937_64 random_;

@@ -71,7 +71,7 @@ Session Engine::CloseSession(HANDLE handle) {
 
 UINT32 Engine::LockWaitMilliseconds(const Session& session) const {
   const UINT32 wanted = session.record.root->txnWaitTimeoutInMSec;
-  return wanted == 0 ? rules_.lockWaitMilliseconds : wanted;
+  return wanted == 0 ? switches_.lockWaitMilliseconds : wanted;
 }
 
 DWORD Engine::Begin(Session& session, UINT32 flags) {

@@ -56,7 +56,7 @@ DWORD WaitForWriteLock(LockedEngine& locked, HANDLE engineHandle) {
   }
   Session* const session = engine.FindSession(engineHandle);
   if (session == nullptr) {
-    return engine.GetRules().invalidHandleCode;
+    return engine.GetSwitches().invalidHandleCode;
   }
   if (std::exchange(session->transactionExpired, false)) {
     return static_cast<DWORD>(FWP_E_TXN_ABORTED);

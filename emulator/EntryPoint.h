@@ -25,7 +25,7 @@ LockedEngine LockEngine();
 void ResetEngine();
 
 /// Waits until the session may change something, as long as the session says. ERROR_INVALID_HANDLE or what
-/// the rules say instead if there is no such session, perhaps no longer.
+/// the switches say instead if there is no such session, perhaps no longer.
 DWORD WaitForWriteLock(LockedEngine& locked, HANDLE engineHandle);
 
 /// Answers a call: with the planned failure if there is one, else with what the body gives. Either way
@@ -60,7 +60,7 @@ DWORD AnswerSession(const char* function, HANDLE engineHandle, std::string argum
   return Answer(function, std::move(arguments), [&](Engine& engine) -> DWORD {
     Session* session = engine.FindSession(engineHandle);
     if (session == nullptr) {
-      return engine.GetRules().invalidHandleCode;
+      return engine.GetSwitches().invalidHandleCode;
     }
     if (std::exchange(session->transactionExpired, false)) {
       return static_cast<DWORD>(FWP_E_TXN_ABORTED);

@@ -24,7 +24,7 @@ Refusal CheckPointers(const FWPM_FILTER0& filter, const CheckContext& context) {
     return {FWP_E_INVALID_PARAMETER,
             std::to_string(filter.numFilterConditions) + " conditions are too many to be meant"};
   }
-  if (filter.reserved != nullptr && context.rules.refuseReservedPointer != 0) {
+  if (filter.reserved != nullptr && context.switches.refuseReservedPointer != 0) {
     return {FWP_E_RESERVED, "the reserved pointer is not null"};
   }
   return CheckBlob(filter.providerData);
@@ -39,7 +39,7 @@ Refusal CheckFlags(const FWPM_FILTER0& filter, const CheckContext& context) {
     return {FWP_E_INVALID_FLAGS,
             Catalog::FilterFlagNames(filter.flags & kFlagsOfTheEngine) + " is for the engine to set"};
   }
-  if ((filter.flags & ~kFlagsOfClients) != 0 && context.rules.refuseUnknownFlags != 0) {
+  if ((filter.flags & ~kFlagsOfClients) != 0 && context.switches.refuseUnknownFlags != 0) {
     return {FWP_E_INVALID_FLAGS, "there are flags that clients do not give: " +
                                      Catalog::FilterFlagNames(filter.flags & ~kFlagsOfClients)};
   }
@@ -71,12 +71,12 @@ Refusal CheckName(const FWPM_FILTER0& filter, const CheckContext& context) {
 }
 
 Refusal CheckLayer(const FWPM_FILTER0& filter, const CheckContext& context) {
-  const Catalog::Layer* layer = Catalog::FindLayer(filter.layerKey, context.rules.Version());
+  const Catalog::Layer* layer = Catalog::FindLayer(filter.layerKey, context.switches.Version());
   if (layer == nullptr) {
     return {FWP_E_LAYER_NOT_FOUND, "the layer " + Catalog::FormatGuid(filter.layerKey) + " does not exist"};
   }
   if (layer->family == Catalog::LayerFamily::AleFlowEstablished && !NamesCallout(filter.action) &&
-      context.rules.refuseVerdictsAtFlowEstablished != 0) {
+      context.switches.refuseVerdictsAtFlowEstablished != 0) {
     return {FWP_E_ACTION_INCOMPATIBLE_WITH_LAYER,
             Catalog::ActionName(filter.action.type) + " is no action for " + std::string(layer->name)};
   }
@@ -96,7 +96,7 @@ bool IsOfAnotherProvider(const FWPM_FILTER0& filter, const Object<FWPM_SUBLAYER0
   if (one != nullptr && other != nullptr) {
     return !(*one == *other);
   }
-  return one != other && context.rules.refuseMissingProviderAsOther != 0;
+  return one != other && context.switches.refuseMissingProviderAsOther != 0;
 }
 
 Refusal CheckSublayer(const FWPM_FILTER0& filter, const CheckContext& context) {
@@ -106,7 +106,7 @@ Refusal CheckSublayer(const FWPM_FILTER0& filter, const CheckContext& context) {
     return {FWP_E_SUBLAYER_NOT_FOUND, name + " does not exist"};
   }
   if (filter.subLayerKey == Catalog::kInspectionSublayerKey && !NamesCallout(filter.action) &&
-      context.rules.refuseVerdictsInInspection != 0) {
+      context.switches.refuseVerdictsInInspection != 0) {
     return {FWP_E_ACTION_INCOMPATIBLE_WITH_SUBLAYER,
             Catalog::ActionName(filter.action.type) + " is no action for " + name};
   }
@@ -165,14 +165,14 @@ Refusal CheckWeight(const FWPM_FILTER0& filter, const CheckContext&) {
 }
 
 Refusal CheckConditions(const FWPM_FILTER0& filter, const CheckContext& context) {
-  const Catalog::Layer& layer = *Catalog::FindLayer(filter.layerKey, context.rules.Version());
+  const Catalog::Layer& layer = *Catalog::FindLayer(filter.layerKey, context.switches.Version());
   std::set<std::string> seen;
   for (UINT32 index = 0; index < filter.numFilterConditions; ++index) {
     const FWPM_FILTER_CONDITION0& condition = filter.filterCondition[index];
-    if (Refusal refusal = CheckCondition(condition, layer, context.rules)) {
+    if (Refusal refusal = CheckCondition(condition, layer, context.switches)) {
       return refusal;
     }
-    if (context.rules.refuseExactDuplicates != 0 &&
+    if (context.switches.refuseExactDuplicates != 0 &&
         !seen.insert(Catalog::DescribeCondition(condition)).second) {
       return {FWP_E_DUPLICATE_CONDITION, Catalog::DescribeCondition(condition) + " is there twice"};
     }

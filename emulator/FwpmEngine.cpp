@@ -19,7 +19,7 @@ void UndoAfterFailedCommit(HANDLE engineHandle) {
   const LockedEngine locked = LockEngine();
   Session* session = locked.engine.FindSession(engineHandle);
   if (session != nullptr && session->transaction.has_value() &&
-      locked.engine.GetRules().failedCommitEndsTransaction != 0) {
+      locked.engine.GetSwitches().failedCommitEndsTransaction != 0) {
     locked.engine.Abort(*session);
     locked.answered.notify_all();
   }
@@ -48,7 +48,7 @@ DWORD WINAPI FwpmEngineClose0(HANDLE engineHandle) {
   std::optional<Session> closed;
   return Answer("FwpmEngineClose0", "", [&](Engine& engine) -> DWORD {
     if (engine.FindSession(engineHandle) == nullptr) {
-      return engine.GetRules().invalidHandleCode;
+      return engine.GetSwitches().invalidHandleCode;
     }
     closed = engine.CloseSession(engineHandle);
     return ERROR_SUCCESS;

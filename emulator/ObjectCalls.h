@@ -76,12 +76,12 @@ template <class Native>
 DWORD AnswerCreateEnumHandle(const char* function, HANDLE engineHandle,
                              const typename Kind<Native>::EnumTemplate* criteria, HANDLE* enumHandle) {
   const auto create = [&](Engine& engine, Session& session) -> DWORD {
-    if (const Refusal refusal = CheckTemplate(criteria, engine.GetRules())) {
+    if (const Refusal refusal = CheckTemplate(criteria, engine.GetSwitches())) {
       engine.lastRefusal = refusal.Reason();
       return refusal.Code();
     }
     auto selected = Select(criteria, engine.ObjectsOf(session).template OfKind<Native>().All());
-    if (engine.GetRules().shuffleEnumerations != 0 && !AsksForOrder(criteria)) {
+    if (engine.GetSwitches().shuffleEnumerations != 0 && !AsksForOrder(criteria)) {
       std::shuffle(selected.begin(), selected.end(), engine.Random());
     }
     return StartEnumeration(engine, session, std::move(selected), enumHandle);

@@ -104,13 +104,13 @@ double PinnedByFlags(const FWPM_FILTER_CONDITION0& condition) {
 
 }  // namespace
 
-double PinnedBits(const FWPM_FILTER_CONDITION0& condition, unsigned fieldBits, const Rules& rules) {
+double PinnedBits(const FWPM_FILTER_CONDITION0& condition, unsigned fieldBits, const Switches& switches) {
   const bool isNetwork =
       condition.conditionValue.type == FWP_V4_ADDR_MASK || condition.conditionValue.type == FWP_V6_ADDR_MASK;
   double pinned = fieldBits;
   if (condition.matchType == FWP_MATCH_EQUAL || condition.matchType == FWP_MATCH_RANGE) {
     pinned = PinnedByEqual(condition, fieldBits);
-  } else if (rules.weighUnobservedAsExact == 0) {
+  } else if (switches.weighUnobservedAsExact == 0) {
     switch (condition.matchType) {
       case FWP_MATCH_GREATER:
       case FWP_MATCH_LESS:

@@ -43,14 +43,14 @@ bool IsHeavier(const ObjectPtr<FWPM_FILTER0>& left, const ObjectPtr<FWPM_FILTER0
 
 /// Unlike filters, templates test a field once at most.
 Refusal CheckTemplateConditions(const FWPM_FILTER_ENUM_TEMPLATE0& criteria, const Catalog::Layer& layer,
-                                const Rules& rules) {
+                                const Switches& switches) {
   if (criteria.numFilterConditions > kMostConditions) {
     return {FWP_E_INVALID_PARAMETER, "the template has too many conditions to be meant"};
   }
   std::unordered_set<GUID, GuidHash> seen;
   for (const FWPM_FILTER_CONDITION0& condition :
        std::span(criteria.filterCondition, criteria.numFilterConditions)) {
-    if (Refusal refusal = CheckCondition(condition, layer, rules)) {
+    if (Refusal refusal = CheckCondition(condition, layer, switches)) {
       return refusal;
     }
     if (!seen.insert(condition.fieldKey).second) {
@@ -63,15 +63,15 @@ Refusal CheckTemplateConditions(const FWPM_FILTER_ENUM_TEMPLATE0& criteria, cons
 
 }  // namespace
 
-Refusal CheckTemplate(const FWPM_PROVIDER_ENUM_TEMPLATE0*, const Rules&) { return {}; }
+Refusal CheckTemplate(const FWPM_PROVIDER_ENUM_TEMPLATE0*, const Switches&) { return {}; }
 
-Refusal CheckTemplate(const FWPM_SUBLAYER_ENUM_TEMPLATE0*, const Rules&) { return {}; }
+Refusal CheckTemplate(const FWPM_SUBLAYER_ENUM_TEMPLATE0*, const Switches&) { return {}; }
 
-Refusal CheckTemplate(const FWPM_CALLOUT_ENUM_TEMPLATE0*, const Rules&) { return {}; }
+Refusal CheckTemplate(const FWPM_CALLOUT_ENUM_TEMPLATE0*, const Switches&) { return {}; }
 
-Refusal CheckTemplate(const FWPM_LAYER_ENUM_TEMPLATE0*, const Rules&) { return {}; }
+Refusal CheckTemplate(const FWPM_LAYER_ENUM_TEMPLATE0*, const Switches&) { return {}; }
 
-Refusal CheckTemplate(const FWPM_FILTER_ENUM_TEMPLATE0* criteria, const Rules& rules) {
+Refusal CheckTemplate(const FWPM_FILTER_ENUM_TEMPLATE0* criteria, const Switches& switches) {
   if (criteria == nullptr) {
     return {};
   }
@@ -81,14 +81,14 @@ Refusal CheckTemplate(const FWPM_FILTER_ENUM_TEMPLATE0* criteria, const Rules& r
   if (criteria->numFilterConditions != 0 && criteria->filterCondition == nullptr) {
     return {FWP_E_NULL_POINTER, "the template has a number of conditions but no array of them"};
   }
-  const bool anyLayer = criteria->layerKey == GUID{} && rules.refuseZeroLayerInTemplate == 0;
-  const Catalog::Layer* layer = Catalog::FindLayer(criteria->layerKey, rules.Version());
+  const bool anyLayer = criteria->layerKey == GUID{} && switches.refuseZeroLayerInTemplate == 0;
+  const Catalog::Layer* layer = Catalog::FindLayer(criteria->layerKey, switches.Version());
   if (layer == nullptr) {
     return anyLayer ? Refusal()
                     : Refusal(FWP_E_LAYER_NOT_FOUND, "the layer " + Catalog::FormatGuid(criteria->layerKey) +
                                                          " of the template does not exist");
   }
-  return CheckTemplateConditions(*criteria, *layer, rules);
+  return CheckTemplateConditions(*criteria, *layer, switches);
 }
 
 std::vector<ObjectPtr<FWPM_PROVIDER0>> Select(const FWPM_PROVIDER_ENUM_TEMPLATE0*,

@@ -6,16 +6,16 @@
 
 #include "emulator/KindStore.h"
 #include "emulator/Refusal.h"
-#include "emulator/Rules.h"
+#include "emulator/Switches.h"
 
 namespace EngineEmulator {
 
 /// The first thing that is wrong with a template. Null is no template.
-Refusal CheckTemplate(const FWPM_PROVIDER_ENUM_TEMPLATE0* criteria, const Rules& rules);
-Refusal CheckTemplate(const FWPM_SUBLAYER_ENUM_TEMPLATE0* criteria, const Rules& rules);
-Refusal CheckTemplate(const FWPM_CALLOUT_ENUM_TEMPLATE0* criteria, const Rules& rules);
-Refusal CheckTemplate(const FWPM_FILTER_ENUM_TEMPLATE0* criteria, const Rules& rules);
-Refusal CheckTemplate(const FWPM_LAYER_ENUM_TEMPLATE0* criteria, const Rules& rules);
+Refusal CheckTemplate(const FWPM_PROVIDER_ENUM_TEMPLATE0* criteria, const Switches& switches);
+Refusal CheckTemplate(const FWPM_SUBLAYER_ENUM_TEMPLATE0* criteria, const Switches& switches);
+Refusal CheckTemplate(const FWPM_CALLOUT_ENUM_TEMPLATE0* criteria, const Switches& switches);
+Refusal CheckTemplate(const FWPM_FILTER_ENUM_TEMPLATE0* criteria, const Switches& switches);
+Refusal CheckTemplate(const FWPM_LAYER_ENUM_TEMPLATE0* criteria, const Switches& switches);
 
 /// Whether a template asks for the heaviest filters first.
 template <class EnumTemplate>

@@ -21,7 +21,7 @@ DWORD AnswerSubscribe(const char* function, HANDLE engineHandle,
       return kNullPointer;
     }
     const Refusal badFlags = CheckSubscriptionFlags(wanted->flags);
-    const Refusal refusal = badFlags ? badFlags : CheckTemplate(wanted->enumTemplate, engine.GetRules());
+    const Refusal refusal = badFlags ? badFlags : CheckTemplate(wanted->enumTemplate, engine.GetSwitches());
     if (refusal) {
       engine.lastRefusal = refusal.Reason();
       return refusal.Code();

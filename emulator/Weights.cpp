@@ -143,8 +143,8 @@ struct Pinned {
 };
 
 UINT64 WeightOf(std::span<const FWPM_FILTER_CONDITION0> conditions, const Catalog::Layer& layer,
-                const Rules& rules) {
-  const Layout& layout = LayoutOf(layer, rules.Version());
+                const Switches& switches) {
+  const Layout& layout = LayoutOf(layer, switches.Version());
   std::array<Pinned, kMostFields> pinned;
   UINT64 weight = 0;
   for (const FWPM_FILTER_CONDITION0& condition : conditions) {
@@ -155,7 +155,7 @@ UINT64 WeightOf(std::span<const FWPM_FILTER_CONDITION0> conditions, const Catalo
       weight |= UINT64{1} << layout.slots[slot].at;
     } else {
       ++pinned[index].conditions;
-      pinned[index].bits += PinnedBits(condition, fieldBits, rules);
+      pinned[index].bits += PinnedBits(condition, fieldBits, switches);
     }
   }
   std::array<double, kBits> pinnedInSlot{};
@@ -169,10 +169,10 @@ UINT64 WeightOf(std::span<const FWPM_FILTER_CONDITION0> conditions, const Catalo
   return weight;
 }
 
-UINT64 AutomaticWeight(const FWPM_FILTER0& filter, const Rules& rules) {
-  const Catalog::Layer& layer = *Catalog::FindLayer(filter.layerKey, rules.Version());
+UINT64 AutomaticWeight(const FWPM_FILTER0& filter, const Switches& switches) {
+  const Catalog::Layer& layer = *Catalog::FindLayer(filter.layerKey, switches.Version());
   const std::span conditions(filter.filterCondition, filter.numFilterConditions);
-  if (rules.guessWeights != 0) {
+  if (switches.guessWeights != 0) {
     return GuessedWeight(conditions, layer);
   }
   if (layer.fields.empty()) {
@@ -182,19 +182,19 @@ UINT64 AutomaticWeight(const FWPM_FILTER0& filter, const Rules& rules) {
     return 0;
   }
   return ClassesOf(layer.family).empty() ? GuessedWeight(conditions, layer)
-                                         : WeightOf(conditions, layer, rules);
+                                         : WeightOf(conditions, layer, switches);
 }
 
 }  // namespace
 
-UINT64 EffectiveWeight(const FWPM_FILTER0& filter, const Rules& rules) {
+UINT64 EffectiveWeight(const FWPM_FILTER0& filter, const Switches& switches) {
   switch (filter.weight.type) {
     case FWP_UINT64:
       return *filter.weight.uint64;
     case FWP_UINT8:
-      return UINT64{filter.weight.uint8} << kBits | AutomaticWeight(filter, rules);
+      return UINT64{filter.weight.uint8} << kBits | AutomaticWeight(filter, switches);
     default:
-      return AutomaticWeight(filter, rules);
+      return AutomaticWeight(filter, switches);
   }
 }
 

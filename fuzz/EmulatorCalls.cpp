@@ -37,9 +37,10 @@ class Clients {
   explicit Clients(Input& input) : input_(input), records_(input) {
     EngineEmulator::Reset();
     // One thread for all clients: nobody would give the lock back while another waits for it.
-    EngineEmulator::Rules rules = input.TakeFlag() ? EngineEmulator::LenientRules() : EngineEmulator::Rules();
-    rules.lockWaitMilliseconds = 1;
-    EngineEmulator::SetRules(rules);
+    EngineEmulator::Switches switches =
+        input.TakeFlag() ? EngineEmulator::LenientSwitches() : EngineEmulator::Switches();
+    switches.lockWaitMilliseconds = 1;
+    EngineEmulator::SetSwitches(switches);
   }
 
   void Run() {

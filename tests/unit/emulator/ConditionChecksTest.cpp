@@ -152,7 +152,7 @@ TEST_F(ConditionChecks, RefuseToCompareNetworksUnlessToldOtherwise) {
   EXPECT_EQ(Check(kRemoteAddress, FWP_MATCH_NOT_EQUAL), kMatchTypeMismatch);
   EXPECT_EQ(Reason(), "NOT_EQUAL does not go with the type V4_ADDR_MASK of IP_REMOTE_ADDRESS");
   EXPECT_EQ(Check(kRemoteAddress, FWP_MATCH_GREATER), kMatchTypeMismatch);
-  EngineEmulator::SetRules(EngineEmulator::LenientRules());
+  EngineEmulator::SetSwitches(EngineEmulator::LenientSwitches());
   EXPECT_EQ(Check(kRemoteAddress, FWP_MATCH_NOT_EQUAL), kSuccess);
   EXPECT_EQ(Check(kRemoteAddress, FWP_MATCH_GREATER), kSuccess);
 }
@@ -167,7 +167,7 @@ TEST_F(ConditionChecks, TakeInequalityOfSidsButNotOfSecurityDescriptors) {
   value_.type = FWP_SECURITY_DESCRIPTOR_TYPE;
   value_.sd = &blob;
   EXPECT_EQ(Check(kUserId, FWP_MATCH_NOT_EQUAL), kMatchTypeMismatch);
-  EngineEmulator::SetRules(EngineEmulator::LenientRules());
+  EngineEmulator::SetSwitches(EngineEmulator::LenientSwitches());
   EXPECT_EQ(Check(kUserId, FWP_MATCH_NOT_EQUAL), kSuccess);
 }
 
@@ -241,7 +241,7 @@ TEST_F(ConditionChecks, RefuseNetMasksWithHolesUnlessToldOtherwise) {
   EXPECT_EQ(Check(kRemoteAddress, FWP_MATCH_EQUAL), kInvalidNetMask);
   SetNetwork(0x000000FF);
   EXPECT_EQ(Check(kRemoteAddress, FWP_MATCH_EQUAL), kInvalidNetMask);
-  EngineEmulator::SetRules(EngineEmulator::LenientRules());
+  EngineEmulator::SetSwitches(EngineEmulator::LenientSwitches());
   EXPECT_EQ(Check(kRemoteAddress, FWP_MATCH_EQUAL), kSuccess);
 }
 
@@ -262,9 +262,9 @@ TEST_F(ConditionChecks, TakeAFieldSeveralTimes) {
   conditions_[1].conditionValue = value_;
   filter_.numFilterConditions = 2;
   EXPECT_EQ(Check(kRemotePort, FWP_MATCH_EQUAL), kSuccess);
-  EngineEmulator::Rules rules;
-  rules.refuseExactDuplicates = 1;
-  EngineEmulator::SetRules(rules);
+  EngineEmulator::Switches switches;
+  switches.refuseExactDuplicates = 1;
+  EngineEmulator::SetSwitches(switches);
   EXPECT_EQ(Check(kRemotePort, FWP_MATCH_EQUAL), kDuplicateCondition);
   conditions_[1].conditionValue.uint16 = 54;
   EXPECT_EQ(Check(kRemotePort, FWP_MATCH_EQUAL), kSuccess);
@@ -274,9 +274,9 @@ TEST_F(ConditionChecks, TakeEmptyBlobsUnlessToldOtherwise) {
   blob_.size = 0;
   SetBytes();
   EXPECT_EQ(Check(kAppId, FWP_MATCH_EQUAL), kSuccess);
-  EngineEmulator::Rules rules;
-  rules.refuseEmptyBlobs = 1;
-  EngineEmulator::SetRules(rules);
+  EngineEmulator::Switches switches;
+  switches.refuseEmptyBlobs = 1;
+  EngineEmulator::SetSwitches(switches);
   EXPECT_EQ(Check(kAppId, FWP_MATCH_EQUAL), kZeroLengthArray);
 }
 

@@ -220,9 +220,9 @@ TEST_F(Enumeration, TemplateCanAskForTheHeaviestFirst) {
 TEST_F(Enumeration, IsInAnotherOrderOnRequestUnlessTheTemplateAsksForOne) {
   const TestSession session;
   AddFilters(session, 16);
-  EngineEmulator::Rules rules;
-  rules.shuffleEnumerations = 1;
-  EngineEmulator::SetRules(rules);
+  EngineEmulator::Switches switches;
+  switches.shuffleEnumerations = 1;
+  EngineEmulator::SetSwitches(switches);
   FWPM_FILTER_ENUM_TEMPLATE0 criteria = AllOfConnectV4();
   std::vector<int> weights = Selected(session, criteria);
   EXPECT_FALSE(std::ranges::is_sorted(weights));
@@ -234,9 +234,9 @@ TEST_F(Enumeration, IsInAnotherOrderOnRequestUnlessTheTemplateAsksForOne) {
 
 TEST_F(Enumeration, OfSublayersIsInAnotherOrderOnRequest) {
   const TestSession session;
-  EngineEmulator::Rules rules;
-  rules.shuffleEnumerations = 1;
-  EngineEmulator::SetRules(rules);
+  EngineEmulator::Switches switches;
+  switches.shuffleEnumerations = 1;
+  EngineEmulator::SetSwitches(switches);
   HANDLE enumHandle = nullptr;
   ASSERT_EQ(FwpmSubLayerCreateEnumHandle0(session, nullptr, &enumHandle), kSuccess);
   FWPM_SUBLAYER0** entries = nullptr;

@@ -39,10 +39,10 @@ class Refusal : public EngineTest {
     return Of(filter);
   }
 
-  static void SetRule(UINT32 EngineEmulator::Rules::*rule, UINT32 value) {
-    EngineEmulator::Rules rules = EngineEmulator::GetRules();
-    rules.*rule = value;
-    EngineEmulator::SetRules(rules);
+  static void SetSwitch(UINT32 EngineEmulator::Switches::*member, UINT32 value) {
+    EngineEmulator::Switches switches = EngineEmulator::GetSwitches();
+    switches.*member = value;
+    EngineEmulator::SetSwitches(switches);
   }
 };
 
@@ -90,7 +90,7 @@ TEST_F(Refusal, OfAProvider) {
     spoil(provider);
     EXPECT_EQ(Of(provider), reason);
   }
-  SetRule(&EngineEmulator::Rules::refuseEmptyNames, 1);
+  SetSwitch(&EngineEmulator::Switches::refuseEmptyNames, 1);
   wchar_t empty[] = L"";
   FWPM_PROVIDER0 provider = ProviderRecord();
   provider.displayData.name = empty;
@@ -233,7 +233,7 @@ TEST_F(Refusal, OfAFilterForItsSublayer) {
 }
 
 TEST_F(Refusal, OfAVerdictWhereFlowsAreEstablished) {
-  SetRule(&EngineEmulator::Rules::refuseVerdictsAtFlowEstablished, 1);
+  SetSwitch(&EngineEmulator::Switches::refuseVerdictsAtFlowEstablished, 1);
   FWPM_FILTER0 filter = FilterRecord();
   filter.layerKey = kFlowEstablishedV4;
   EXPECT_EQ(Of(filter), "BLOCK is no action for ALE_FLOW_ESTABLISHED_V4");
@@ -351,9 +351,9 @@ TEST_F(Refusal, OfACondition) {
     spoil(condition);
     EXPECT_EQ(OfFilterWith({condition}), reason);
   }
-  SetRule(&EngineEmulator::Rules::refuseExactDuplicates, 1);
+  SetSwitch(&EngineEmulator::Switches::refuseExactDuplicates, 1);
   EXPECT_EQ(OfFilterWith({sound, sound}), "IP_REMOTE_PORT EQUAL UINT16 0 is there twice");
-  SetRule(&EngineEmulator::Rules::refuseEmptyBlobs, 1);
+  SetSwitch(&EngineEmulator::Switches::refuseEmptyBlobs, 1);
   FWP_BYTE_BLOB empty{0, &byte};
   Set(sound, FWP_BYTE_BLOB_TYPE, &FWP_CONDITION_VALUE0::byteBlob, empty);
   EXPECT_EQ(OfFilterWith({sound}), "a blob has no bytes");

@@ -23,9 +23,9 @@ TEST_F(WriteLock, IsWaitedForAsLongAsTheSessionSays) {
 }
 
 TEST_F(WriteLock, IsWaitedForAsLongAsTheRulesSayWithoutAWishOfTheSession) {
-  EngineEmulator::Rules rules;
-  rules.lockWaitMilliseconds = kOneMillisecond;
-  EngineEmulator::SetRules(rules);
+  EngineEmulator::Switches switches;
+  switches.lockWaitMilliseconds = kOneMillisecond;
+  EngineEmulator::SetSwitches(switches);
   const TestSession session;
   const TestSession other;
   ASSERT_EQ(FwpmTransactionBegin0(session, 0), kSuccess);

@@ -202,7 +202,7 @@ TEST_F(LintTest, WhatAStrictEngineRefusesIsFoundAndReallyRefused) {
   };
   for (const char* filter : refused) {
     EXPECT_THAT(FindingsOf(filter), Contains("refusable 1")) << filter;
-    EngineEmulator::SetRules(EngineEmulator::Rules());
+    EngineEmulator::SetSwitches(EngineEmulator::Switches());
     EXPECT_THROW(Install(1, filter), std::runtime_error) << filter;
   }
 }

@@ -24,7 +24,7 @@ class PolicyTest : public EngineTest {
   void SetUp() override {
     EngineTest::SetUp();
     ExpectOutstandingMemory(0);
-    EngineEmulator::SetRules(EngineEmulator::LenientRules());
+    EngineEmulator::SetSwitches(EngineEmulator::LenientSwitches());
     filters_.emplace();
   }
   void TearDown() override {

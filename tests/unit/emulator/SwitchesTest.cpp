@@ -1,4 +1,4 @@
-#include "emulator/Rules.h"
+#include "emulator/Switches.h"
 
 #include <gmock/gmock.h>
 
@@ -10,9 +10,9 @@
 
 namespace {
 
-using Rules = EngineTest;
+using Switches = EngineTest;
 
-TEST_F(Rules, AreSetByName) {
+TEST_F(Switches, AreSetByName) {
   const TestSession session;
   wchar_t empty[] = L"";
   FWPM_SUBLAYER0 sublayer = SublayerRecord();
@@ -24,14 +24,14 @@ TEST_F(Rules, AreSetByName) {
   EXPECT_EQ(EngineEmulatorSetRule("refuseNonsense", 1), 0);
 }
 
-TEST_F(Rules, AreBackToTheirDefaultsAfterAReset) {
+TEST_F(Switches, AreBackToTheirDefaultsAfterAReset) {
   EngineEmulatorSetRule("invalidHandleCode", 1775);
   EXPECT_EQ(FwpmEngineClose0(nullptr), 1775U);
   EngineEmulator::Reset();
   EXPECT_EQ(FwpmEngineClose0(nullptr), kInvalidHandle);
 }
 
-TEST_F(Rules, AreLenientAllAtOnce) {
+TEST_F(Switches, AreLenientAllAtOnce) {
   const TestSession session;
   FWPM_FILTER0 filter = FilterRecord();
   GUID reserved{};
@@ -45,7 +45,7 @@ TEST_F(Rules, AreLenientAllAtOnce) {
   EXPECT_EQ(Add(session, filter), 0x80320029U);
 }
 
-TEST_F(Rules, KeepWhatIsDocumentedWhenLenient) {
+TEST_F(Switches, KeepWhatIsDocumentedWhenLenient) {
   EngineEmulatorSetRule("lenient", 1);
   const TestSession session;
   FWPM_FILTER0 filter = FilterRecord();
@@ -53,7 +53,7 @@ TEST_F(Rules, KeepWhatIsDocumentedWhenLenient) {
   EXPECT_EQ(Add(session, filter), 0x80320025U);
 }
 
-TEST_F(Rules, CanKeepATransactionOpenThroughAFailedCommit) {
+TEST_F(Switches, CanKeepATransactionOpenThroughAFailedCommit) {
   const TestSession session;
   EngineEmulatorSetRule("failedCommitEndsTransaction", 0);
   FwpmTransactionBegin0(session, 0);
@@ -64,7 +64,7 @@ TEST_F(Rules, CanKeepATransactionOpenThroughAFailedCommit) {
   EXPECT_EQ(EngineEmulator::TakeSnapshot().sublayers.size(), 1U);
 }
 
-TEST_F(Rules, LetAFailedCommitEndTheTransaction) {
+TEST_F(Switches, LetAFailedCommitEndTheTransaction) {
   const TestSession session;
   FwpmTransactionBegin0(session, 0);
   ASSERT_EQ(Add(session, SublayerRecord()), kSuccess);
@@ -74,7 +74,7 @@ TEST_F(Rules, LetAFailedCommitEndTheTransaction) {
   EXPECT_TRUE(EngineEmulator::TakeSnapshot().sublayers.empty());
 }
 
-TEST_F(Rules, CanLetAStaticSessionDeleteDynamicObjects) {
+TEST_F(Switches, CanLetAStaticSessionDeleteDynamicObjects) {
   const TestSession session;
   const TestSession dynamic(kDynamic);
   ASSERT_EQ(Add(dynamic, SublayerRecord()), kSuccess);
@@ -82,7 +82,7 @@ TEST_F(Rules, CanLetAStaticSessionDeleteDynamicObjects) {
   EXPECT_EQ(FwpmSubLayerDeleteByKey0(session, &kSublayerKey), kSuccess);
 }
 
-TEST_F(Rules, CanLetATemplateGoWithoutALayer) {
+TEST_F(Switches, CanLetATemplateGoWithoutALayer) {
   const TestSession session;
   ASSERT_EQ(Add(session, FilterRecord()), kSuccess);
   FWPM_FILTER_ENUM_TEMPLATE0 criteria{};
@@ -117,7 +117,7 @@ std::vector<UINT8> WeightsInOrder(HANDLE session, UINT32 flags) {
   return weights;
 }
 
-TEST_F(Rules, CanShuffleWhatAsksForNoOrder) {
+TEST_F(Switches, CanShuffleWhatAsksForNoOrder) {
   constexpr UINT32 kSorted = 2;
   const TestSession session;
   std::vector<UINT8> ascending;
@@ -138,7 +138,7 @@ TEST_F(Rules, CanShuffleWhatAsksForNoOrder) {
   EXPECT_EQ(WeightsInOrder(session, kSorted), descending);
 }
 
-TEST_F(Rules, CanRefuseVerdictsWhereFlowsAreEstablished) {
+TEST_F(Switches, CanRefuseVerdictsWhereFlowsAreEstablished) {
   const TestSession session;
   FWPM_FILTER0 filter = FilterRecord();
   filter.layerKey = kFlowEstablishedV4;
@@ -156,7 +156,7 @@ UINT32 CountFields(HANDLE session, const GUID& key) {
   return count;
 }
 
-TEST_F(Rules, GiveTheLayersOfAVersionOfWindows) {
+TEST_F(Switches, GiveTheLayersOfAVersionOfWindows) {
   const TestSession session;
   EXPECT_EQ(CountFields(session, kConnectV4), 42U);
   EngineEmulatorSetRule("windowsBuild", 22631);
@@ -165,7 +165,7 @@ TEST_F(Rules, GiveTheLayersOfAVersionOfWindows) {
   EXPECT_EQ(CountFields(session, kConnectV4), 41U);
 }
 
-TEST_F(Rules, RefuseFieldsThatTheVersionOfWindowsLacks) {
+TEST_F(Switches, RefuseFieldsThatTheVersionOfWindowsLacks) {
   const TestSession session;
   UINT8 bytes[20]{1, 0, 0, 0x80};
   FWP_BYTE_BLOB descriptor{sizeof(bytes), bytes};

@@ -13,7 +13,7 @@
 namespace EngineEmulator {
 
 /// What is refused, ends and is shuffled is so unless the value is 0.
-struct Rules {
+struct Switches {
   /// NOT_EQUAL and comparisons with an address mask: FWP_E_MATCH_TYPE_MISMATCH.
   UINT32 refuseComparedNetworks = 1;
   /// NOT_EQUAL of data without an order, SIDs excepted: FWP_E_MATCH_TYPE_MISMATCH.
@@ -62,9 +62,9 @@ struct Rules {
 };
 
 /// Refuses nothing but what the documentation says is refused.
-Rules LenientRules();
+Switches LenientSwitches();
 
-/// The rule of a name, such as "refuseEmptyNames"; null if there is none.
-UINT32 Rules::*FindRule(std::string_view name);
+/// The switch of a name, such as "refuseEmptyNames"; null if there is none.
+UINT32 Switches::*FindSwitch(std::string_view name);
 
 }  // namespace EngineEmulator
