@@ -9,13 +9,14 @@
 #include "policy/Decide.h"
 #include "policy/Lint.h"
 #include "policy/Map.h"
+#include "promises/Proof.h"
 #include "support/InstalledFeatures.h"
 
 namespace {
 
 using Policy::Connection;
 using Policy::Direction;
-using Policy::Features;
+using Promises::Features;
 
 Policy::Snapshot SnapshotOf(const Features& features) {
   EngineEmulator::Reset();
@@ -119,7 +120,7 @@ void ProveAllFeatures(benchmark::State& state) {
   const Features features = AllFeatures(state.range(0));
   const Policy::Snapshot snapshot = SnapshotOf(features);
   for (auto _ : state) {
-    benchmark::DoNotOptimize(Policy::Prove(snapshot, features));
+    benchmark::DoNotOptimize(Promises::Prove(snapshot, features));
   }
 }
 BENCHMARK(ProveAllFeatures)->Arg(1'000)->Unit(benchmark::kMillisecond);

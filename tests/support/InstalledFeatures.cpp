@@ -16,7 +16,7 @@
 
 namespace {
 
-using Policy::Features;
+using Promises::Features;
 
 constexpr std::string_view kVolume = "\\device\\harddiskvolume1";
 

@@ -15,7 +15,7 @@
 
 namespace {
 
-using Policy::Features;
+using Promises::Features;
 
 std::vector<UINT64> Interfaces(const StepOptions& options) {
   if (!options.luid.empty()) {
@@ -112,7 +112,7 @@ void Follow(const PlannedStep& planned, const Plan& plan, const Policy::Snapshot
 
 }  // namespace
 
-Policy::Features ActiveFeatures(const Plan& plan, std::size_t count, const Policy::Snapshot& snapshot) {
+Promises::Features ActiveFeatures(const Plan& plan, std::size_t count, const Policy::Snapshot& snapshot) {
   Features features;
   try {
     for (std::size_t i = 0; i < count; ++i) {

@@ -101,7 +101,7 @@ void JsonReporter::ShowExplanation(const Policy::Explanation& explanation, const
 
 void JsonReporter::ShowMap(const Policy::Map& map, const Policy::Labels&) { Step()["map"] = ToJson(map); }
 
-void JsonReporter::ShowPromises(const std::vector<Policy::PromiseResult>& promises,
+void JsonReporter::ShowPromises(const std::vector<Promises::PromiseResult>& promises,
                                 const Policy::Labels& labels) {
   Step()["promises"] = ToJson(promises, labels);
 }

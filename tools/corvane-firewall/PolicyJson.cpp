@@ -287,9 +287,9 @@ Json ToJson(const Policy::Map& map) {
   return json;
 }
 
-Json ToJson(const std::vector<Policy::PromiseResult>& promises, const Policy::Labels& labels) {
+Json ToJson(const std::vector<Promises::PromiseResult>& promises, const Policy::Labels& labels) {
   Json json = Json::array();
-  for (const Policy::PromiseResult& promise : promises) {
+  for (const Promises::PromiseResult& promise : promises) {
     Json alternatives = Json::array();
     for (const auto& choices : Policy::Alternatives(promise.worlds)) {
       alternatives.push_back(ToJson(choices));
@@ -297,12 +297,12 @@ Json ToJson(const std::vector<Policy::PromiseResult>& promises, const Policy::La
     json.push_back({{"feature", promise.feature},
                     {"name", promise.name},
                     {"sentence", promise.sentence},
-                    {"state", Policy::KeepingText(promise.keeping)},
+                    {"state", Promises::KeepingText(promise.keeping)},
                     {"holdsUnder", std::move(alternatives)},
                     {"promised", ToJson(promise.promised)},
                     {"counterexample", ToJson(promise.counterexample,
                                               [&](const auto& example) { return ToJson(example, labels); })},
-                    {"text", Policy::Describe(promise, labels)}});
+                    {"text", Promises::Describe(promise, labels)}});
   }
   return json;
 }

@@ -6,7 +6,7 @@
 #include "Json.h"
 #include "policy/Lint.h"
 #include "policy/Map.h"
-#include "policy/Promises.h"
+#include "promises/Proof.h"
 
 // What the policy library says, for machines. Numbers that may need more than 53 bits are texts: LUIDs of
 // decimal digits, others (weights, the ends of intervals) of hexadecimal ones. Applications are the
@@ -21,7 +21,7 @@ Json ToJson(const Policy::Verdict& verdict);
 Json ToJson(const Policy::Connection& connection, const Policy::Labels& labels);
 Json ToJson(const Policy::Explanation& explanation, const Policy::Labels& labels);
 Json ToJson(const Policy::Map& map);
-Json ToJson(const std::vector<Policy::PromiseResult>& promises, const Policy::Labels& labels);
+Json ToJson(const std::vector<Promises::PromiseResult>& promises, const Policy::Labels& labels);
 Json ToJson(const std::vector<Policy::Finding>& findings);
 /// Sublayers and filters with what is needed to judge connections.
 Json ToJson(const Policy::Snapshot& snapshot);

@@ -38,8 +38,8 @@ void MapStep(const StepContext& context, const StepOptions&) {
 
 void ProveStep(const StepContext& context, const StepOptions&) {
   const Policy::Snapshot snapshot = ReadPolicy();
-  const Policy::Features features = ActiveFeatures(context.plan, context.index, snapshot);
-  context.reporter.ShowPromises(Policy::Prove(snapshot, features), ReadLabels());
+  const Promises::Features features = ActiveFeatures(context.plan, context.index, snapshot);
+  context.reporter.ShowPromises(Promises::Prove(snapshot, features), ReadLabels());
 }
 
 void LintStep(const StepContext& context, const StepOptions&) {
@@ -50,7 +50,8 @@ void LintStep(const StepContext& context, const StepOptions&) {
 void ReportStep(const StepContext& context, const StepOptions& options) {
   const std::string& path = options.file.front();
   const Policy::Snapshot snapshot = ReadPolicy();
-  const Policy::Features features = ActiveFeatures(context.plan, context.index, snapshot);
-  WriteFile(path, MakePage({context.plan.engine, snapshot, Policy::Prove(snapshot, features), ReadLabels()}));
+  const Promises::Features features = ActiveFeatures(context.plan, context.index, snapshot);
+  WriteFile(path,
+            MakePage({context.plan.engine, snapshot, Promises::Prove(snapshot, features), ReadLabels()}));
   context.reporter.ShowFile(path);
 }

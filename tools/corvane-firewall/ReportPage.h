@@ -4,13 +4,13 @@
 #include <vector>
 
 #include "Failure.h"
-#include "policy/Promises.h"
+#include "promises/Proof.h"
 
 /// What a page is about.
 struct PageContent {
   Engine engine;
   const Policy::Snapshot& snapshot;
-  const std::vector<Policy::PromiseResult>& promises;
+  const std::vector<Promises::PromiseResult>& promises;
   const Policy::Labels& labels;
 };
 

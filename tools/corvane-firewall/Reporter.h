@@ -8,7 +8,7 @@
 #include "Listing.h"
 #include "policy/Lint.h"
 #include "policy/Map.h"
-#include "policy/Promises.h"
+#include "promises/Proof.h"
 
 /// A network adapter as the library sees it; UTF-8.
 struct ListedAdapter {
@@ -39,7 +39,7 @@ class Reporter {
   virtual void ShowListing(const Listing& listing) = 0;
   virtual void ShowExplanation(const Policy::Explanation& explanation, const Policy::Labels& labels) = 0;
   virtual void ShowMap(const Policy::Map& map, const Policy::Labels& labels) = 0;
-  virtual void ShowPromises(const std::vector<Policy::PromiseResult>& promises,
+  virtual void ShowPromises(const std::vector<Promises::PromiseResult>& promises,
                             const Policy::Labels& labels) = 0;
   virtual void ShowFindings(const std::vector<Policy::Finding>& findings) = 0;
   /// A file that has been written.

@@ -122,10 +122,10 @@ void TextReporter::ShowMap(const Policy::Map& map, const Policy::Labels& labels)
   Print(Policy::Describe(map, labels));
 }
 
-void TextReporter::ShowPromises(const std::vector<Policy::PromiseResult>& promises,
+void TextReporter::ShowPromises(const std::vector<Promises::PromiseResult>& promises,
                                 const Policy::Labels& labels) {
-  for (const Policy::PromiseResult& promise : promises) {
-    Print(Policy::Describe(promise, labels));
+  for (const Promises::PromiseResult& promise : promises) {
+    Print(Promises::Describe(promise, labels));
   }
   if (promises.empty()) {
     std::cout << "  no feature is switched on in this run: nothing is promised\n";

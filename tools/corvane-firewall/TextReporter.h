@@ -15,7 +15,7 @@ class TextReporter : public Reporter {
   void ShowListing(const Listing& listing) override;
   void ShowExplanation(const Policy::Explanation& explanation, const Policy::Labels& labels) override;
   void ShowMap(const Policy::Map& map, const Policy::Labels& labels) override;
-  void ShowPromises(const std::vector<Policy::PromiseResult>& promises,
+  void ShowPromises(const std::vector<Promises::PromiseResult>& promises,
                     const Policy::Labels& labels) override;
   void ShowFindings(const std::vector<Policy::Finding>& findings) override;
   void ShowFile(const std::string& path) override;

@@ -58,7 +58,7 @@ TEST_F(PolicyReader, SaysPlainlyThatRightsAreMissing) {
 
 Step StepNamed(const char* name) { return {name, "", {}, true, nullptr}; }
 
-Policy::Features FeaturesAfter(std::vector<PlannedStep> steps, const Policy::Snapshot& snapshot = {}) {
+Promises::Features FeaturesAfter(std::vector<PlannedStep> steps, const Policy::Snapshot& snapshot = {}) {
   Plan plan;
   plan.dnsApp = "\\device\\harddiskvolume1\\resolver.exe";
   plan.steps = std::move(steps);
@@ -66,7 +66,7 @@ Policy::Features FeaturesAfter(std::vector<PlannedStep> steps, const Policy::Sna
 }
 
 TEST(ActiveFeatures, AreOffUntilAStepSwitchesThemOn) {
-  const Policy::Features features = FeaturesAfter({});
+  const Promises::Features features = FeaturesAfter({});
   EXPECT_FALSE(features.killSwitch || features.dhcp || features.localNetworkBlock ||
                features.leakProtection || features.skein);
 }
@@ -84,7 +84,7 @@ TEST(ActiveFeatures, HaveTheArgumentsOfTheirSteps) {
   StepOptions skeinOptions;
   skeinOptions.luid = {"9"};
   skeinOptions.peers = {"100.64.0.5"};
-  const Policy::Features features = FeaturesAfter(
+  const Promises::Features features = FeaturesAfter(
       {{&killSwitch, killSwitchOptions}, {&leakProtection, leakOptions}, {&skein, skeinOptions}});
   EXPECT_THAT(features.killSwitch.value().applications,
               ElementsAre(Policy::ApplicationBytes("\\device\\a.exe")));
@@ -102,7 +102,7 @@ TEST(ActiveFeatures, AreWhatTheLastStepsLeave) {
   const Step on = StepNamed("enable-local-network");
   const Step dhcp = StepNamed("enable-dhcp");
   EXPECT_TRUE(FeaturesAfter({{&off, {}}}).localNetworkBlock);
-  const Policy::Features features = FeaturesAfter({{&off, {}}, {&dhcp, {}}, {&on, {}}});
+  const Promises::Features features = FeaturesAfter({{&off, {}}, {&dhcp, {}}, {&on, {}}});
   EXPECT_FALSE(features.localNetworkBlock);
   EXPECT_TRUE(features.dhcp);
 }

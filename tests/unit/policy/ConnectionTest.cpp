@@ -12,10 +12,10 @@ namespace {
 using Policy::Action;
 using Policy::Connection;
 using Policy::Direction;
-using Policy::Features;
 using Policy::IpVersion;
 using Policy::OrdinaryConnection;
 using Policy::PortUse;
+using Promises::Features;
 
 using Ports = std::pair<std::optional<UINT16>, std::optional<UINT16>>;
 

@@ -1,12 +1,11 @@
 #include "policy/Map.h"
 
-#include "policy/Promises.h"
 #include "unit/policy/PolicyTest.h"
 
 namespace {
 
-using Policy::Features;
 using Policy::Map;
+using Promises::Features;
 using testing::HasSubstr;
 using testing::SizeIs;
 using testing::StartsWith;

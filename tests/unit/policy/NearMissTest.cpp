@@ -152,7 +152,7 @@ TEST_F(NearMissTest, ThoseOfOneFieldAreOneLineThatIsCut) {
 }
 
 TEST_F(NearMissTest, TheKillSwitchTellsWhatWouldBeFree) {
-  Policy::Features features;
+  Promises::Features features;
   features.killSwitch.emplace();
   Install(features);
   const std::string text = ExplanationOf(To("10.0.0.1", 53));

@@ -41,7 +41,7 @@ class PolicyTest : public EngineTest {
 
   void Install(UINT16 weight, const std::string& filters) { filters_->Install(L"Sublayer", weight, filters); }
   /// The real rule sets; once in an engine.
-  void Install(const Policy::Features& features) {
+  void Install(const Promises::Features& features) {
     features_.emplace(features);
     // The list that the copy of application blocks points into stays allocated.
     ExpectOutstandingMemory(features.leakProtection ? 1 : 0);

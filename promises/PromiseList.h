@@ -8,18 +8,18 @@
 #include <string>
 #include <vector>
 
-#include "policy/Promises.h"
 #include "policy/Section.h"
+#include "promises/Features.h"
 
-namespace Policy {
+namespace Promises {
 
 /// Connections for which something is promised.
 struct PromiseRule {
-  Action promised;
-  std::optional<Direction> direction;  ///< none: both
-  std::optional<IpVersion> ipVersion;  ///< none: both
-  Mark connections;
-  std::vector<Mark> exceptions;  ///< of these connections nothing is promised
+  Policy::Action promised;
+  std::optional<Policy::Direction> direction;  ///< none: both
+  std::optional<Policy::IpVersion> ipVersion;  ///< none: both
+  Policy::Mark connections;
+  std::vector<Policy::Mark> exceptions;  ///< of these connections nothing is promised
 };
 
 /// A sentence, and what it means. It says what a user believes who reads it, whatever the filters do.
@@ -33,4 +33,4 @@ struct Promise {
 /// The promises of the features that are on.
 std::vector<Promise> PromisesOf(const Features& features);
 
-}  // namespace Policy
+}  // namespace Promises

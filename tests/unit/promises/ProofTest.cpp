@@ -1,4 +1,4 @@
-#include "policy/Promises.h"
+#include "promises/Proof.h"
 
 #include <algorithm>
 
@@ -6,9 +6,9 @@
 
 namespace {
 
-using Policy::Features;
-using Policy::Keeping;
-using Policy::PromiseResult;
+using Promises::Features;
+using Promises::Keeping;
+using Promises::PromiseResult;
 using testing::Contains;
 using testing::ElementsAre;
 using testing::HasSubstr;
@@ -41,14 +41,14 @@ Features SkeinOnly() {
   return features;
 }
 
-class PromisesTest : public PolicyTest {
+class ProofTest : public PolicyTest {
  protected:
   /// The promises of some features, whatever filters are installed: "name: state".
   static std::vector<std::string> StatesOf(const Features& features) {
     std::vector<std::string> states;
     const Policy::Snapshot snapshot = Read();
-    for (const PromiseResult& result : Policy::Prove(snapshot, features)) {
-      std::string state(Policy::KeepingText(result.keeping));
+    for (const PromiseResult& result : Promises::Prove(snapshot, features)) {
+      std::string state(Promises::KeepingText(result.keeping));
       if (result.keeping == Keeping::Conditional) {
         state.clear();
         for (const auto& choices : Policy::Alternatives(result.worlds)) {
@@ -114,45 +114,46 @@ std::vector<Case> Cases() {
           {"skein-closed", SkeinOnly(), true}};
 }
 
-TEST_F(PromisesTest, AnOpenEngineKeepsWhatIsPromisedToPass) {
+TEST_F(ProofTest, AnOpenEngineKeepsWhatIsPromisedToPass) {
   const Policy::Snapshot snapshot = Read();
   for (const auto& [name, features, blocks] : Cases()) {
-    const PromiseResult result = Find(Policy::Prove(snapshot, features), name);
+    const PromiseResult result = Find(Promises::Prove(snapshot, features), name);
     EXPECT_EQ(result.keeping, blocks ? Keeping::Broken : Keeping::Holds) << name;
     EXPECT_EQ(result.counterexample.has_value(), blocks) << name;
   }
 }
 
-TEST_F(PromisesTest, AClosedEngineKeepsWhatIsPromisedToBeBlocked) {
+TEST_F(ProofTest, AClosedEngineKeepsWhatIsPromisedToBeBlocked) {
   BlockEverything();
   const Policy::Snapshot snapshot = Read();
   for (const auto& [name, features, blocks] : Cases()) {
-    const PromiseResult result = Find(Policy::Prove(snapshot, features), name);
+    const PromiseResult result = Find(Promises::Prove(snapshot, features), name);
     EXPECT_EQ(result.keeping, blocks ? Keeping::Holds : Keeping::Broken) << name;
     EXPECT_EQ(result.counterexample.has_value(), !blocks) << name;
   }
 }
 
-TEST_F(PromisesTest, NoFeatureNoPromise) { EXPECT_THAT(StatesOf({}), ElementsAre()); }
+TEST_F(ProofTest, NoFeatureNoPromise) { EXPECT_THAT(StatesOf({}), ElementsAre()); }
 
-TEST_F(PromisesTest, TheCounterexampleIsTheOrdinaryConnectionWithOnlyTheValuesThatItTakes) {
+TEST_F(ProofTest, TheCounterexampleIsTheOrdinaryConnectionWithOnlyTheValuesThatItTakes) {
   const Policy::Snapshot snapshot = Read();
-  const auto results = Policy::Prove(snapshot, LeakProtectionOnly());
+  const auto results = Promises::Prove(snapshot, LeakProtectionOnly());
   const PromiseResult result = Find(results, "leak-no-look-ups");
   EXPECT_EQ(result.promised, Policy::Action::Block);
   EXPECT_EQ(result.counterexample.value().connection, To("198.51.100.1", 53));
-  EXPECT_THAT(Policy::Describe(result), HasSubstr("promised block, but:\n  outbound IPv4, protocol 6 (TCP)"));
+  EXPECT_THAT(Promises::Describe(result),
+              HasSubstr("promised block, but:\n  outbound IPv4, protocol 6 (TCP)"));
 }
 
-TEST_F(PromisesTest, AResultSaysWhereItHoldsAndWhatBreaksIt) {
+TEST_F(ProofTest, AResultSaysWhereItHoldsAndWhatBreaksIt) {
   Features dhcp;
   dhcp.dhcp = true;
   const auto textOf = [&](const std::string& filters) {
     SetUpAgain();
     Install(1, filters);
     const Policy::Snapshot snapshot = Read();
-    const PromiseResult result = Policy::Prove(snapshot, dhcp).at(0);
-    const std::string text = Policy::Describe(result);
+    const PromiseResult result = Promises::Prove(snapshot, dhcp).at(0);
+    const std::string text = Promises::Describe(result);
     const std::string trace = result.counterexample ? Policy::Describe(*result.counterexample) : "";
     EXPECT_THAT(text, testing::EndsWith(trace));
     return text.substr(0, text.size() - trace.size());
@@ -174,11 +175,11 @@ TEST_F(PromisesTest, AResultSaysWhereItHoldsAndWhatBreaksIt) {
             "  ");
 }
 
-TEST_F(PromisesTest, TheCounterexampleBreaksThePromise) {
+TEST_F(ProofTest, TheCounterexampleBreaksThePromise) {
   Install(KillSwitchOnly());
   const Policy::Snapshot snapshot = Read();
   const Policy::Decider decider(snapshot);
-  for (const PromiseResult& result : Policy::Prove(snapshot, KillSwitchOnly())) {
+  for (const PromiseResult& result : Promises::Prove(snapshot, KillSwitchOnly())) {
     if (result.counterexample) {
       const auto action = decider.Decide(result.counterexample->connection).In(result.counterexample->world);
       EXPECT_NE(action, result.promised) << result.name;
@@ -186,7 +187,7 @@ TEST_F(PromisesTest, TheCounterexampleBreaksThePromise) {
   }
 }
 
-TEST_F(PromisesTest, KillSwitch) {
+TEST_F(ProofTest, KillSwitch) {
   Install(KillSwitchOnly());
   EXPECT_THAT(
       StatesOf(KillSwitchOnly()),
@@ -195,7 +196,7 @@ TEST_F(PromisesTest, KillSwitch) {
                   "kill-switch-local-network: holds with unset-fields = match"));
 }
 
-TEST_F(PromisesTest, KillSwitchWithOneExemptInterface) {
+TEST_F(ProofTest, KillSwitchWithOneExemptInterface) {
   Features features = KillSwitchOnly();
   features.killSwitch->interfaces = {5};
   Install(features);
@@ -207,7 +208,7 @@ TEST_F(PromisesTest, KillSwitchWithOneExemptInterface) {
                                               "kill-switch-exempt: holds"));
 }
 
-TEST_F(PromisesTest, KillSwitchWithTwoExemptInterfaces) {
+TEST_F(ProofTest, KillSwitchWithTwoExemptInterfaces) {
   Features features = KillSwitchOnly();
   features.killSwitch->interfaces = {5, 6};
   Install(features);
@@ -219,7 +220,7 @@ TEST_F(PromisesTest, KillSwitchWithTwoExemptInterfaces) {
                                               "kill-switch-exempt: holds with several-negations = all-hold"));
 }
 
-TEST_F(PromisesTest, KillSwitchWithExemptApplications) {
+TEST_F(ProofTest, KillSwitchWithExemptApplications) {
   Features features = KillSwitchOnly();
   features.killSwitch->applications = {Application("a.exe"), Application("b.exe")};
   Install(features);
@@ -230,7 +231,7 @@ TEST_F(PromisesTest, KillSwitchWithExemptApplications) {
                   "kill-switch-local-network: holds with unset-fields = match", "kill-switch-exempt: holds"));
 }
 
-TEST_F(PromisesTest, WhatOtherFeaturesBlockIsNoBreachOfTheExemption) {
+TEST_F(ProofTest, WhatOtherFeaturesBlockIsNoBreachOfTheExemption) {
   Features features = KillSwitchOnly();
   features.killSwitch->applications = {Application("a.exe")};
   features.localNetworkBlock = true;
@@ -240,7 +241,7 @@ TEST_F(PromisesTest, WhatOtherFeaturesBlockIsNoBreachOfTheExemption) {
   EXPECT_THAT(StatesOf(features), Contains("kill-switch-exempt: holds"));
 }
 
-TEST_F(PromisesTest, KillSwitchWithDhcp) {
+TEST_F(ProofTest, KillSwitchWithDhcp) {
   Features features = KillSwitchOnly();
   features.dhcp = true;
   Install(features);
@@ -251,7 +252,7 @@ TEST_F(PromisesTest, KillSwitchWithDhcp) {
                   "kill-switch-local-network: holds with unset-fields = match", "dhcp-client: broken"));
 }
 
-TEST_F(PromisesTest, LocalNetworkBlock) {
+TEST_F(ProofTest, LocalNetworkBlock) {
   Features features;
   features.localNetworkBlock = true;
   Install(features);
@@ -260,7 +261,7 @@ TEST_F(PromisesTest, LocalNetworkBlock) {
                           "local-network-loopback: broken", "local-network-look-ups: holds"));
 }
 
-TEST_F(PromisesTest, LeakProtection) {
+TEST_F(ProofTest, LeakProtection) {
   Install(LeakProtectionOnly());
   EXPECT_THAT(
       StatesOf(LeakProtectionOnly()),
@@ -270,7 +271,7 @@ TEST_F(PromisesTest, LeakProtection) {
                   "leak-loopback: broken", "leak-blocked-applications: holds"));
 }
 
-TEST_F(PromisesTest, LeakProtectionOfTwoInterfaces) {
+TEST_F(ProofTest, LeakProtectionOfTwoInterfaces) {
   Features features = LeakProtectionOnly();
   features.leakProtection->interfaces = {7, 8};
   Install(features);
@@ -286,7 +287,7 @@ TEST_F(PromisesTest, LeakProtectionOfTwoInterfaces) {
           "leak-loopback: broken", "leak-blocked-applications: holds"));
 }
 
-TEST_F(PromisesTest, LeakProtectionOfNoInterface) {
+TEST_F(ProofTest, LeakProtectionOfNoInterface) {
   Features features = LeakProtectionOnly();
   features.leakProtection->interfaces.clear();
   Install(features);
@@ -297,7 +298,7 @@ TEST_F(PromisesTest, LeakProtectionOfNoInterface) {
                   "leak-local-network: holds", "leak-loopback: broken", "leak-blocked-applications: holds"));
 }
 
-TEST_F(PromisesTest, Skein) {
+TEST_F(ProofTest, Skein) {
   Install(SkeinOnly());
   EXPECT_THAT(StatesOf(SkeinOnly()), ElementsAre("skein-peers: holds", "skein-closed: holds"));
 }

@@ -1,17 +1,17 @@
 // What users are told, word for word, by the features that are on.
-#include "policy/PromiseList.h"
+#include "promises/PromiseList.h"
 
 #include <gmock/gmock.h>
 
 namespace {
 
-using Policy::Features;
+using Promises::Features;
 using testing::ElementsAre;
 
 /// "feature | name | sentence"
 std::vector<std::string> TextsOf(const Features& features) {
   std::vector<std::string> texts;
-  for (const Policy::Promise& promise : Policy::PromisesOf(features)) {
+  for (const Promises::Promise& promise : Promises::PromisesOf(features)) {
     texts.push_back(promise.feature + " | " + promise.name + " | " + promise.sentence);
   }
   return texts;
@@ -19,7 +19,7 @@ std::vector<std::string> TextsOf(const Features& features) {
 
 std::vector<std::string> NamesOf(const Features& features) {
   std::vector<std::string> names;
-  for (const Policy::Promise& promise : Policy::PromisesOf(features)) names.push_back(promise.name);
+  for (const Promises::Promise& promise : Promises::PromisesOf(features)) names.push_back(promise.name);
   return names;
 }
 

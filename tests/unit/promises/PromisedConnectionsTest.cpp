@@ -2,13 +2,13 @@
 // one connection, or all but one, and what they break.
 #include <algorithm>
 
-#include "policy/Promises.h"
+#include "promises/Proof.h"
 #include "unit/policy/PolicyTest.h"
 
 namespace {
 
-using Policy::Features;
-using Policy::Keeping;
+using Promises::Features;
+using Promises::Keeping;
 
 /// What an address is to this machine.
 enum class Place {
@@ -125,8 +125,8 @@ class PromisedConnections : public PolicyTest {
     SetUpAgain();
     Install(1, filters);
     const Policy::Snapshot snapshot = Read();
-    const auto results = Policy::Prove(snapshot, features);
-    return std::ranges::find(results, promise, &Policy::PromiseResult::name)->keeping == Keeping::Broken;
+    const auto results = Promises::Prove(snapshot, features);
+    return std::ranges::find(results, promise, &Promises::PromiseResult::name)->keeping == Keeping::Broken;
   }
 };
 

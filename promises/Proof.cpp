@@ -1,14 +1,33 @@
-#include "policy/Promises.h"
+#include "promises/Proof.h"
 
 #include <algorithm>
 #include <deque>
 #include <limits>
 
 #include "policy/Diagram.h"
-#include "policy/PromiseList.h"
+#include "promises/PromiseList.h"
 
-namespace Policy {
+namespace Promises {
 namespace {
+
+using Policy::Action;
+using Policy::BitWord;
+using Policy::Connection;
+using Policy::Decider;
+using Policy::Diagram;
+using Policy::Field;
+using Policy::MapNode;
+using Policy::MapTarget;
+using Policy::Mark;
+using Policy::Number;
+using Policy::OrdinaryConnection;
+using Policy::Section;
+using Policy::SectionKey;
+using Policy::Snapshot;
+using Policy::ValueClass;
+using Policy::Verdict;
+using Policy::World;
+using Policy::WorldSet;
 
 constexpr std::size_t kNoWay = std::numeric_limits<std::size_t>::max();
 
@@ -119,9 +138,10 @@ class ProofSection {
   }
 
   static bool Speaks(const PlacedRule& rule, const Leaf& leaf) {
-    return HasBit(leaf.marks.data(), rule.connections) &&
-           std::ranges::none_of(rule.exceptions,
-                                [&leaf](std::size_t mark) { return HasBit(leaf.marks.data(), mark); });
+    return Policy::HasBit(leaf.marks.data(), rule.connections) &&
+           std::ranges::none_of(rule.exceptions, [&leaf](std::size_t mark) {
+             return Policy::HasBit(leaf.marks.data(), mark);
+           });
   }
 
   static const WorldSet& Allowed(const PlacedRule& rule, const Leaf& leaf) {
@@ -273,7 +293,7 @@ std::string_view KeepingText(Keeping keeping) {
 std::vector<PromiseResult> Prove(const Snapshot& snapshot, const Features& features) {
   const std::vector<Promise> promises = PromisesOf(features);
   std::deque<ProofSection> sections;
-  for (const SectionKey& key : kSectionKeys) {
+  for (const SectionKey& key : Policy::kSectionKeys) {
     sections.emplace_back(snapshot, key, promises);
   }
   const Decider decider(snapshot);
@@ -293,11 +313,11 @@ std::vector<PromiseResult> Prove(const Snapshot& snapshot, const Features& featu
   return results;
 }
 
-std::string Describe(const PromiseResult& result, const Labels& labels) {
+std::string Describe(const PromiseResult& result, const Policy::Labels& labels) {
   std::string text = result.name + " (" + result.feature + "): " + std::string(KeepingText(result.keeping)) +
                      "\n  " + result.sentence + '\n';
   if (result.keeping == Keeping::Conditional) {
-    for (const std::vector<Choice>& choices : Alternatives(result.worlds)) {
+    for (const std::vector<Policy::Choice>& choices : Policy::Alternatives(result.worlds)) {
       text += "  holds with " + Describe(choices) + '\n';
     }
   }
@@ -308,4 +328,4 @@ std::string Describe(const PromiseResult& result, const Labels& labels) {
   return text;
 }
 
-}  // namespace Policy
+}  // namespace Promises

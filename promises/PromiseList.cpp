@@ -1,13 +1,23 @@
-#include "policy/PromiseList.h"
+#include "promises/PromiseList.h"
 
 #include <algorithm>
 #include <array>
 #include <iterator>
 #include <string_view>
 
-namespace Policy {
+namespace Promises {
 namespace {
 
+using Policy::Action;
+using Policy::Address;
+using Policy::Direction;
+using Policy::Field;
+using Policy::GreatestOfBits;
+using Policy::IpVersion;
+using Policy::Mark;
+using Policy::Number;
+using Policy::ParseAddress;
+using Policy::Test;
 using FieldTests = Mark::FieldTests;
 
 constexpr UINT16 kNamePort = 53;
@@ -350,11 +360,11 @@ class PromiseList {
   }
 
   const Features& features_;
-  std::vector<Policy::Promise> promises_;
+  std::vector<Promise> promises_;
 };
 
 }  // namespace
 
 std::vector<Promise> PromisesOf(const Features& features) { return PromiseList(features).Make(); }
 
-}  // namespace Policy
+}  // namespace Promises

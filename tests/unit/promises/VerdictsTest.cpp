@@ -8,13 +8,14 @@
 #include <iterator>
 #include <random>
 
+#include "promises/Proof.h"
 #include "unit/policy/NaiveEngine.h"
 #include "unit/policy/PolicyTest.h"
 
 namespace {
 
 using Policy::Connection;
-using Policy::Features;
+using Promises::Features;
 
 constexpr unsigned kCombinations = 32;
 constexpr const char* kFeatureNames[]{"kill-switch", "dhcp", "local-network-block", "leak-protection",
@@ -180,9 +181,9 @@ TEST_F(PromiseStatesTest, AreThoseInTheFile) {
     Install(FeaturesOf(combination));
     const Policy::Snapshot snapshot = Read();
     text += NameOf(combination) + '\n';
-    for (const Policy::PromiseResult& result : Policy::Prove(snapshot, FeaturesOf(combination))) {
-      if (result.keeping == Policy::Keeping::Holds) continue;
-      text += "  " + result.name + ": " + std::string(Policy::KeepingText(result.keeping)) + '\n';
+    for (const Promises::PromiseResult& result : Promises::Prove(snapshot, FeaturesOf(combination))) {
+      if (result.keeping == Promises::Keeping::Holds) continue;
+      text += "  " + result.name + ": " + std::string(Promises::KeepingText(result.keeping)) + '\n';
       for (const auto& choices : Policy::Alternatives(result.worlds)) {
         text += "    holds with " + Policy::Describe(choices) + '\n';
       }
