@@ -27,13 +27,8 @@ StrengthRange RangeOf(const Filter& filter) {
   return {strength, strength};
 }
 
-template <class Reading>
-bool Reads(World world, Assumption assumption, Reading reading) {
-  return world.ReadingOf(assumption) == static_cast<std::size_t>(reading);
-}
-
 bool ReadsAsReported(World world) {
-  return Reads(world, Assumption::AutomaticWeights, WeightReading::AsReported);
+  return world.Reads(Assumption::AutomaticWeights, WeightReading::AsReported);
 }
 
 /// The number of a text among those seen.
@@ -196,7 +191,7 @@ bool Arbitration::IsUndominated(std::size_t filter, const BitWord* sure, World w
 
 /// Whether no filter that matches and weighs the same comes first.
 bool Arbitration::WinsTie(std::size_t filter, const Slot& slot, const BitWord* sure, World world) const {
-  const bool blockFirst = Reads(world, Assumption::FilterTies, TieReading::BlockFirst);
+  const bool blockFirst = world.Reads(Assumption::FilterTies, TieReading::BlockFirst);
   bool wins = true;
   ForEachBit(sure, slot.begin, slot.end, [&](std::size_t other) {
     wins = wins && (!AreTied(filter, other, world) ||
@@ -206,7 +201,7 @@ bool Arbitration::WinsTie(std::size_t filter, const Slot& slot, const BitWord* s
 }
 
 std::optional<std::size_t> Arbitration::Deciding(const Slot& slot, const BitWord* sure, World world) const {
-  const bool blockFirst = Reads(world, Assumption::AutomaticWeights, WeightReading::BlockFirst);
+  const bool blockFirst = world.Reads(Assumption::AutomaticWeights, WeightReading::BlockFirst);
   std::optional<std::size_t> deciding;
   ForEachBit(sure, slot.begin, slot.end, [&](std::size_t filter) {
     const bool mayDecide = IsUndominated(filter, sure, world) && WinsTie(filter, slot, sure, world);
@@ -232,8 +227,8 @@ StrengthRange Arbitration::Decide(const Slot& slot, const BitWord* sure, const B
 
 Action Arbitration::Combine(const std::vector<StrengthRange>& decisions, Strength StrengthRange::*end,
                             World world) const {
-  const bool blockOverrides = Reads(world, Assumption::StaticBlocks, StaticBlockReading::BlockOverrides);
-  const bool permitFirst = Reads(world, Assumption::SublayerTies, TieReading::PermitFirst);
+  const bool blockOverrides = world.Reads(Assumption::StaticBlocks, StaticBlockReading::BlockOverrides);
+  const bool permitFirst = world.Reads(Assumption::SublayerTies, TieReading::PermitFirst);
   bool isHard = false;
   for (std::size_t i = 0; i < slots_.size();) {
     bool blocks = false;

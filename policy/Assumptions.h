@@ -72,6 +72,11 @@ class World {
 
   std::size_t Index() const;
   std::size_t ReadingOf(Assumption assumption) const;
+  /// Whether it has this reading of an assumption.
+  template <class Reading>
+  bool Reads(Assumption assumption, Reading reading) const {
+    return ReadingOf(assumption) == static_cast<std::size_t>(reading);
+  }
   /// The same world but for one assumption.
   World With(Assumption assumption, std::size_t reading) const;
 

@@ -101,8 +101,7 @@ void AddNearMisses(const Arbitration& layer, const std::vector<Section::NearMatc
 
 /// Says of each sublayer what became of its decision.
 void AddEffects(std::vector<SublayerTrace>& traces, World world) {
-  const bool blockOverrides = world.ReadingOf(Assumption::StaticBlocks) ==
-                              static_cast<std::size_t>(StaticBlockReading::BlockOverrides);
+  const bool blockOverrides = world.Reads(Assumption::StaticBlocks, StaticBlockReading::BlockOverrides);
   SublayerTrace* hard = nullptr;
   for (auto trace = traces.begin(); trace != traces.end(); ++trace) {
     if (trace->deciding == nullptr) {
@@ -129,8 +128,7 @@ void AddEffects(std::vector<SublayerTrace>& traces, World world) {
 
 /// In the order of their turn, sublayers of equal weight as the world reads their ties.
 void SortTies(std::vector<SublayerTrace>& traces, World world) {
-  const bool blockFirst =
-      world.ReadingOf(Assumption::SublayerTies) == static_cast<std::size_t>(TieReading::BlockFirst);
+  const bool blockFirst = world.Reads(Assumption::SublayerTies, TieReading::BlockFirst);
   const auto rank = [blockFirst](const SublayerTrace& trace) {
     if (trace.deciding == nullptr) {
       return 2;
