@@ -13,9 +13,9 @@ std::size_t WordTable::HashOf(const BitWord* words) const {
   return static_cast<std::size_t>(hash);
 }
 
-UINT32& WordTable::SlotOf(const BitWord* words) {
-  for (std::size_t slot = HashOf(words);; ++slot) {
-    UINT32& index = slots_[slot & (slots_.size() - 1)];
+UINT32& WordTable::BucketOf(const BitWord* words) {
+  for (std::size_t bucket = HashOf(words);; ++bucket) {
+    UINT32& index = buckets_[bucket & (buckets_.size() - 1)];
     if (index == kEmpty || std::equal(words, words + width_, (*this)[index])) {
       return index;
     }
@@ -23,17 +23,17 @@ UINT32& WordTable::SlotOf(const BitWord* words) {
 }
 
 void WordTable::Grow() {
-  slots_.assign(slots_.size() * 2, kEmpty);
+  buckets_.assign(buckets_.size() * 2, kEmpty);
   for (std::size_t i = 0; i < size_; ++i) {
-    SlotOf((*this)[i]) = static_cast<UINT32>(i);
+    BucketOf((*this)[i]) = static_cast<UINT32>(i);
   }
 }
 
 WordTable::Entry WordTable::Intern(const BitWord* words) {
-  if (size_ * 2 >= slots_.size()) {
+  if (size_ * 2 >= buckets_.size()) {
     Grow();
   }
-  UINT32& index = SlotOf(words);
+  UINT32& index = BucketOf(words);
   if (index != kEmpty) {
     return {index, false};
   }

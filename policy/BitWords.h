@@ -63,7 +63,7 @@ void ForEachBit(const BitWord* words, std::size_t begin, std::size_t end, Visit 
 class WordTable {
  public:
   /// @param width words of each set.
-  explicit WordTable(std::size_t width) : width_(width), slots_(kFirstSlots, kEmpty) {}
+  explicit WordTable(std::size_t width) : width_(width), buckets_(kFirstBuckets, kEmpty) {}
 
   /// The number of a set, and whether it is new.
   struct Entry {
@@ -76,17 +76,17 @@ class WordTable {
   std::size_t Size() const { return size_; }
 
  private:
-  static constexpr std::size_t kFirstSlots = 64;
+  static constexpr std::size_t kFirstBuckets = 64;
   static constexpr UINT32 kEmpty = 0xFFFFFFFF;
 
   std::size_t HashOf(const BitWord* words) const;
-  UINT32& SlotOf(const BitWord* words);
+  UINT32& BucketOf(const BitWord* words);
   void Grow();
 
   std::size_t width_;
   std::size_t size_ = 0;
   std::vector<BitWord> words_;
-  std::vector<UINT32> slots_;
+  std::vector<UINT32> buckets_;
 };
 
 }  // namespace Policy
