@@ -2,6 +2,7 @@
 
 #include <array>
 #include <filesystem>
+#include <type_traits>
 
 #include "catalog/Format.h"
 #include "catalog/Names.h"
@@ -16,29 +17,9 @@ constexpr std::array<std::string_view, kFieldCount> kFieldTexts{
 constexpr std::string_view kUnset = "unset";
 
 constexpr UINT8 kIcmp = 1;
-constexpr UINT8 kUdp = 17;
 constexpr UINT8 kIcmpV6 = 58;
 constexpr UINT16 kEchoRequest = 8;
 constexpr UINT16 kEchoRequestV6 = 128;
-
-/// The number of bytes in network order.
-Number FromBytes(const std::array<UINT8, 16>& bytes) {
-  Number number;
-  for (std::size_t i = 0; i < 8; ++i) {
-    number.high = number.high << 8 | bytes[i];
-    number.low = number.low << 8 | bytes[i + 8];
-  }
-  return number;
-}
-
-std::array<UINT8, 16> ToBytes(Number number) {
-  std::array<UINT8, 16> bytes{};
-  for (std::size_t i = 8; i-- > 0; number.high >>= 8, number.low >>= 8) {
-    bytes[i] = static_cast<UINT8>(number.high);
-    bytes[i + 8] = static_cast<UINT8>(number.low);
-  }
-  return bytes;
-}
 
 /// "6 (TCP)"
 std::string ProtocolText(std::optional<UINT8> protocol) {
@@ -57,6 +38,38 @@ std::string ProtocolText(std::optional<UINT8> protocol) {
       return number + " (ICMPv6)";
     default:
       return number;
+  }
+}
+
+template <class Plain>
+std::optional<Number> Widened(const std::optional<Plain>& value) {
+  return value ? std::optional<Number>(*value) : std::nullopt;
+}
+
+/// Calls `visit` with the member that a field of numbers is; with none for the application.
+template <class AnyConnection, class Visit>
+void VisitNumber(AnyConnection& connection, Field field, Visit visit) {
+  switch (field) {
+    case Field::Flags:
+      return visit(connection.flags);
+    case Field::LocalInterface:
+      return visit(connection.localInterface);
+    case Field::ArrivalInterface:
+      return visit(connection.arrivalInterface);
+    case Field::NextHopInterface:
+      return visit(connection.nextHopInterface);
+    case Field::Application:
+      return;
+    case Field::Protocol:
+      return visit(connection.protocol);
+    case Field::LocalPort:
+      return visit(connection.localPort);
+    case Field::RemotePort:
+      return visit(connection.remotePort);
+    case Field::LocalAddress:
+      return visit(connection.localAddress);
+    case Field::RemoteAddress:
+      return visit(connection.remoteAddress);
   }
 }
 
@@ -105,6 +118,22 @@ std::string FlagsText(std::optional<UINT32> flags) {
 
 std::string_view FieldText(Field field) { return kFieldTexts[static_cast<std::size_t>(field)]; }
 
+std::optional<Number> NumberOf(const Connection& connection, Field field) {
+  std::optional<Number> number;
+  VisitNumber(connection, field, [&number](const auto& value) { number = Widened(value); });
+  return number;
+}
+
+void SetNumber(Connection& connection, Field field, const std::optional<Number>& number) {
+  VisitNumber(connection, field, [&number]<class Plain>(std::optional<Plain>& value) {
+    if constexpr (std::is_same_v<Plain, Number>) {
+      value = number;
+    } else {
+      value = number ? std::optional(static_cast<Plain>(number->low)) : std::nullopt;
+    }
+  });
+}
+
 PortUse PortUseOf(IpVersion ipVersion, UINT8 protocol) {
   if (protocol == kTcp || protocol == kUdp) {
     return PortUse::Ports;
@@ -134,25 +163,6 @@ Connection OrdinaryConnection(Direction direction, IpVersion ipVersion, UINT8 pr
   connection.flags = 0;
   (direction == Direction::Outbound ? connection.nextHopInterface : connection.arrivalInterface) = 999;
   return connection;
-}
-
-std::optional<Address> ParseAddress(std::string_view text) {
-  const std::string terminated(text);
-  std::array<UINT8, 16> bytes{};
-  if (inet_pton(AF_INET6, terminated.c_str(), bytes.data()) == 1) {
-    return Address{IpVersion::V6, FromBytes(bytes)};
-  }
-  // A text that is no IPv6 address may have left its beginning.
-  bytes.fill(0);
-  if (inet_pton(AF_INET, terminated.c_str(), bytes.data() + 12) == 1) {
-    return Address{IpVersion::V4, FromBytes(bytes)};
-  }
-  return std::nullopt;
-}
-
-std::string FormatAddress(IpVersion ipVersion, Number address) {
-  return ipVersion == IpVersion::V4 ? Catalog::FormatIpV4(static_cast<UINT32>(address.low))
-                                    : Catalog::FormatIpV6(ToBytes(address).data());
 }
 
 std::string ApplicationBytes(std::string_view utf8) {

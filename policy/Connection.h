@@ -12,12 +12,9 @@
 #include <string>
 #include <string_view>
 
-#include "catalog/Layers.h"
-#include "policy/Number.h"
+#include "policy/Address.h"
 
 namespace Policy {
-
-using Catalog::IpVersion;
 
 enum class Direction { Outbound, Inbound };
 
@@ -61,6 +58,11 @@ struct Connection {
   bool operator==(const Connection&) const = default;
 };
 
+/// The value of a field of numbers, flags included; none for the application.
+std::optional<Number> NumberOf(const Connection& connection, Field field);
+/// Gives a field of numbers a value that fits its type, or none. The application stays as it is.
+void SetNumber(Connection& connection, Field field, const std::optional<Number>& number);
+
 /// What connections of a protocol have where others have ports.
 enum class PortUse {
   Ports,            ///< TCP, UDP
@@ -70,6 +72,7 @@ enum class PortUse {
 PortUse PortUseOf(IpVersion ipVersion, UINT8 protocol);
 
 inline constexpr UINT8 kTcp = 6;
+inline constexpr UINT8 kUdp = 17;
 
 /// A connection that no filter has a special word for: flags 0, with addresses from the ranges for
 /// documentation, an application and interfaces that nobody names; TCP and UDP from port 50000 to port 443,
@@ -81,17 +84,6 @@ struct Labels {
   std::map<UINT64, std::string> interfaces;         ///< by LUID
   std::map<std::string, std::string> applications;  ///< by the bytes of the application id
 };
-
-/// An address with its IP version.
-struct Address {
-  IpVersion ipVersion;
-  Number number;
-};
-
-/// The address of a text such as "10.0.0.1" or "fe80::1"; nothing for other texts.
-std::optional<Address> ParseAddress(std::string_view text);
-/// "10.0.0.1", "fe80::1"
-std::string FormatAddress(IpVersion ipVersion, Number address);
 
 /// The bytes of an application id, from its text in well-formed UTF-8: "\device\harddiskvolume1\a.exe".
 std::string ApplicationBytes(std::string_view utf8);

@@ -7,6 +7,7 @@
 #include "catalog/Describe.h"
 #include "catalog/Format.h"
 #include "catalog/Names.h"
+#include "policy/Address.h"
 #include "policy/Snapshot.h"
 
 namespace Policy {
@@ -38,15 +39,6 @@ unsigned BitsOf(FWP_DATA_TYPE type) {
     default:
       return 0;
   }
-}
-
-Number FromBytes(const UINT8* bytes) {
-  Number number;
-  for (std::size_t i = 0; i < 8; ++i) {
-    number.high = number.high << 8 | bytes[i];
-    number.low = number.low << 8 | bytes[i + 8];
-  }
-  return number;
 }
 
 /// The number that a value holds; none without one.
@@ -156,26 +148,21 @@ Test DecodeBytes(FWP_MATCH_TYPE match, const FWP_CONDITION_VALUE0& value) {
 }
 
 /// EQUAL is the documented match for networks; NOT_EQUAL has one meaning too.
-Test DecodeNetwork(FWP_MATCH_TYPE match, Number first, Number last) {
+Test DecodeNetwork(FWP_MATCH_TYPE match, const Interval& network) {
   const bool negated = match == FWP_MATCH_NOT_EQUAL;
-  return match == FWP_MATCH_EQUAL || negated ? OfInterval(first, last, negated) : Test{};
+  return match == FWP_MATCH_EQUAL || negated ? OfInterval(network.first, network.last, negated) : Test{};
 }
 
 Test DecodeNetwork(FWP_MATCH_TYPE match, const FWP_V4_ADDR_AND_MASK& network) {
-  const bool hasHoles = std::countl_one(network.mask) + std::countr_zero(network.mask) != 32;
-  const UINT32 first = network.addr & network.mask;
-  return hasHoles ? Test{} : DecodeNetwork(match, first, first | ~network.mask);
+  const auto hostBits = static_cast<unsigned>(std::countr_zero(network.mask));
+  const bool hasHoles = static_cast<unsigned>(std::countl_one(network.mask)) + hostBits != 32;
+  return hasHoles ? Test{} : DecodeNetwork(match, NetworkOf(network.addr, hostBits));
 }
 
 Test DecodeNetwork(FWP_MATCH_TYPE match, const FWP_V6_ADDR_AND_MASK& network) {
-  if (network.prefixLength > 128) {
-    return {};
-  }
-  const Number address = FromBytes(network.addr);
-  const Number hostBits =
-      network.prefixLength == 128 ? Number() : GreatestOfBits(128U - network.prefixLength);
-  return DecodeNetwork(match, {address.high & ~hostBits.high, address.low & ~hostBits.low},
-                       {address.high | hostBits.high, address.low | hostBits.low});
+  return network.prefixLength > 128
+             ? Test{}
+             : DecodeNetwork(match, NetworkOf(FromBytes(network.addr), 128U - network.prefixLength));
 }
 
 Test DecodeRange(FWP_MATCH_TYPE match, const FWP_RANGE0& range) {

@@ -3,7 +3,6 @@
 
 #include "catalog/Format.h"
 #include "policy/Map.h"
-#include "policy/NumberTable.h"
 #include "policy/ValueText.h"
 
 namespace Policy {

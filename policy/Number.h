@@ -6,7 +6,9 @@
 
 #include <WfpPlatform.h>
 
+#include <array>
 #include <compare>
+#include <cstddef>
 
 namespace Policy {
 
@@ -25,8 +27,11 @@ struct Number {
   constexpr auto operator<=>(const Number&) const = default;
 };
 
-/// The greatest number of so many bits, 1 to 128.
+/// The greatest number of so many bits, 0 to 128.
 constexpr Number GreatestOfBits(unsigned bits) {
+  if (bits == 0) {
+    return {};
+  }
   if (bits > 64) {
     return {~UINT64{0} >> (128 - bits), ~UINT64{0}};
   }
@@ -41,6 +46,26 @@ constexpr Number Next(Number number) {
 
 /// The number before; of zero, the greatest.
 constexpr Number Previous(Number number) { return {number.high - (number.low == 0 ? 1 : 0), number.low - 1}; }
+
+/// The number of 16 bytes in network order.
+constexpr Number FromBytes(const UINT8* bytes) {
+  Number number;
+  for (std::size_t i = 0; i < 8; ++i) {
+    number.high = number.high << 8 | bytes[i];
+    number.low = number.low << 8 | bytes[i + 8];
+  }
+  return number;
+}
+
+/// A number's bytes in network order.
+constexpr std::array<UINT8, 16> ToBytes(Number number) {
+  std::array<UINT8, 16> bytes{};
+  for (std::size_t i = 8; i-- > 0; number.high >>= 8, number.low >>= 8) {
+    bytes[i] = static_cast<UINT8>(number.high);
+    bytes[i + 8] = static_cast<UINT8>(number.low);
+  }
+  return bytes;
+}
 
 /// Numbers from the first to the last, both included.
 struct Interval {

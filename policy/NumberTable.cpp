@@ -3,41 +3,6 @@
 #include <algorithm>
 
 namespace Policy {
-namespace {
-
-template <class Plain>
-std::optional<Number> Widen(const std::optional<Plain>& value) {
-  return value ? std::optional<Number>(*value) : std::nullopt;
-}
-
-}  // namespace
-
-std::optional<Number> NumberOf(const Connection& connection, Field field) {
-  switch (field) {
-    case Field::Flags:
-      return Widen(connection.flags);
-    case Field::LocalInterface:
-      return Widen(connection.localInterface);
-    case Field::ArrivalInterface:
-      return Widen(connection.arrivalInterface);
-    case Field::NextHopInterface:
-      return Widen(connection.nextHopInterface);
-    case Field::Protocol:
-      return Widen(connection.protocol);
-    case Field::LocalPort:
-      return Widen(connection.localPort);
-    case Field::RemotePort:
-      return Widen(connection.remotePort);
-    case Field::LocalAddress:
-      return connection.localAddress;
-    case Field::RemoteAddress:
-      return connection.remoteAddress;
-    case Field::Application:
-      break;
-  }
-  return std::nullopt;
-}
-
 NumberTable::NumberTable(Field field, unsigned bits, const StateLayout& layout, std::vector<TestGroup> groups)
     : FieldTable(field, layout, std::move(groups)), greatest_(GreatestOfBits(bits)) {
   Sweep();

@@ -36,7 +36,4 @@ class NumberTable : public FieldTable {
   std::size_t unset_ = 0;
 };
 
-/// A connection's value of a field of numbers, flags included.
-std::optional<Number> NumberOf(const Connection& connection, Field field);
-
 }  // namespace Policy
