@@ -8,21 +8,12 @@ namespace {
 
 constexpr std::string_view kTerminator("\0\0", 2);
 
-/// Less the terminator of a string in UTF-16.
-std::string_view Unterminated(std::string_view bytes) {
-  return bytes.size() % 2 == 0 && bytes.ends_with(kTerminator) ? bytes.substr(0, bytes.size() - 2) : bytes;
-}
-
 bool Contains(const Test& test, const std::string& id) {
   return test.kind == Test::Kind::IsBytes ? id == test.bytes
                                           : test.kind == Test::Kind::EndsWith && IdEndsWith(id, test.bytes);
 }
 
 }  // namespace
-
-bool IdEndsWith(std::string_view id, std::string_view ending) {
-  return Unterminated(id).ends_with(Unterminated(ending));
-}
 
 ApplicationTable::ApplicationTable(const StateLayout& layout, std::vector<TestGroup> groups)
     : FieldTable(Field::Application, layout, std::move(groups)) {

@@ -5,7 +5,6 @@
 #pragma once
 
 #include <map>
-#include <string_view>
 
 #include "policy/FieldTable.h"
 
@@ -40,8 +39,5 @@ class ApplicationTable : public FieldTable {
   std::optional<Ending> others_;
   std::size_t unset_ = 0;
 };
-
-/// Whether an id ends so, terminators left aside.
-bool IdEndsWith(std::string_view id, std::string_view ending);
 
 }  // namespace Policy

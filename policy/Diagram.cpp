@@ -105,4 +105,16 @@ Diagram MakeDiagram(const Section& section, const std::function<std::size_t(cons
   return Builder(section, leaf).Build();
 }
 
+std::vector<ValueClass> ClassesOf(const FieldTable& table, const Diagram::Level& level,
+                                  const Connection& ordinary) {
+  std::vector<ValueClass> classes;
+  for (std::size_t i = 0; i < level.classCount; ++i) {
+    std::vector<bool> signatures;
+    std::ranges::transform(level.classOf, std::back_inserter(signatures),
+                           [i](std::size_t ofSignature) { return ofSignature == i; });
+    classes.push_back(table.Collect(signatures, ordinary));
+  }
+  return classes;
+}
+
 }  // namespace Policy

@@ -7,8 +7,9 @@
 #include <functional>
 #include <vector>
 
-#include "policy/Map.h"
+#include "policy/MapNode.h"
 #include "policy/Section.h"
+#include "policy/ValueClass.h"
 
 namespace Policy {
 
@@ -27,5 +28,10 @@ struct Diagram {
 
 /// @param leaf gives the number of what becomes of a state.
 Diagram MakeDiagram(const Section& section, const std::function<std::size_t(const BitWord*)>& leaf);
+
+/// The classes of a level's table, by number, without a text.
+/// @param ordinary its values are the examples of their classes.
+std::vector<ValueClass> ClassesOf(const FieldTable& table, const Diagram::Level& level,
+                                  const Connection& ordinary);
 
 }  // namespace Policy

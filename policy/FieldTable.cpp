@@ -3,38 +3,14 @@
 #include <algorithm>
 #include <bit>
 
-#include "policy/ApplicationTable.h"
-#include "policy/FlagsTable.h"
-#include "policy/NumberTable.h"
-
 namespace Policy {
 namespace {
 
 constexpr int kMostTestedFlags = 8;
 
-bool IsFlagsTest(const Test& test) {
-  return test.kind == Test::Kind::AllSet || test.kind == Test::Kind::AnySet ||
-         test.kind == Test::Kind::NoneSet;
-}
-
 /// Of no flags at all.
 bool HoldsOfNoFlags(const Test& test) {
   return test.kind == Test::Kind::NoneSet || (test.kind == Test::Kind::AllSet && test.interval.first == 0);
-}
-
-unsigned WidthOf(Field field, IpVersion ipVersion) {
-  switch (field) {
-    case Field::Protocol:
-      return 8;
-    case Field::LocalPort:
-    case Field::RemotePort:
-      return 16;
-    case Field::LocalAddress:
-    case Field::RemoteAddress:
-      return ipVersion == IpVersion::V4 ? 32 : 128;
-    default:
-      return 64;
-  }
 }
 
 }  // namespace
@@ -70,22 +46,10 @@ bool FieldTable::CanJudge(Field field, const Test& test) {
   return false;
 }
 
-std::unique_ptr<FieldTable> FieldTable::Make(Field field, IpVersion ipVersion, const StateLayout& layout,
-                                             std::vector<TestGroup> groups) {
-  switch (field) {
-    case Field::Flags:
-      return std::make_unique<FlagsTable>(layout, std::move(groups));
-    case Field::Application:
-      return std::make_unique<ApplicationTable>(layout, std::move(groups));
-    default:
-      return std::make_unique<NumberTable>(field, WidthOf(field, ipVersion), layout, std::move(groups));
-  }
-}
-
 bool FieldTable::CanJudge(Field field, const std::vector<const Test*>& tests) {
   UINT64 flags = 0;
   for (const Test* test : tests) {
-    flags |= IsFlagsTest(*test) ? test->interval.first.low : 0;
+    flags |= test->TestsFlags() ? test->interval.first.low : 0;
   }
   return std::popcount(flags) <= kMostTestedFlags &&
          std::ranges::all_of(tests, [field](const Test* test) { return CanJudge(field, *test); });

@@ -4,37 +4,16 @@
  */
 #pragma once
 
-#include <memory>
 #include <optional>
-#include <string>
 #include <vector>
 
 #include "policy/BitWords.h"
 #include "policy/Connection.h"
-#include "policy/Map.h"
-#include "policy/Snapshot.h"
+#include "policy/State.h"
+#include "policy/Test.h"
+#include "policy/ValueClass.h"
 
 namespace Policy {
-
-/// The readings that decide whether a condition holds.
-struct Plane {
-  bool allNegations;
-  bool unsetMatches;
-  bool loopbackAccompanied;
-};
-
-/// How the state of a connection lies in memory: for each plane the set of filters that surely match and, if
-/// any can be in doubt, that of those that perhaps match; then the set of marks.
-struct StateLayout {
-  std::vector<Plane> planes;
-  std::size_t filterWords = 0;
-  bool hasDoubt = false;
-  std::size_t markWords = 0;
-
-  std::size_t PlaneWords() const { return filterWords * (hasDoubt ? 2 : 1); }
-  std::size_t MarksAt() const { return PlaneWords() * planes.size(); }
-  std::size_t Width() const { return MarksAt() + markWords; }
-};
 
 /// The tests of one filter, or of one mark, on one field. They hold together if one holds. A mark is a
 /// question about the connection itself: no assumption touches it.
@@ -59,11 +38,6 @@ class FieldTable {
   static bool CanJudge(Field field, const Test& test);
   /// With each flag that is tested the patterns of flags double, so tests of many flags are too many.
   static bool CanJudge(Field field, const std::vector<const Test*>& tests);
-
-  /// The table that fits a field. It takes tests that it can judge, and unreadable ones.
-  /// @param layout must outlive the table.
-  static std::unique_ptr<FieldTable> Make(Field field, IpVersion ipVersion, const StateLayout& layout,
-                                          std::vector<TestGroup> groups);
 
   Field GetField() const { return field_; }
   const WordTable& Signatures() const { return signatures_; }

@@ -9,11 +9,6 @@ constexpr UINT32 kLoopback = FWP_CONDITION_FLAG_IS_LOOPBACK;
 constexpr UINT32 kAccompaniedLoopback =
     FWP_CONDITION_FLAG_IS_LOOPBACK | FWP_CONDITION_FLAG_IS_NON_APPCONTAINER_LOOPBACK;
 
-bool TestsBits(const Test& test) {
-  return test.kind == Test::Kind::AllSet || test.kind == Test::Kind::AnySet ||
-         test.kind == Test::Kind::NoneSet;
-}
-
 bool IsWord(const Test& test) { return test.kind == Test::Kind::InInterval; }
 
 UINT32 WordOf(const Test& test) { return static_cast<UINT32>(test.interval.first.low); }
@@ -47,7 +42,7 @@ FlagsTable::FlagsTable(const StateLayout& layout, std::vector<TestGroup> groups)
 void FlagsTable::FindTestedBits() {
   for (const TestGroup& group : Groups()) {
     for (const Test* test : group.tests) {
-      testedBits_ |= TestsBits(*test) ? WordOf(*test) : 0;
+      testedBits_ |= test->TestsFlags() ? WordOf(*test) : 0;
     }
   }
 }
@@ -86,7 +81,7 @@ void FlagsTable::AddNamedWords() {
 }
 
 bool FlagsTable::IsNamed(UINT32 word) const {
-  return std::ranges::find(named_, word, &Class::word) != named_.end();
+  return std::ranges::find(named_, word, &Piece::word) != named_.end();
 }
 
 /// The least word with some of the tested bits that no condition names; none if all are named.
@@ -115,11 +110,11 @@ void FlagsTable::AddBitPatterns() {
 }
 
 std::size_t FlagsTable::SignatureOfWord(UINT32 word) const {
-  const auto named = std::ranges::find(named_, word, &Class::word);
+  const auto named = std::ranges::find(named_, word, &Piece::word);
   if (named != named_.end()) {
     return named->signature;
   }
-  return std::ranges::lower_bound(patterns_, word & testedBits_, {}, &Class::bits)->signature;
+  return std::ranges::lower_bound(patterns_, word & testedBits_, {}, &Piece::bits)->signature;
 }
 
 std::size_t FlagsTable::SignatureOf(const Connection& connection) const {
@@ -128,7 +123,7 @@ std::size_t FlagsTable::SignatureOf(const Connection& connection) const {
 
 std::vector<UINT32> FlagsTable::NamedWith(UINT32 bits) const {
   std::vector<UINT32> words;
-  for (const Class& named : named_) {
+  for (const Piece& named : named_) {
     if (named.bits == bits) {
       words.push_back(named.word);
     }
@@ -139,13 +134,13 @@ std::vector<UINT32> FlagsTable::NamedWith(UINT32 bits) const {
 ValueClass FlagsTable::Collect(const std::vector<bool>& signatures, const Connection& ordinary) const {
   ValueClass found;
   found.unset = signatures[unset_];
-  for (const Class& word : named_) {
+  for (const Piece& word : named_) {
     if (signatures[word.signature]) {
       found.intervals.push_back({word.word, word.word});
       found.exampleNumber = found.exampleNumber.value_or(word.word);
     }
   }
-  for (const Class& pattern : patterns_) {
+  for (const Piece& pattern : patterns_) {
     if (signatures[pattern.signature]) {
       found.masked.push_back({testedBits_, pattern.bits, NamedWith(pattern.bits)});
       found.exampleNumber = found.exampleNumber.value_or(pattern.word);

@@ -17,7 +17,7 @@ class FlagsTable : public FieldTable {
   ValueClass Collect(const std::vector<bool>& signatures, const Connection& ordinary) const override;
 
  private:
-  struct Class {
+  struct Piece {
     UINT32 word;  ///< the named word, or an example
     UINT32 bits;  ///< its tested bits
     std::size_t signature;
@@ -34,8 +34,8 @@ class FlagsTable : public FieldTable {
   std::size_t SignatureOfWord(UINT32 word) const;
 
   UINT32 testedBits_ = 0;
-  std::vector<Class> named_;
-  std::vector<Class> patterns_;  ///< ascending by bits
+  std::vector<Piece> named_;
+  std::vector<Piece> patterns_;  ///< ascending by bits
   std::size_t unset_ = 0;
 };
 

@@ -7,6 +7,8 @@
 
 #include "catalog/Names.h"
 #include "policy/Diagram.h"
+#include "policy/MakeFieldTable.h"
+#include "policy/ModelledField.h"
 #include "policy/Section.h"
 
 namespace Policy {
@@ -24,7 +26,7 @@ class FieldHalves {
   FieldHalves(Field field, IpVersion ipVersion, std::vector<const Test*> tests) {
     layout_.planes.resize(1);
     layout_.filterWords = 1;
-    table_ = FieldTable::Make(field, ipVersion, layout_, {{0, false, false, std::move(tests)}});
+    table_ = MakeFieldTable(field, ipVersion, layout_, {{0, false, false, std::move(tests)}});
   }
 
   ValueClass Where(bool holds) const {

@@ -2,9 +2,7 @@
 
 #include <algorithm>
 
-#include "policy/ApplicationTable.h"
 #include "policy/Diagram.h"
-#include "policy/NumberTable.h"
 #include "policy/Section.h"
 #include "policy/ValueText.h"
 
@@ -29,18 +27,6 @@ class VerdictTable {
   std::vector<Verdict> verdicts_;
 };
 
-FieldClasses CollectClasses(const FieldTable& table, const Diagram::Level& level,
-                            const Connection& ordinary) {
-  FieldClasses classes{table.GetField(), {}};
-  for (std::size_t i = 0; i < level.classCount; ++i) {
-    std::vector<bool> signatures;
-    std::ranges::transform(level.classOf, std::back_inserter(signatures),
-                           [i](std::size_t ofSignature) { return ofSignature == i; });
-    classes.classes.push_back(table.Collect(signatures, ordinary));
-  }
-  return classes;
-}
-
 MapSection MakeSection(const Snapshot& snapshot, SectionKey key, const Labels& labels,
                        VerdictTable& verdicts) {
   const Section section(snapshot, key);
@@ -52,7 +38,8 @@ MapSection MakeSection(const Snapshot& snapshot, SectionKey key, const Labels& l
   for (std::size_t level = 0; level < diagram.levels.size(); ++level) {
     fieldOfLevel.push_back(map.fields.size());
     if (diagram.levels[level].classCount > 0) {
-      map.fields.push_back(CollectClasses(*section.Tables()[level], diagram.levels[level], ordinary));
+      const FieldTable& table = *section.Tables()[level];
+      map.fields.push_back({table.GetField(), ClassesOf(table, diagram.levels[level], ordinary)});
       NameClasses(map.fields.back(), key.ipVersion, labels);
     }
   }
@@ -60,65 +47,6 @@ MapSection MakeSection(const Snapshot& snapshot, SectionKey key, const Labels& l
     node.field = fieldOfLevel[node.field];
   }
   return map;
-}
-
-bool Contains(const ValueClass& values, const std::optional<Number>& number) {
-  if (!number) {
-    return values.unset;
-  }
-  const auto next = std::ranges::upper_bound(values.intervals, *number, {}, &Interval::first);
-  return next != values.intervals.begin() && *number <= std::prev(next)->last;
-}
-
-/// The class of a value that intervals name, or of one without a value.
-std::optional<std::size_t> ClassOfNumber(const FieldClasses& field, const std::optional<Number>& number) {
-  for (std::size_t i = 0; i < field.classes.size(); ++i) {
-    if (Contains(field.classes[i], number)) {
-      return i;
-    }
-  }
-  return std::nullopt;
-}
-
-/// The class of a word of flags that none names.
-std::size_t ClassOfPattern(const FieldClasses& field, UINT32 word) {
-  const auto fits = [word](const ValueClass::Masked& masked) {
-    return (word & masked.mask) == masked.value &&
-           std::ranges::find(masked.except, word) == masked.except.end();
-  };
-  const auto found = std::ranges::find_if(
-      field.classes, [&](const ValueClass& values) { return std::ranges::any_of(values.masked, fits); });
-  return static_cast<std::size_t>(found - field.classes.begin());
-}
-
-std::size_t ClassOfApplication(const FieldClasses& field, const std::optional<std::string>& id) {
-  std::size_t best = 0;
-  std::size_t longest = 0;
-  for (std::size_t i = 0; i < field.classes.size(); ++i) {
-    const ValueClass& values = field.classes[i];
-    if (id ? std::ranges::find(values.applications, *id) != values.applications.end() : values.unset) {
-      return i;
-    }
-    for (const std::string& ending : values.endings) {
-      if (id && IdEndsWith(*id, ending) && ending.size() + 1 > longest) {
-        best = i;
-        longest = ending.size() + 1;
-      }
-    }
-    if (values.others && longest == 0) {
-      best = i;
-    }
-  }
-  return best;
-}
-
-std::size_t ClassOf(const FieldClasses& field, const Connection& connection) {
-  if (field.field == Field::Application) {
-    return ClassOfApplication(field, connection.application);
-  }
-  const std::optional<Number> number = NumberOf(connection, field.field);
-  const auto named = ClassOfNumber(field, number);
-  return named ? *named : ClassOfPattern(field, static_cast<UINT32>(number->low));
 }
 
 }  // namespace

@@ -4,6 +4,9 @@
 #include <map>
 
 #include "catalog/Keys.h"
+#include "policy/Certainty.h"
+#include "policy/MakeFieldTable.h"
+#include "policy/ModelledField.h"
 
 namespace Policy {
 namespace {
@@ -16,76 +19,11 @@ constexpr std::array<std::array<GUID, 2>, 4> kLayers{{
     {Catalog::kAleAuthRecvAcceptV6LayerKey, Catalog::kAleFlowEstablishedV6LayerKey},
 }};
 
-struct KeyedField {
-  GUID key;
-  Field field;
-};
-constexpr KeyedField kFields[]{
-    {Catalog::kFlagsFieldKey, Field::Flags},
-    {Catalog::kIpLocalInterfaceFieldKey, Field::LocalInterface},
-    {Catalog::kIpArrivalInterfaceFieldKey, Field::ArrivalInterface},
-    {Catalog::kIpNextHopInterfaceFieldKey, Field::NextHopInterface},
-    {Catalog::kAleAppIdFieldKey, Field::Application},
-    {Catalog::kIpProtocolFieldKey, Field::Protocol},
-    {Catalog::kIpLocalPortFieldKey, Field::LocalPort},
-    {Catalog::kIpRemotePortFieldKey, Field::RemotePort},
-    {Catalog::kIpLocalAddressFieldKey, Field::LocalAddress},
-    {Catalog::kIpRemoteAddressFieldKey, Field::RemoteAddress},
-};
-
-/// Whether a condition on DIRECTION holds; none if it cannot be told.
-std::optional<bool> HoldsOfDirection(const Test& test, Direction direction) {
-  const Number number = direction == Direction::Outbound ? 0 : 1;
-  switch (test.kind) {
-    case Test::Kind::InInterval:
-      return (test.interval.first <= number && number <= test.interval.last) != test.negated;
-    case Test::Kind::Unset:
-      return false;
-    default:
-      return std::nullopt;
-  }
-}
-
 const Test kUnreadableTest;
 
-bool TestsFlags(const Test& test) {
-  return test.kind == Test::Kind::AllSet || test.kind == Test::Kind::AnySet ||
-         test.kind == Test::Kind::NoneSet;
-}
-
-/// What conditions on fields that do not vary within a section make of a filter.
-enum class Certainty { Holds, InDoubt, Fails };
-
-Certainty CertaintyOf(const std::vector<const Condition*>& conditions, Direction direction) {
-  const auto isNegated = [](const Condition* condition) { return condition->test.negated; };
-  const bool severalNegations = std::ranges::count_if(conditions, isNegated) > 1;
-  Certainty certainty = Certainty::Fails;
-  for (const Condition* condition : conditions) {
-    const bool isDirection =
-        condition->field != nullptr && condition->field->key == Catalog::kDirectionFieldKey;
-    const auto holds =
-        isDirection && !severalNegations ? HoldsOfDirection(condition->test, direction) : std::nullopt;
-    if (holds.value_or(false)) {
-      return Certainty::Holds;
-    }
-    certainty = holds ? certainty : Certainty::InDoubt;
-  }
-  return certainty;
-}
-
-bool DependsOnUnset(const Test& test) { return test.negated || TestsFlags(test); }
+bool DependsOnUnset(const Test& test) { return test.negated || test.TestsFlags(); }
 
 }  // namespace
-
-std::optional<Field> ModelledField(const Condition& condition) {
-  if (condition.field != nullptr) {
-    const auto found = std::ranges::find(kFields, condition.field->key, &KeyedField::key);
-    if (found != std::end(kFields)) {
-      return found->field;
-    }
-  }
-  return std::nullopt;
-}
 
 Section::Section(const Snapshot& snapshot, SectionKey key, std::span<const Mark> marks) : key_(key) {
   AddLayers(snapshot);
@@ -101,8 +39,7 @@ Section::Section(const Snapshot& snapshot, SectionKey key, std::span<const Mark>
   MakeBase(marks.size());
   for (std::size_t i = 0; i < kFieldCount; ++i) {
     if (!groups[i].empty()) {
-      tables_.push_back(
-          FieldTable::Make(static_cast<Field>(i), key.ipVersion, layout_, std::move(groups[i])));
+      tables_.push_back(MakeFieldTable(static_cast<Field>(i), key.ipVersion, layout_, std::move(groups[i])));
     }
   }
 }

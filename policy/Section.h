@@ -12,24 +12,11 @@
 #include "policy/Arbitration.h"
 #include "policy/Connection.h"
 #include "policy/FieldTable.h"
+#include "policy/Mark.h"
 #include "policy/Snapshot.h"
 #include "policy/Verdict.h"
 
 namespace Policy {
-
-/// Connections that are asked about, besides what filters say of them: all tests on different fields hold, of
-/// those on one field one.
-struct Mark {
-  struct FieldTests {
-    Field field;
-    std::vector<Test> tests;
-    bool isExcluded = false;  ///< none of the tests may hold
-  };
-  std::vector<FieldTests> fields;
-};
-
-/// The field of connections that a condition tests; none if connections do not have it.
-std::optional<Field> ModelledField(const Condition& condition);
 
 /// The sections of a map, in its order.
 struct SectionKey {

@@ -14,30 +14,9 @@
 #include "catalog/Fields.h"
 #include "catalog/Layers.h"
 #include "policy/EngineCalls.h"
-#include "policy/Number.h"
+#include "policy/Test.h"
 
 namespace Policy {
-
-/// What a condition asks of a value.
-struct Test {
-  enum class Kind {
-    Unreadable,  ///< only the engine can tell, if at all: perhaps it holds
-    Unset,       ///< there is no value
-    InInterval,  ///< a number from interval.first to interval.last
-    AllSet,      ///< every bit of interval.first
-    AnySet,      ///< some bit of interval.first
-    NoneSet,     ///< no bit of interval.first
-    IsBytes,     ///< data equal to `bytes`
-    EndsWith,    ///< data that end with `bytes`, terminators left aside
-  };
-
-  Kind kind = Kind::Unreadable;
-  bool negated = false;
-  Interval interval;
-  std::string bytes;
-
-  bool operator==(const Test&) const = default;
-};
 
 /// A condition of a filter.
 struct Condition {

@@ -1,7 +1,6 @@
 #include "policy/ValueText.h"
 
 #include <algorithm>
-#include <bit>
 
 #include "catalog/Format.h"
 #include "catalog/Names.h"
@@ -14,36 +13,32 @@ constexpr std::size_t kMostNetworks = 3;
 
 using Texts = std::vector<std::string>;
 
-/// The greatest number of zero bits at a number's low end that a network within the interval can span.
-unsigned HostBits(Number first, Number last, unsigned width) {
-  unsigned bits = first.low != 0    ? static_cast<unsigned>(std::countr_zero(first.low))
-                  : first.high != 0 ? 64 + static_cast<unsigned>(std::countr_zero(first.high))
-                                    : 128;
-  bits = std::min(bits, width);
-  const auto fits = [&](unsigned hostBits) {
-    const Number ones = hostBits == 0 ? Number() : GreatestOfBits(hostBits);
-    return Number(first.high | ones.high, first.low | ones.low) <= last;
-  };
-  while (!fits(bits)) {
-    --bits;
+/// The greatest network within the interval that begins where it does.
+struct Network {
+  Interval addresses;
+  unsigned hostBits;
+};
+Network FirstNetwork(const Interval& interval, unsigned width) {
+  for (unsigned hostBits = width;; --hostBits) {
+    const Interval network = NetworkOf(interval.first, hostBits);
+    if (network.first == interval.first && network.last <= interval.last) {
+      return {network, hostBits};
+    }
   }
-  return bits;
 }
 
-std::string NetworkText(IpVersion ipVersion, Number first, unsigned hostBits, unsigned width) {
-  const std::string address = FormatAddress(ipVersion, first);
-  return hostBits == 0 ? address : address + '/' + Catalog::FormatNumber(width - hostBits);
+std::string NetworkText(IpVersion ipVersion, const Network& network) {
+  const std::string address = FormatAddress(ipVersion, network.addresses.first);
+  const unsigned prefixLength = AddressBits(ipVersion) - network.hostBits;
+  return network.hostBits == 0 ? address : address + '/' + Catalog::FormatNumber(prefixLength);
 }
 
 void AddAddresses(IpVersion ipVersion, const Interval& interval, Texts& texts) {
-  const unsigned width = ipVersion == IpVersion::V4 ? 32 : 128;
   Texts networks;
-  for (Number first = interval.first;;) {
-    const unsigned bits = HostBits(first, interval.last, width);
-    networks.push_back(NetworkText(ipVersion, first, bits, width));
-    const Number ones = bits == 0 ? Number() : GreatestOfBits(bits);
-    const Number last(first.high | ones.high, first.low | ones.low);
-    if (last == interval.last) {
+  for (Interval rest = interval;;) {
+    const Network network = FirstNetwork(rest, AddressBits(ipVersion));
+    networks.push_back(NetworkText(ipVersion, network));
+    if (network.addresses.last == interval.last) {
       texts.insert(texts.end(), networks.begin(), networks.end());
       return;
     }
@@ -52,7 +47,7 @@ void AddAddresses(IpVersion ipVersion, const Interval& interval, Texts& texts) {
                       FormatAddress(ipVersion, interval.last));
       return;
     }
-    first = Next(last);
+    rest.first = Next(network.addresses.last);
   }
 }
 
@@ -66,7 +61,7 @@ std::string NumberText(Field field, UINT64 number, const Labels& labels) {
     case Field::Flags:
       return Catalog::FormatHex(static_cast<UINT32>(number));
     case Field::Protocol:
-      return std::string(number == 6 ? "TCP" : number == 17 ? "UDP" : Catalog::FormatNumber(number));
+      return std::string(number == kTcp ? "TCP" : number == kUdp ? "UDP" : Catalog::FormatNumber(number));
     default:
       return Catalog::FormatNumber(number);
   }
@@ -134,40 +129,7 @@ std::string Join(const Texts& texts, std::size_t longest) {
   return joined;
 }
 
-template <class T>
-void Append(std::vector<T>& all, const std::vector<T>& more) {
-  all.insert(all.end(), more.begin(), more.end());
-}
-
-/// In ascending order, with gaps between.
-void Tidy(std::vector<Interval>& intervals) {
-  std::ranges::sort(intervals, {}, &Interval::first);
-  std::vector<Interval> tidy;
-  for (const Interval& interval : intervals) {
-    if (!tidy.empty() && Next(tidy.back().last) == interval.first) {
-      tidy.back().last = interval.last;
-    } else {
-      tidy.push_back(interval);
-    }
-  }
-  intervals = std::move(tidy);
-}
-
 }  // namespace
-
-ValueClass Together(std::span<const ValueClass* const> classes) {
-  ValueClass all;
-  for (const ValueClass* one : classes) {
-    all.unset = all.unset || one->unset;
-    all.others = all.others || one->others;
-    Append(all.intervals, one->intervals);
-    Append(all.masked, one->masked);
-    Append(all.applications, one->applications);
-    Append(all.endings, one->endings);
-  }
-  Tidy(all.intervals);
-  return all;
-}
 
 std::string ValueText(Field field, IpVersion ipVersion, const ValueClass& values, const ValueClass& rest,
                       const Labels& labels, std::size_t longest) {

@@ -4,16 +4,12 @@
  */
 #pragma once
 
-#include <span>
+#include <cstddef>
 #include <string>
-#include <vector>
 
-#include "policy/Map.h"
+#include "policy/ValueClass.h"
 
 namespace Policy {
-
-/// All values of some classes of one field; example and text are left empty.
-ValueClass Together(std::span<const ValueClass* const> classes);
 
 /// Some of a field's values in words: addresses as networks, other numbers as ranges, flags as words.
 /// @param values those to name.

@@ -12,7 +12,6 @@ using Policy::Action;
 using Policy::Address;
 using Policy::Direction;
 using Policy::Field;
-using Policy::GreatestOfBits;
 using Policy::IpVersion;
 using Policy::Mark;
 using Policy::Number;
@@ -37,13 +36,9 @@ Test Is(Number number) { return {Test::Kind::InInterval, false, {number, number}
 Test In(std::string_view network) {
   const std::size_t slash = network.find('/');
   const Address address = ParseAddress(network.substr(0, slash)).value();
-  const unsigned width = address.ipVersion == IpVersion::V4 ? 32 : 128;
-  const unsigned hostBits = width - static_cast<unsigned>(std::stoul(std::string(network.substr(slash + 1))));
-  const Number ones = hostBits == 0 ? Number() : GreatestOfBits(hostBits);
-  return {Test::Kind::InInterval,
-          false,
-          {address.number, {address.number.high | ones.high, address.number.low | ones.low}},
-          {}};
+  const auto prefixLength = static_cast<unsigned>(std::stoul(std::string(network.substr(slash + 1))));
+  const unsigned hostBits = Policy::AddressBits(address.ipVersion) - prefixLength;
+  return {Test::Kind::InInterval, false, Policy::NetworkOf(address.number, hostBits), {}};
 }
 
 template <class Numbers>
@@ -71,7 +66,7 @@ const FieldTests kLoopback = Either(Field::Flags, {Is(FWP_CONDITION_FLAG_IS_LOOP
 const FieldTests kNoLoopback =
     Neither(Field::Flags, {{Test::Kind::AllSet, false, {FWP_CONDITION_FLAG_IS_LOOPBACK, 1}, {}}});
 
-/// Makes the rules of promises for one IP version at a time: networks of the other do not fit its numbers.
+/// Makes the clauses of promises for one IP version at a time: networks of the other do not fit its numbers.
 class Networks {
  public:
   explicit Networks(IpVersion ipVersion) : ipVersion_(ipVersion) {}
@@ -144,15 +139,18 @@ class PromiseList {
       exceptions.push_back({{Either(Field::Application, AnyOf(features_.leakProtection->blockedOutbound))}});
       exceptions.push_back({{Either(Field::Application, AnyOf(features_.leakProtection->blockedInbound))}});
     }
-    promises_.back().rules.push_back(
+    promises_.back().clauses.push_back(
         {action, direction, ipVersion, {std::move(fields)}, std::move(exceptions)});
+  }
+
+  static Mark Exchange(UINT16 localPort, UINT16 remotePort) {
+    return {{Either(Field::Protocol, {Is(Policy::kUdp)}), Either(Field::LocalPort, {Is(localPort)}),
+             Either(Field::RemotePort, {Is(remotePort)})}};
   }
 
   /// A client's exchange with the server that gives addresses.
   static Mark DhcpExchange(IpVersion ipVersion) {
-    const bool isV4 = ipVersion == IpVersion::V4;
-    return {{Either(Field::Protocol, {Is(17)}), Either(Field::LocalPort, {Is(isV4 ? 68U : 546U)}),
-             Either(Field::RemotePort, {Is(isV4 ? 67U : 547U)})}};
+    return ipVersion == IpVersion::V4 ? Exchange(68, 67) : Exchange(546, 547);
   }
 
   /// Whoever lets them through as well says so: these exchanges are no leak.
@@ -160,12 +158,8 @@ class PromiseList {
     if (!features_.dhcp) {
       return {};
     }
-    const bool isV4 = ipVersion == IpVersion::V4;
-    const auto pair = [](UINT64 local, UINT64 remote) {
-      return Mark{{Either(Field::Protocol, {Is(17)}), Either(Field::LocalPort, {Is(local)}),
-                   Either(Field::RemotePort, {Is(remote)})}};
-    };
-    return isV4 ? std::vector{pair(68, 67), pair(67, 68)} : std::vector{pair(546, 547), pair(547, 546)};
+    const Mark asServer = ipVersion == IpVersion::V4 ? Exchange(67, 68) : Exchange(547, 546);
+    return {DhcpExchange(ipVersion), asServer};
   }
 
   /// What the local network block takes away again.

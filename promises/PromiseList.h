@@ -14,7 +14,7 @@
 namespace Promises {
 
 /// Connections for which something is promised.
-struct PromiseRule {
+struct Clause {
   Policy::Action promised;
   std::optional<Policy::Direction> direction;  ///< none: both
   std::optional<Policy::IpVersion> ipVersion;  ///< none: both
@@ -27,7 +27,7 @@ struct Promise {
   std::string feature;
   std::string name;
   std::string sentence;
-  std::vector<PromiseRule> rules;
+  std::vector<Clause> clauses;
 };
 
 /// The promises of the features that are on.

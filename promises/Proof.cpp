@@ -19,7 +19,6 @@ using Policy::Field;
 using Policy::MapNode;
 using Policy::MapTarget;
 using Policy::Mark;
-using Policy::Number;
 using Policy::OrdinaryConnection;
 using Policy::Section;
 using Policy::SectionKey;
@@ -31,8 +30,8 @@ using Policy::WorldSet;
 
 constexpr std::size_t kNoWay = std::numeric_limits<std::size_t>::max();
 
-/// A promise's rule in one section, with the numbers of its marks.
-struct PlacedRule {
+/// A promise's clause in one section, with the numbers of its marks.
+struct PlacedClause {
   std::size_t promise;
   Action promised;
   std::size_t connections;
@@ -49,7 +48,10 @@ class ProofSection {
           {section_.Decide(state), {state + section_.Layout().MarksAt(), state + section_.Layout().Width()}});
       return LeafNumber();
     });
-    CollectClasses();
+    const Connection ordinary = OrdinaryConnection(key_.direction, key_.ipVersion);
+    for (std::size_t level = 0; level < diagram_.levels.size(); ++level) {
+      classes_.push_back(ClassesOf(*section_.Tables()[level], diagram_.levels[level], ordinary));
+    }
   }
 
   /// The worlds in which a promise holds here.
@@ -57,9 +59,9 @@ class ProofSection {
     WorldSet worlds;
     worlds.set();
     for (const Leaf& leaf : leaves_) {
-      for (const PlacedRule& rule : rules_) {
-        if (rule.promise == promise && Speaks(rule, leaf)) {
-          worlds &= Allowed(rule, leaf);
+      for (const PlacedClause& clause : clauses_) {
+        if (clause.promise == promise && Speaks(clause, leaf)) {
+          worlds &= Allowed(clause, leaf);
         }
       }
     }
@@ -74,14 +76,14 @@ class ProofSection {
   /// The connection nearest to an ordinary one that breaks a promise in a world.
   Counterexample FindCounterexample(std::size_t promise, World world) const {
     Counterexample best;
-    for (const PlacedRule& rule : rules_) {
-      if (rule.promise != promise) {
+    for (const PlacedClause& clause : clauses_) {
+      if (clause.promise != promise) {
         continue;
       }
-      const std::vector<std::size_t> distances = Distances(rule, world);
-      const std::size_t distance = DistanceOf(diagram_.root, distances, rule, world);
+      const std::vector<std::size_t> distances = Distances(clause, world);
+      const std::size_t distance = DistanceOf(diagram_.root, distances, clause, world);
       if (distance < best.distance) {
-        best = {distance, Walk(distances, rule, world), rule.promised};
+        best = {distance, Walk(distances, clause, world), clause.promised};
       }
     }
     return best;
@@ -97,18 +99,18 @@ class ProofSection {
   std::vector<Mark> Place(const std::vector<Promise>& promises) {
     std::vector<Mark> marks;
     for (std::size_t i = 0; i < promises.size(); ++i) {
-      for (const PromiseRule& rule : promises[i].rules) {
-        if (rule.direction.value_or(key_.direction) != key_.direction ||
-            rule.ipVersion.value_or(key_.ipVersion) != key_.ipVersion) {
+      for (const Clause& clause : promises[i].clauses) {
+        if (clause.direction.value_or(key_.direction) != key_.direction ||
+            clause.ipVersion.value_or(key_.ipVersion) != key_.ipVersion) {
           continue;
         }
-        PlacedRule placed{i, rule.promised, marks.size(), {}};
-        marks.push_back(rule.connections);
-        for (const Mark& exception : rule.exceptions) {
+        PlacedClause placed{i, clause.promised, marks.size(), {}};
+        marks.push_back(clause.connections);
+        for (const Mark& exception : clause.exceptions) {
           placed.exceptions.push_back(marks.size());
           marks.push_back(exception);
         }
-        rules_.push_back(std::move(placed));
+        clauses_.push_back(std::move(placed));
       }
     }
     return marks;
@@ -123,29 +125,15 @@ class ProofSection {
     return static_cast<std::size_t>(same - leaves_.begin());
   }
 
-  void CollectClasses() {
-    const Connection ordinary = OrdinaryConnection(key_.direction, key_.ipVersion);
-    for (std::size_t level = 0; level < diagram_.levels.size(); ++level) {
-      const Diagram::Level& merged = diagram_.levels[level];
-      std::vector<ValueClass>& classes = classes_.emplace_back();
-      for (std::size_t i = 0; i < merged.classCount; ++i) {
-        std::vector<bool> signatures;
-        std::ranges::transform(merged.classOf, std::back_inserter(signatures),
-                               [i](std::size_t ofSignature) { return ofSignature == i; });
-        classes.push_back(section_.Tables()[level]->Collect(signatures, ordinary));
-      }
-    }
-  }
-
-  static bool Speaks(const PlacedRule& rule, const Leaf& leaf) {
-    return Policy::HasBit(leaf.marks.data(), rule.connections) &&
-           std::ranges::none_of(rule.exceptions, [&leaf](std::size_t mark) {
+  static bool Speaks(const PlacedClause& clause, const Leaf& leaf) {
+    return Policy::HasBit(leaf.marks.data(), clause.connections) &&
+           std::ranges::none_of(clause.exceptions, [&leaf](std::size_t mark) {
              return Policy::HasBit(leaf.marks.data(), mark);
            });
   }
 
-  static const WorldSet& Allowed(const PlacedRule& rule, const Leaf& leaf) {
-    return rule.promised == Action::Permit ? leaf.verdict.Permits() : leaf.verdict.Blocks();
+  static const WorldSet& Allowed(const PlacedClause& clause, const Leaf& leaf) {
+    return clause.promised == Action::Permit ? leaf.verdict.Permits() : leaf.verdict.Blocks();
   }
 
   /// How far a class of values is from the ordinary.
@@ -162,46 +150,49 @@ class ProofSection {
   }
 
   void SetExample(std::size_t level, const ValueClass& values, Connection& connection) const {
-    SetValue(section_.Tables()[level]->GetField(), values, connection);
+    const Field field = section_.Tables()[level]->GetField();
+    if (field == Field::Application) {
+      connection.application = values.exampleApplication;
+    } else {
+      SetNumber(connection, field, values.exampleNumber);
+    }
   }
 
-  static void SetValue(Field field, const ValueClass& values, Connection& connection);
-
-  std::size_t DistanceOf(MapTarget target, const std::vector<std::size_t>& distances, const PlacedRule& rule,
-                         World world) const {
+  std::size_t DistanceOf(MapTarget target, const std::vector<std::size_t>& distances,
+                         const PlacedClause& clause, World world) const {
     if (!target.isVerdict) {
       return distances[target.index];
     }
     const Leaf& leaf = leaves_[target.index];
-    return Speaks(rule, leaf) && !Allowed(rule, leaf)[world.Index()] ? 0 : kNoWay;
+    return Speaks(clause, leaf) && !Allowed(clause, leaf)[world.Index()] ? 0 : kNoWay;
   }
 
   std::size_t DistanceBy(const MapNode& node, std::size_t valueClass,
-                         const std::vector<std::size_t>& distances, const PlacedRule& rule,
+                         const std::vector<std::size_t>& distances, const PlacedClause& clause,
                          World world) const {
-    const std::size_t rest = DistanceOf(node.targets[valueClass], distances, rule, world);
+    const std::size_t rest = DistanceOf(node.targets[valueClass], distances, clause, world);
     return rest == kNoWay ? kNoWay : rest + DistanceOf(node.field, classes_[node.field][valueClass]);
   }
 
-  /// Of each node, to the nearest connection that breaks the rule.
-  std::vector<std::size_t> Distances(const PlacedRule& rule, World world) const {
+  /// Of each node, to the nearest connection that breaks the clause.
+  std::vector<std::size_t> Distances(const PlacedClause& clause, World world) const {
     std::vector<std::size_t> distances;
     for (const MapNode& node : diagram_.nodes) {
       std::size_t least = kNoWay;
       for (std::size_t i = 0; i < node.targets.size(); ++i) {
-        least = std::min(least, DistanceBy(node, i, distances, rule, world));
+        least = std::min(least, DistanceBy(node, i, distances, clause, world));
       }
       distances.push_back(least);
     }
     return distances;
   }
 
-  Connection Walk(const std::vector<std::size_t>& distances, const PlacedRule& rule, World world) const {
+  Connection Walk(const std::vector<std::size_t>& distances, const PlacedClause& clause, World world) const {
     Connection connection = OrdinaryConnection(key_.direction, key_.ipVersion);
     for (MapTarget target = diagram_.root; !target.isVerdict;) {
       const MapNode& node = diagram_.nodes[target.index];
       std::size_t nearest = 0;
-      while (DistanceBy(node, nearest, distances, rule, world) != distances[target.index]) {
+      while (DistanceBy(node, nearest, distances, clause, world) != distances[target.index]) {
         ++nearest;
       }
       SetExample(node.field, classes_[node.field][nearest], connection);
@@ -211,46 +202,13 @@ class ProofSection {
   }
 
   SectionKey key_;
-  std::vector<PlacedRule> rules_;
+  std::vector<PlacedClause> clauses_;
   std::vector<Mark> marks_;
   Section section_;
   std::vector<Leaf> leaves_;
   Diagram diagram_;
   std::vector<std::vector<ValueClass>> classes_;  ///< by level
 };
-
-template <class Plain>
-void SetNumber(std::optional<Plain>& value, const std::optional<Number>& number) {
-  value = number ? std::optional(static_cast<Plain>(number->low)) : std::nullopt;
-}
-
-void ProofSection::SetValue(Field field, const ValueClass& values, Connection& connection) {
-  const std::optional<Number>& number = values.exampleNumber;
-  switch (field) {
-    case Field::Flags:
-      return SetNumber(connection.flags, number);
-    case Field::LocalInterface:
-      return SetNumber(connection.localInterface, number);
-    case Field::ArrivalInterface:
-      return SetNumber(connection.arrivalInterface, number);
-    case Field::NextHopInterface:
-      return SetNumber(connection.nextHopInterface, number);
-    case Field::Application:
-      connection.application = values.exampleApplication;
-      return;
-    case Field::Protocol:
-      return SetNumber(connection.protocol, number);
-    case Field::LocalPort:
-      return SetNumber(connection.localPort, number);
-    case Field::RemotePort:
-      return SetNumber(connection.remotePort, number);
-    case Field::LocalAddress:
-      connection.localAddress = number;
-      return;
-    case Field::RemoteAddress:
-      connection.remoteAddress = number;
-  }
-}
 
 Keeping KeepingIn(const WorldSet& worlds) {
   return worlds.all() ? Keeping::Holds : worlds.any() ? Keeping::Conditional : Keeping::Broken;

@@ -1,0 +1,43 @@
+/**
+ * @file
+ * What a condition asks of a value.
+ */
+#pragma once
+
+#include <string>
+#include <string_view>
+
+#include "policy/Number.h"
+
+namespace Policy {
+
+/// What a condition asks of a value.
+struct Test {
+  enum class Kind {
+    Unreadable,  ///< only the engine can tell, if at all: perhaps it holds
+    Unset,       ///< there is no value
+    InInterval,  ///< a number from interval.first to interval.last
+    AllSet,      ///< every bit of interval.first
+    AnySet,      ///< some bit of interval.first
+    NoneSet,     ///< no bit of interval.first
+    IsBytes,     ///< data equal to `bytes`
+    EndsWith,    ///< data that end with `bytes`, terminators left aside
+  };
+
+  Kind kind = Kind::Unreadable;
+  bool negated = false;
+  Interval interval;
+  std::string bytes;
+
+  /// Whether single flags of a word are tested.
+  bool TestsFlags() const;
+
+  bool operator==(const Test&) const = default;
+};
+
+/// The bytes of a string in UTF-16, less its terminator.
+std::string_view Unterminated(std::string_view bytes);
+/// Whether the id of an application ends so, terminators left aside.
+bool IdEndsWith(std::string_view id, std::string_view ending);
+
+}  // namespace Policy
