@@ -26,7 +26,7 @@ run_tests coverage-windows
 
 mkdir -p build/coverage/counts build/coverage/report
 counts() { gcovr --root . --exclude-throw-branches --exclude-unreachable-branches "$@"; }
-counts --filter '(src|catalog|emulator|policy)/' --json build/coverage/counts/native.json build/coverage
+counts --filter '(src|catalog|emulator|policy|promises)/' --json build/coverage/counts/native.json build/coverage
 counts --filter tools/ --gcov-executable x86_64-w64-mingw32-gcov-posix --json build/coverage/counts/tools.json \
   build/coverage-windows
 report() { counts --add-tracefile 'build/coverage/counts/*.json' "$@"; }
@@ -41,6 +41,7 @@ demand 99 src
 demand 95 catalog
 demand 95 emulator
 demand 95 policy
+demand 95 promises
 demand 95 tools
 
 [ ${#short[@]} -eq 0 ] || { printf '\nToo little: %s\n' "${short[@]}"; exit 1; }
