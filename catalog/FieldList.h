@@ -12,7 +12,7 @@
 
 namespace Catalog {
 
-/// Fields of kFields, written as their names with a space between. A name that is none does not compile.
+/// Fields of kFields, written as their names with a space between. An unknown name does not compile.
 class FieldList {
  public:
   // NOLINTNEXTLINE(google-explicit-constructor): tables have the names themselves.

@@ -101,8 +101,8 @@ struct ConditionTypes {
   std::optional<FWP_DATA_TYPE> alternative;
 };
 
-/// The types of conditions on a field of a layer. For an IP address: the address itself, or a network. Who
-/// somebody is, is tested with a security descriptor that grants access or does not.
+/// The types of conditions on a field of a layer. An IP address is compared with an address or with a
+/// network. A user is tested with a security descriptor: the condition holds if it grants the user access.
 ConditionTypes TypesOf(const LayerField& field);
 
 }  // namespace Catalog

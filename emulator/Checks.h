@@ -24,27 +24,28 @@ Refusal Check(const FWPM_CALLOUT0& callout, const CheckContext& context);
 /// The sublayer key must be filled in already, if the layer exists.
 Refusal Check(const FWPM_FILTER0& filter, const CheckContext& context);
 
-/// That the field is there, that type and match fit it, and that the data are sound.
+/// Whether the layer has the field, type and match fit it, and the data are sound.
 Refusal CheckCondition(const FWPM_FILTER_CONDITION0& condition, const Catalog::Layer& layer,
                        const Switches& switches);
 
-/// A name that is there, and texts that are Unicode.
+/// Whether there is a name, and all texts are Unicode.
 Refusal CheckDisplayData(const FWPM_DISPLAY_DATA0& data, const CheckContext& context);
 
-/// Data for a size that is not zero, and a size that a client can mean.
+/// Whether the size is plausible, and data are there unless it is zero.
 Refusal CheckBlob(const FWP_BYTE_BLOB& blob);
 
-/// A provider that exists and does not end before what refers to it. Null is no reference.
+/// Whether the provider exists and lives as long as what refers to it. Null: there is no reference to check.
 Refusal CheckProviderReference(const GUID* providerKey, const CheckContext& context);
 
 /// Whether a reference cannot outlive what it points to.
 bool MayRefer(const Origin& referrer, const Origin& target);
 
-/// Whether the counts and sizes in a filter are ones that a client can mean. Where they are not, its arrays
-/// cannot be read. Null pointers are no concern of this.
+/// Whether the counts and sizes in a filter are plausible; if not, its arrays must not be read. Null pointers
+/// are checked elsewhere.
 bool IsReadable(const FWPM_FILTER0& filter);
 
-/// At most so many conditions. The engine has no documented limit; more than this is no count but garbage.
+/// The most conditions of a filter. The engine has no documented limit; a count above this is taken for
+/// garbage.
 inline constexpr UINT32 kMostConditions = 100'000;
 inline constexpr UINT32 kMostBytes = 16 * 1024 * 1024;
 

@@ -12,7 +12,7 @@
 namespace EngineEmulator {
 namespace {
 
-/// Above 32 bits, so that a client that cuts an id short is found out.
+/// Above 32 bits, so that a client fails that keeps only the low 32 bits of a filter's id.
 constexpr UINT64 kFirstNumber = 0x1'0000'0001;
 /// The ids of callouts have 32 bits only.
 constexpr UINT64 kFirstCalloutNumber = 0x101;

@@ -26,31 +26,31 @@ class Engine {
 
   /// @param session null for a static session with a key of the engine's choice.
   DWORD OpenSession(const FWPM_SESSION0* session, HANDLE& handle);
-  /// Null for a handle that is not an open session's.
+  /// Null if no open session has this handle.
   Session* FindSession(HANDLE handle);
-  /// Undoes the session's transaction, ends its dynamic objects. The session comes back for the caller to
-  /// destroy when nobody is kept from using the engine: that waits for callbacks.
+  /// Undoes the session's transaction and removes its dynamic objects. Destroying a session waits for its
+  /// callbacks, which may use the engine; so the caller gets it, to destroy it after unlocking the engine.
   Session CloseSession(HANDLE handle);
-  /// Every session, for the same purpose. The engine is to be thrown away.
+  /// All sessions, to be destroyed in the same way. The engine must not be used afterwards.
   std::unordered_map<HANDLE, Session> TakeSessions() { return std::move(sessions_); }
 
-  /// The write lock must be the session's to have, unless the flags say read-only.
+  /// Unless the flags say read-only, MayWrite(session) must hold.
   DWORD Begin(Session& session, UINT32 flags);
   DWORD Commit(Session& session);
   DWORD Abort(Session& session);
-  /// Ends every transaction as the engine does to those held for an hour.
+  /// Ends every transaction, as the engine does with one that has been open for an hour.
   void ExpireTransactions();
 
   /// Whether no other session has a transaction that changes something.
   bool MayWrite(const Session& session) const { return writer_ == nullptr || writer_ == session.handle; }
   UINT32 LockWaitMilliseconds(const Session& session) const;
 
-  /// What a session sees: what is committed, and its own changes.
+  /// The objects that a session sees: the committed ones, with its own changes.
   const ObjectStore& ObjectsOf(const Session& session) const;
-  /// The same with the changes of whichever transaction is open.
+  /// The committed objects with the changes of the open transaction, of whichever session that is.
   const ObjectStore& NewestObjects() const;
 
-  // Each of these wants the write lock to be the session's to have.
+  // For each of these MayWrite(session) must hold.
 
   /// @param number receives the number that the object got; may be null.
   template <class Native>
@@ -75,7 +75,8 @@ class Engine {
   FaultPlan faults;
   std::set<std::wstring> pretendedFiles;  ///< in lower case
   std::string lastRefusal;
-  /// Of what has no key: the engine, its net events and the container of each kind of objects.
+  /// The descriptors of what has no key: the engine, its net events and the container of each kind of
+  /// objects.
   std::map<std::string_view, SecurityDescriptor> securities;
   std::array<UINT32, 6> options{};  ///< by FWPM_ENGINE_OPTION
 

@@ -27,7 +27,7 @@ class EngineMemory {
     return root;
   }
 
-  /// Takes a block back. False for an address that is not a block's, or no longer.
+  /// Takes a block back. False if no block that is out has this address.
   bool Free(const void* root) {
     const auto found = numbers_.find(root);
     if (found == numbers_.end()) {

@@ -11,7 +11,7 @@ struct SharedEngine {
   std::optional<Engine> engine{std::in_place};
 };
 
-/// Never destroyed: static objects of clients still call the engine while their process ends.
+/// Never destroyed, because static objects of clients may call the engine while their process ends.
 union Everlasting {
   Everlasting() : shared() {}
   ~Everlasting() {}  // NOLINT(modernize-use-equals-default): the default one would be deleted.

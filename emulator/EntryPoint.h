@@ -24,8 +24,8 @@ struct LockedEngine {
 LockedEngine LockEngine();
 void ResetEngine();
 
-/// Waits until the session may change something, as long as the session says. ERROR_INVALID_HANDLE or what
-/// the switches say instead if there is no such session, perhaps no longer.
+/// Waits until the session may change something, at most as long as the session says. If there is no such
+/// session, or it ends meanwhile: ERROR_INVALID_HANDLE, or the code that Switches::invalidHandleCode says.
 DWORD WaitForWriteLock(LockedEngine& locked, HANDLE engineHandle);
 
 /// Answers a call: with the planned failure if there is one, else with what the body gives. Either way

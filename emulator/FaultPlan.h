@@ -20,7 +20,7 @@ class FaultPlan {
   /// @param function empty for calls of any function.
   void Add(std::string function, std::size_t nth, DWORD code);
 
-  /// Counts a call. The code that it shall fail with, if it shall; the plan made first wins.
+  /// Counts a call, and gives the code that it must fail with, if a plan says so; the oldest plan counts.
   std::optional<DWORD> Count(std::string_view function);
 
  private:

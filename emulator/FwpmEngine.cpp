@@ -44,7 +44,7 @@ DWORD WINAPI FwpmEngineOpen0(const wchar_t* serverName, UINT32 authnService, SEC
 }
 
 DWORD WINAPI FwpmEngineClose0(HANDLE engineHandle) {
-  // Destroyed when the engine is free again: a callback that runs may want to use it.
+  // Destroyed after the engine is unlocked, because a running callback may be waiting to use it.
   std::optional<Session> closed;
   return Answer("FwpmEngineClose0", "", [&](Engine& engine) -> DWORD {
     if (engine.FindSession(engineHandle) == nullptr) {

@@ -63,7 +63,8 @@ double Logarithm(const Number& less) {
                         : 64 + std::log2(static_cast<double>(less.high) + std::ldexp(low, -64));
 }
 
-/// What is pinned down by all values that a condition does not leave which pins down `pinned` bits.
+/// The bits that a condition pins down if it leaves exactly the values that another, which pins down `pinned`
+/// bits, does not leave.
 double Complement(double pinned) { return -std::log1p(-std::exp2(-pinned)) / std::numbers::ln2; }
 
 double PinnedByEqual(const FWPM_FILTER_CONDITION0& condition, unsigned fieldBits) {

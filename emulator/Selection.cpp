@@ -41,7 +41,7 @@ bool IsHeavier(const ObjectPtr<FWPM_FILTER0>& left, const ObjectPtr<FWPM_FILTER0
   return *left->Record().effectiveWeight.uint64 > *right->Record().effectiveWeight.uint64;
 }
 
-/// Unlike filters, templates test a field once at most.
+/// A template may test each field only once; a filter may test one several times.
 Refusal CheckTemplateConditions(const FWPM_FILTER_ENUM_TEMPLATE0& criteria, const Catalog::Layer& layer,
                                 const Switches& switches) {
   if (criteria.numFilterConditions > kMostConditions) {

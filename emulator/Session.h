@@ -32,7 +32,7 @@ struct Enumeration {
 template <class Native>
 using Enumerations = std::unordered_map<HANDLE, Enumeration<Native>>;
 
-/// A client's wish to hear of changes, which it does on the worker's thread.
+/// A client's callback for changes; the worker's thread calls it.
 template <class Native>
 struct Subscription {
   Block<typename Kind<Native>::Subscription> record;
@@ -44,7 +44,7 @@ struct Subscription {
 template <class Native>
 using Subscriptions = std::map<HANDLE, Subscription<Native>>;
 
-/// What has been done since the beginning. Reads of the session see it, others do not.
+/// The changes since it began. Only its own session sees them before the commit.
 struct Transaction {
   bool readOnly;
   ObjectStore objects;

@@ -9,7 +9,7 @@
 
 namespace EngineEmulator {
 
-/// That adding, deleting or both are to be told of, and nothing else.
+/// Whether the flags ask for additions, deletions or both, and for nothing else.
 Refusal CheckSubscriptionFlags(UINT32 flags);
 
 template <class Native>
@@ -42,7 +42,7 @@ DWORD AnswerSubscribe(const char* function, HANDLE engineHandle,
 /// Returns when the callback does not run any more, unless called from it.
 template <class Native>
 DWORD AnswerUnsubscribe(const char* function, HANDLE engineHandle, HANDLE changeHandle) {
-  // Destroyed when the engine is free again: a callback that runs may want to use it.
+  // Destroyed after the engine is unlocked, because a running callback may be waiting to use it.
   typename Subscriptions<Native>::node_type ended;
   return AnswerOutsideTransaction(function, engineHandle, "", [&](Engine&, Session& session) {
     ended = session.SubscriptionsTo<Native>().extract(changeHandle);

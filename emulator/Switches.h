@@ -12,7 +12,7 @@
 
 namespace EngineEmulator {
 
-/// What is refused, ends and is shuffled is so unless the value is 0.
+/// A switch that says what is refused, ends or is shuffled is off if its value is 0.
 struct Switches {
   /// NOT_EQUAL and comparisons with an address mask: FWP_E_MATCH_TYPE_MISMATCH.
   UINT32 refuseComparedNetworks = 1;
@@ -43,13 +43,13 @@ struct Switches {
   UINT32 refuseEmptyNames = 0;
   /// A condition's blob of no bytes: FWP_E_ZERO_LENGTH_ARRAY.
   UINT32 refuseEmptyBlobs = 0;
-  /// The answer to a handle that is no open session's.
+  /// The code for a handle that no open session has.
   UINT32 invalidHandleCode = 6;
   /// A planned failure of FwpmTransactionCommit0 undoes the transaction.
   UINT32 failedCommitEndsTransaction = 1;
-  /// Enumerations that do not ask for an order come in none.
+  /// Enumerations that ask for no order come shuffled.
   UINT32 shuffleEnumerations = 0;
-  /// How long a session that does not say waits for the write lock.
+  /// How long a session waits for the write lock if it does not say itself.
   UINT32 lockWaitMilliseconds = 15'000;
   /// The build of Windows that the engine is of. To be set before anything is added.
   UINT32 windowsBuild = 26100;

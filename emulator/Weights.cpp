@@ -121,7 +121,8 @@ const Layout& LayoutOf(const Catalog::Layer& layer, Catalog::WindowsVersion vers
   return kLayouts[static_cast<std::size_t>(version)][layer.id];
 }
 
-/// The share of a slot that so many bits of its fields have, rounded to the nearest; something for anything.
+/// The share of a slot for so many pinned bits of its fields, rounded to the nearest; at least 1 if any
+/// bit is pinned.
 UINT64 ValueIn(const Slot& slot, double pinned) {
   const UINT64 most = (UINT64{1} << slot.width) - 1;
   const auto whole = static_cast<UINT64>(pinned);

@@ -12,7 +12,7 @@ std::optional<Address> ParseAddress(std::string_view text) {
   if (inet_pton(AF_INET6, terminated.c_str(), bytes.data()) == 1) {
     return Address{IpVersion::V6, FromBytes(bytes.data())};
   }
-  // A text that is no IPv6 address may have left its beginning.
+  // Reading it as IPv6 may have written some bytes before it failed.
   bytes.fill(0);
   if (inet_pton(AF_INET, terminated.c_str(), bytes.data() + 12) == 1) {
     return Address{IpVersion::V4, FromBytes(bytes.data())};

@@ -74,7 +74,8 @@ void ApplicationTable::AddOthers() {
 }
 
 std::optional<std::string> ApplicationTable::ExampleOf(const std::string& ending) const {
-  // One unit before the ending tells it from names and longer endings; of so many, one is free.
+  // Ids of one character and the ending. There are more of them than names and longer endings, so some id is
+  // none of these.
   const std::size_t enough = names_.size() + endings_.size() + 1;
   for (std::size_t i = 0; i < enough; ++i) {
     const auto unit = static_cast<UINT16>(0xE000 + i);

@@ -36,12 +36,12 @@ std::size_t NumberOf(std::map<std::string, std::size_t>& numbers, const std::str
   return numbers.emplace(text, numbers.size()).first->second;
 }
 
-/// Whether one decision is more of what comes first than another.
+/// Whether the one decision comes before the other where blocks, or permits, come first.
 bool ComesFirst(Strength strength, Strength other, bool blockFirst) {
   return blockFirst ? strength < other : strength > other;
 }
 
-/// Worlds that read the order of filters and sublayers in the same way, and one of them.
+/// All worlds with the same readings of the order of filters and sublayers, and one of them.
 struct OrderedWorlds {
   World world;
   WorldSet worlds;
@@ -53,8 +53,8 @@ bool Agree(World left, World right, std::span<const Assumption> assumptions) {
   });
 }
 
-/// All worlds: those that read the order of a sublayer's filters in the same way together, and among them
-/// those that read the order of sublayers in the same way.
+/// All worlds, sorted twice: first by how they read the order of a sublayer's filters, then by how they read
+/// the order of sublayers.
 std::vector<std::vector<OrderedWorlds>> SortWorlds() {
   constexpr std::array kOfFilters{Assumption::FilterTies, Assumption::AutomaticWeights};
   constexpr std::array kOfSublayers{Assumption::SublayerTies, Assumption::StaticBlocks};
@@ -100,7 +100,7 @@ Arbitration::Arbitration(const Snapshot& snapshot, const Catalog::Layer& layer) 
       bySublayer[&*sublayer].push_back(&filter);
     }
   }
-  // Addresses in the snapshot's list ascend as its weights descend.
+  // The map is ordered by the sublayers' addresses. The snapshot keeps them in one block, the heaviest first.
   for (auto& [sublayer, filters] : bySublayer) {
     AddSlot(*sublayer, std::move(filters));
   }

@@ -14,8 +14,8 @@
 
 namespace Policy {
 
-/// What a sublayer's decision can do, from the one that blocks most to the one that permits most: raising
-/// one sublayer's strength never turns a layer's permit into a block.
+/// What a sublayer's decision can do, ordered from the strongest block to the strongest permit: a higher
+/// value for one sublayer never turns the layer's permit into a block.
 enum class Strength {
   Veto,   ///< a callout's block, which even a hard permit of a higher sublayer does not survive
   Block,  ///< a block without a callout
@@ -32,12 +32,13 @@ struct StrengthRange {
   bool operator==(const StrengthRange&) const = default;
 };
 
-/// The filters of one layer that decide: permits, blocks and callouts that may do either. They have numbers,
-/// sublayer by sublayer in the order of their turn, within each by reported weight; filters of equal weight
-/// by id. A set of filters is a set of bits, a multiple of words long.
+/// The filters of one layer that decide: permits, blocks and callouts, which may do either. Each has a
+/// number. They are numbered sublayer by sublayer in the order of their turn; in a sublayer the heaviest
+/// reported weight comes first, and for equal weights the lowest id. A set of filters is a set of bits by
+/// these numbers.
 class Arbitration {
  public:
-  /// The filters of a sublayer, by number.
+  /// The filters of a sublayer: the numbers from `begin` to before `end`.
   struct Slot {
     const Sublayer* sublayer;
     std::size_t begin;
@@ -59,7 +60,7 @@ class Arbitration {
 
   /// The actions in the worlds that read the engine's order in all possible ways.
   /// @param sure the filters that match; @param perhaps these, and those that perhaps match.
-  /// @param worlds of the verdict, those for which these filters hold.
+  /// @param worlds those in which these filters match; the verdict is set for them.
   void Decide(const BitWord* sure, const BitWord* perhaps, const WorldSet& worlds, Verdict& verdict) const;
 
   /// One world for each way to read the order of a sublayer's filters.
@@ -92,8 +93,9 @@ class Arbitration {
   std::vector<Slot> slots_;
   std::vector<std::size_t> reportedTies_;  ///< the same number for filters that tie
   std::vector<std::size_t> knownTies_;
-  // For each filter the set of filters of its slot that come before it, and the set of those that do not
-  // surely come after it though they do something else.
+  // A row for each filter, a set of filters of its slot: those that come before it by the weights that the
+  // engine reports, those that come before it by what is known of weights, and its rivals, which do something
+  // else and do not surely come after it.
   std::vector<BitWord> outrankedAsReported_;
   std::vector<BitWord> outrankedAsKnown_;
   std::vector<BitWord> rivals_;

@@ -59,10 +59,10 @@ void ForEachBit(const BitWord* words, std::size_t begin, std::size_t end, Visit 
   }
 }
 
-/// Sets of words, each given a number when first met.
+/// Sets, each with a number that it gets when it is first met: 0, 1, 2 and so on.
 class WordTable {
  public:
-  /// @param width words of each set.
+  /// @param width the words that each set takes.
   explicit WordTable(std::size_t width) : width_(width), buckets_(kFirstBuckets, kEmpty) {}
 
   /// The number of a set, and whether it is new.

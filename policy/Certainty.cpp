@@ -8,7 +8,7 @@
 namespace Policy {
 namespace {
 
-/// Whether a condition on DIRECTION holds; none if it cannot be told.
+/// Whether a condition on DIRECTION holds; none if only the engine can tell.
 std::optional<bool> HoldsOfDirection(const Test& test, Direction direction) {
   const Number number = direction == Direction::Outbound ? 0 : 1;
   switch (test.kind) {

@@ -9,7 +9,7 @@
 namespace Policy {
 namespace {
 
-/// States of most snapshots fit; longer ones take memory of their own.
+/// The states of most snapshots are no longer than this, and then take no memory of their own.
 constexpr std::size_t kUsualWidth = 64;
 
 /// A connection's state in a section.
@@ -126,7 +126,7 @@ void AddEffects(std::vector<SublayerTrace>& traces, World world) {
   }
 }
 
-/// In the order of their turn, sublayers of equal weight as the world reads their ties.
+/// Sorts sublayers by their turn; of equally heavy ones the world's reading decides which is first.
 void SortTies(std::vector<SublayerTrace>& traces, World world) {
   const bool blockFirst = world.Reads(Assumption::SublayerTies, TieReading::BlockFirst);
   const auto rank = [blockFirst](const SublayerTrace& trace) {

@@ -14,8 +14,8 @@
 
 namespace Policy {
 
-/// A filter that would end its sublayer's block or turn the layer's verdict, did one field not keep it from
-/// matching.
+/// A filter that does not match because of one field only. If it matched, it would end its sublayer's block
+/// or turn the layer's verdict.
 struct NearMiss {
   const Filter* filter;
   Field field;
@@ -36,7 +36,7 @@ struct SublayerTrace {
   std::vector<const Filter*> unjudged;   ///< filters that perhaps match, or whose callout decides
   std::vector<NearMiss> nearMisses;      ///< by field, heaviest first
   Effect effect = Effect::None;
-  const Sublayer* by = nullptr;  ///< who overrides it, or made it be ignored
+  const Sublayer* by = nullptr;  ///< the sublayer that overrides it, or because of which it is ignored
 };
 
 /// What a layer does to a connection.
@@ -68,7 +68,7 @@ class Decider {
 
   Verdict Decide(const Connection& connection) const;
 
-  /// @param world the readings by which the trace is told; its verdicts are for all worlds.
+  /// @param world the trace says what happens in it; the verdicts are for all worlds.
   Explanation Explain(const Connection& connection, World world = World()) const;
 
  private:

@@ -1,4 +1,4 @@
-// Native records of the engine, as they are found: nothing in them is taken for granted.
+// Decodes the engine's native records. Whatever is in them, decoding does not fail.
 #include <algorithm>
 #include <array>
 #include <bit>
@@ -13,11 +13,12 @@
 namespace Policy {
 namespace {
 
-/// More than this is no count or size but garbage.
+/// A count or size above these is taken for garbage.
 constexpr UINT32 kMostConditions = 100'000;
 constexpr UINT32 kMostBytes = 16 * 1024 * 1024;
 
-// Since Windows 10; named PREFIX in the headers, though the engine compares the end.
+// FWP_MATCH_PREFIX and FWP_MATCH_NOT_PREFIX, since Windows 10. In spite of the name the engine compares the
+// end.
 constexpr auto kMatchEnd = static_cast<FWP_MATCH_TYPE>(11);
 constexpr auto kMatchNotEnd = static_cast<FWP_MATCH_TYPE>(12);
 
@@ -107,7 +108,7 @@ Test CompareNumber(FWP_MATCH_TYPE match, Number number, Number greatest) {
 }
 
 Test TestFlags(Test::Kind kind, Number bits) {
-  // 128 bits are no flags.
+  // No field of flags has more than 64 bits.
   return bits.high == 0 ? Test{kind, false, {bits, bits}, {}} : Test{};
 }
 
@@ -207,7 +208,7 @@ bool Takes(const Catalog::LayerField& field, const FWP_CONDITION_VALUE0& value) 
   return isRange ? value.rangeValue->valueLow.type == type : value.type == type || value.type == alternative;
 }
 
-/// A blob whose size nobody can mean cannot be shown.
+/// Whether the sizes of its blobs are plausible, so that its data can be read.
 bool CanBeShown(const FWP_CONDITION_VALUE0& value) {
   const auto blobIsSane = [](const FWP_BYTE_BLOB* blob) {
     return blob == nullptr || blob->size <= kMostBytes;

@@ -8,7 +8,8 @@ namespace {
 BitWord Encode(MapTarget target) { return target.index * 2 + (target.isVerdict ? 1 : 0); }
 MapTarget DecodeTarget(BitWord word) { return {word % 2 == 1, static_cast<std::size_t>(word / 2)}; }
 
-/// Goes through the tables one by one. States that have become equal go on as one.
+/// Goes through the tables one by one, a level for each. Where two ways have come to the same state, they go
+/// on as one.
 class Builder {
  public:
   Builder(const Section& section, const std::function<std::size_t(const BitWord*)>& leaf)

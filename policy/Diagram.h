@@ -22,7 +22,7 @@ struct Diagram {
   };
 
   std::vector<Level> levels;   ///< one for each table
-  std::vector<MapNode> nodes;  ///< `field` is a level, targets go by class; after those that they lead to
+  std::vector<MapNode> nodes;  ///< each comes after the nodes that it leads to; its `field` is a level
   MapTarget root{true, 0};
 };
 

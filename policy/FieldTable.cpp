@@ -8,7 +8,7 @@ namespace {
 
 constexpr int kMostTestedFlags = 8;
 
-/// Of no flags at all.
+/// Whether a test of flags holds of a word without any flag.
 bool HoldsOfNoFlags(const Test& test) {
   return test.kind == Test::Kind::NoneSet || (test.kind == Test::Kind::AllSet && test.interval.first == 0);
 }

@@ -15,17 +15,18 @@
 
 namespace Policy {
 
-/// The tests of one filter, or of one mark, on one field. They hold together if one holds. A mark is a
-/// question about the connection itself: no assumption touches it.
+/// The tests of one filter, or of one mark, on one field. They hold together if one holds. Assumptions are
+/// about the engine, so they make no difference to a mark.
 struct TestGroup {
-  std::size_t bit;
+  std::size_t bit;  ///< the number of the filter or of the mark
   bool isMark = false;
   bool isExcluded = false;  ///< of a mark: none of the tests may hold
   std::vector<const Test*> tests;
 };
 
-/// A field's classes: sets of values, each with its signature, the state of a connection as far as this field
-/// decides. A connection's state is what the signatures of all its fields have in common.
+/// The values of a field. Each has a signature: the state of a connection as far as this field alone decides.
+/// A connection's state is the AND of the signatures of all its fields. Different values can have the same
+/// signature.
 class FieldTable {
  public:
   FieldTable(Field field, const StateLayout& layout, std::vector<TestGroup> groups);
@@ -33,10 +34,11 @@ class FieldTable {
   FieldTable(const FieldTable&) = delete;
   FieldTable& operator=(const FieldTable&) = delete;
 
-  /// Whether tests of this kind make sense for a field. A test of flags does for the flags alone, which for
-  /// their part have no order.
+  /// Whether a test of this kind makes sense for a field. Only the flags can be tested bit by bit; they, in
+  /// turn, have no order, so no range of them makes sense.
   static bool CanJudge(Field field, const Test& test);
-  /// With each flag that is tested the patterns of flags double, so tests of many flags are too many.
+  /// The same of several tests. Each tested flag doubles the number of patterns, so too many cannot be
+  /// judged.
   static bool CanJudge(Field field, const std::vector<const Test*>& tests);
 
   Field GetField() const { return field_; }
@@ -44,8 +46,9 @@ class FieldTable {
 
   /// The number of the signature of a connection's value.
   virtual std::size_t SignatureOf(const Connection& connection) const = 0;
-  /// All values with one of some signatures, without a text.
-  /// @param ordinary the value to give as an example, if it is among them.
+  /// The class of all values with certain signatures, without a text.
+  /// @param signatures for each number of a signature, whether it counts.
+  /// @param ordinary its value is the example if it is in the class.
   virtual ValueClass Collect(const std::vector<bool>& signatures, const Connection& ordinary) const = 0;
 
  protected:

@@ -46,7 +46,7 @@ KnownWeight::Share KnownWeight::ShareOf(const Condition& condition) {
       if (condition.test.negated) {
         break;
       }
-      // Of comparisons nothing is known.
+      // Nothing is known about the share of comparisons.
       if (condition.match != FWP_MATCH_EQUAL && condition.match != FWP_MATCH_RANGE) {
         share.least = Everything;
         break;
@@ -71,14 +71,14 @@ KnownWeight::Share KnownWeight::ShareOf(const Condition& condition) {
   return share;
 }
 
-/// Nothing says what repetition does to a share.
+/// Nothing is known about the share of several conditions on one field.
 void KnownWeight::Share::Join(const Share& other) {
   least = std::min({least, other.least, Narrowness::Range});
   most = Narrowness::Exact;
   conditions.append("|").append(other.conditions);
 }
 
-/// Equivalent also where the left is nothing less than the right, which is nothing.
+/// A share of nothing is equivalent to any: the other may be nothing as well.
 std::partial_ordering KnownWeight::Compare(const Share& left, const Share& right) {
   if (left.least > right.most) {
     return std::partial_ordering::greater;

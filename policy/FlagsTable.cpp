@@ -86,7 +86,8 @@ bool FlagsTable::IsNamed(UINT32 word) const {
 
 /// The least word with some of the tested bits that no condition names; none if all are named.
 std::optional<UINT32> FlagsTable::UnnamedWord(UINT32 bits) const {
-  // Words with the same tested bits, counted up through the others; more than there are names is enough.
+  // Counts through the words with these tested bits. After one more than there are named words, some word was
+  // not named.
   UINT32 word = bits;
   for (std::size_t i = 0; i <= named_.size(); ++i) {
     if (!IsNamed(word)) {

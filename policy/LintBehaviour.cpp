@@ -20,7 +20,7 @@ bool HasValues(const ValueClass& values) {
          !values.endings.empty() || values.others;
 }
 
-/// The values of a field of which some of a filter's conditions hold, and those of which they do not.
+/// Sorts the values of a field in two: those of which a filter's conditions on it hold, and all others.
 class FieldHalves {
  public:
   FieldHalves(Field field, IpVersion ipVersion, std::vector<const Test*> tests) {
@@ -45,7 +45,7 @@ class FieldHalves {
 /// A filter and another that spoils it; each filter once.
 using Spoiled = std::map<const Filter*, const Filter*>;
 
-/// What is seen of filters over all connections.
+/// What filters do to each other, collected over all connections.
 struct Seen {
   std::set<const Filter*> deciding;
   Spoiled outranked;  ///< by filters that decided in their place

@@ -9,7 +9,7 @@
 namespace Policy {
 namespace {
 
-/// Verdicts, each given a number when first met.
+/// Verdicts, each with a number that it gets when it is first met.
 class VerdictTable {
  public:
   std::size_t Intern(const Verdict& verdict) {

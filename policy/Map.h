@@ -27,7 +27,7 @@ struct MapSection {
   MapTarget root;
 };
 
-/// The exact partition of all connections by verdict: four sections, outbound and inbound, IPv4 and IPv6.
+/// All connections, sorted by their verdict: four sections, outbound and inbound, IPv4 and IPv6.
 struct Map {
   std::vector<Verdict> verdicts;  ///< each different from the others
   std::vector<MapSection> sections;
@@ -39,9 +39,9 @@ struct Map {
 /// Maps the filters of a snapshot.
 Map MakeMap(const Snapshot& snapshot, const Labels& labels = {});
 
-/// How texts of a map are cut.
+/// How much of long lists the text of a map shows.
 struct MapTextOptions {
-  /// Of longer lists of values only so many are shown, with the count of the rest; 0 for all.
+  /// The most values of a list that are shown; of the others only their count. 0 for all.
   std::size_t longestList = 0;
 };
 

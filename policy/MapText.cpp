@@ -35,7 +35,8 @@ bool IsOrdinary(const ValueClass& values, Field field, const Connection& ordinar
                                      : values.exampleNumber == NumberOf(ordinary, field);
 }
 
-/// The tree of one section. What is reached in several ways is shown once, with a number for the other times.
+/// The tree of one section. A subtree that several ways lead to is shown once, with a number; at the other
+/// places the number stands for it.
 class SectionText {
  public:
   SectionText(const Map& map, const MapSection& section, const Labels& labels, const MapTextOptions& options)

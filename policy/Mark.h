@@ -1,6 +1,6 @@
 /**
  * @file
- * Questions about connections.
+ * Questions about connections that come from no filter.
  */
 #pragma once
 

@@ -1,3 +1,6 @@
+// How a section is made: AddLayers numbers the filters of both layers, AddGroups and AddMarks collect the
+// tests by field, ChoosePlanes sees which readings can make a difference, MakeBase writes the state that all
+// connections begin with, and each field gets its table.
 #include "policy/Section.h"
 
 #include <algorithm>
@@ -109,7 +112,7 @@ void Section::AddMarks(std::span<const Mark> marks, GroupsByField& groups) {
   }
 }
 
-/// Only what some filter depends on doubles the planes.
+/// A plane for each combination of readings, of those assumptions only on which some filter depends.
 void Section::ChoosePlanes(const GroupsByField& groups) {
   std::size_t negations = 1;
   std::size_t unset = 1;
@@ -219,7 +222,7 @@ std::vector<Section::NearMatch> Section::NearMatchesIn(World world, std::size_t 
   return found;
 }
 
-/// The action where neither doubt nor an assumption can make a difference.
+/// The action, if it is the same in all worlds and that can be seen quickly; otherwise none.
 std::optional<Action> Section::DecideSurely(const BitWord* state) const {
   std::optional<Action> action;
   for (std::size_t plane = 0; plane < layout_.planes.size(); ++plane) {

@@ -1,6 +1,6 @@
 /**
  * @file
- * The filters that connections of one direction and IP version meet, made ready to decide.
+ * A section: all connections of one direction and IP version, and the filters that they meet.
  */
 #pragma once
 
@@ -18,7 +18,7 @@
 
 namespace Policy {
 
-/// The sections of a map, in its order.
+/// The four sections, in the order of maps.
 struct SectionKey {
   Direction direction;
   IpVersion ipVersion;
@@ -30,8 +30,9 @@ constexpr std::size_t SectionIndex(Direction direction, IpVersion ipVersion) {
   return (direction == Direction::Outbound ? 0U : 2U) + (ipVersion == IpVersion::V4 ? 0U : 1U);
 }
 
-/// Two layers, one after the other, and the tables of the fields that their filters test. The state of a
-/// connection is what StateLayout says: which filters match it, and which marks it bears.
+/// The two layers that connections of one direction and IP version pass, one after the other, with a table
+/// for each field that some filter tests. The tables turn a connection into its state, that is, into the sets
+/// of filters that match it and of marks that it bears; the layers turn the state into a verdict.
 class Section {
  public:
   /// @param snapshot, marks must outlive the section.
@@ -44,7 +45,7 @@ class Section {
   const std::vector<Arbitration>& Layers() const { return layers_; }
   /// In the order of enum Field; only fields that something tests.
   const std::vector<std::unique_ptr<FieldTable>>& Tables() const { return tables_; }
-  /// The state before any field is looked at.
+  /// The state before any field has been looked at: all filters match that can match at all.
   const std::vector<BitWord>& BaseState() const { return base_; }
 
   /// The state of a connection.
@@ -70,7 +71,7 @@ class Section {
     std::size_t filter;
     Field field;
   };
-  /// Those of a connection in a world, by field. Filters that would match only perhaps are left out.
+  /// The near matches of a connection in a world, by field, without filters that would match only perhaps.
   std::vector<NearMatch> NearMatchesIn(World world, std::size_t layer, const Connection& connection) const;
 
  private:

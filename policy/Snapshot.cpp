@@ -77,7 +77,7 @@ class ReadingSession {
   std::unique_ptr<void, decltype(EngineCalls::FwpmTransactionAbort0)> transaction_{nullptr, nullptr};
 };
 
-/// Adds what filters name, but the engine does not show.
+/// Adds the sublayers that filters name, but that the engine does not show.
 void AddUnlisted(Snapshot& snapshot) {
   for (const Filter& filter : snapshot.filters) {
     if (std::ranges::find(snapshot.sublayers, filter.sublayerKey, &Sublayer::key) ==

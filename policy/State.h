@@ -9,19 +9,21 @@
 
 namespace Policy {
 
-/// The readings that decide whether a condition holds.
+/// One reading of each assumption that decides whether a condition holds. All worlds with these readings
+/// share the plane: in them the same filters match.
 struct Plane {
-  bool allNegations;
-  bool unsetMatches;
-  bool loopbackAccompanied;
+  bool allNegations;         ///< Assumption::SeveralNegations: all of them must hold
+  bool unsetMatches;         ///< Assumption::UnsetFields: a negation holds of a field without a value
+  bool loopbackAccompanied;  ///< Assumption::LoopbackBits: another flag comes with the loopback flag
 };
 
-/// How the state of a connection lies in memory: for each plane the set of filters that surely match and, if
-/// any can be in doubt, that of those that perhaps match; then the set of marks.
+/// How the state of a connection lies in memory: sets of bits, one after the other. For each plane there is
+/// the set of filters that surely match; if some filter can be in doubt, the set of those that at least
+/// perhaps match follows. The set of marks is last.
 struct StateLayout {
   std::vector<Plane> planes;
-  std::size_t filterWords = 0;
-  bool hasDoubt = false;
+  std::size_t filterWords = 0;  ///< of one set of filters
+  bool hasDoubt = false;        ///< some filter can match perhaps
   std::size_t markWords = 0;
 
   std::size_t PlaneWords() const { return filterWords * (hasDoubt ? 2 : 1); }

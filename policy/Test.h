@@ -21,7 +21,7 @@ struct Test {
     AnySet,      ///< some bit of interval.first
     NoneSet,     ///< no bit of interval.first
     IsBytes,     ///< data equal to `bytes`
-    EndsWith,    ///< data that end with `bytes`, terminators left aside
+    EndsWith,    ///< data that end with `bytes`; terminators do not count
   };
 
   Kind kind = Kind::Unreadable;
@@ -37,7 +37,7 @@ struct Test {
 
 /// The bytes of a string in UTF-16, less its terminator.
 std::string_view Unterminated(std::string_view bytes);
-/// Whether the id of an application ends so, terminators left aside.
+/// Whether the id of an application has this ending; terminators do not count.
 bool IdEndsWith(std::string_view id, std::string_view ending);
 
 }  // namespace Policy

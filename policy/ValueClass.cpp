@@ -34,7 +34,7 @@ bool Contains(const ValueClass& values, const std::optional<Number>& number) {
   return next != values.intervals.begin() && *number <= std::prev(next)->last;
 }
 
-/// The class of a value that intervals name, or of one without a value.
+/// The class whose intervals hold the number; without a number, the class with `unset`.
 std::optional<std::size_t> ClassOfNumber(const FieldClasses& field, const std::optional<Number>& number) {
   for (std::size_t i = 0; i < field.classes.size(); ++i) {
     if (Contains(field.classes[i], number)) {
@@ -44,7 +44,7 @@ std::optional<std::size_t> ClassOfNumber(const FieldClasses& field, const std::o
   return std::nullopt;
 }
 
-/// The class of a word of flags that none names.
+/// The class of a word of flags that no class names.
 std::size_t ClassOfPattern(const FieldClasses& field, UINT32 word) {
   const auto fits = [word](const ValueClass::Masked& masked) {
     return (word & masked.mask) == masked.value &&

@@ -16,8 +16,8 @@ namespace Policy {
 
 /// Values of a field that behave alike: wherever the rest of the connection is the same, so is the verdict.
 struct ValueClass {
-  /// Words of flags with certain bits: all whose bits under `mask` are `value`, but for some words, which
-  /// have classes by their own right.
+  /// Words of flags that agree in some bits: under `mask` they are `value`. The words of `except` are left
+  /// out, because a condition names them and so they have their own classes.
   struct Masked {
     UINT32 mask;
     UINT32 value;
@@ -29,10 +29,11 @@ struct ValueClass {
   std::vector<Interval> intervals;        ///< the numbers among them, ascending, with gaps between
   std::vector<Masked> masked;             ///< of flags
   std::vector<std::string> applications;  ///< the ids that conditions name
-  std::vector<std::string> endings;       ///< ids that end so, and that no longer ending and no name fits
-  bool others = false;                    ///< all ids that no name and no ending fits
+  std::vector<std::string> endings;       ///< of ids, unless a longer ending or a name fits them
+  bool others = false;                    ///< all ids that neither a name nor an ending fits
 
-  /// One of the values, an ordinary one if there is one. Both without a value if the class is `unset` alone.
+  /// One of the values, that of an ordinary connection if possible. Both are empty if `unset` is all there
+  /// is.
   std::optional<Number> exampleNumber;
   std::optional<std::string> exampleApplication;
 

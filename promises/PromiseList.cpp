@@ -61,12 +61,12 @@ FieldTests Neither(Field field, std::vector<Test> tests) { return {field, std::m
 
 const FieldTests kLookUp = Either(Field::RemotePort, {Is(kNamePort)});
 const FieldTests kNoLookUp = Neither(Field::RemotePort, {Is(kNamePort)});
-/// As the engine marks what stays on the machine: the flag alone, as far as the connection tells.
+/// Connections that stay on the machine: the engine sets this flag, and no other.
 const FieldTests kLoopback = Either(Field::Flags, {Is(FWP_CONDITION_FLAG_IS_LOOPBACK)});
 const FieldTests kNoLoopback =
     Neither(Field::Flags, {{Test::Kind::AllSet, false, {FWP_CONDITION_FLAG_IS_LOOPBACK, 1}, {}}});
 
-/// Makes the clauses of promises for one IP version at a time: networks of the other do not fit its numbers.
+/// The tests of remote addresses for one IP version. Networks of the other version are left out.
 class Networks {
  public:
   explicit Networks(IpVersion ipVersion) : ipVersion_(ipVersion) {}
@@ -135,7 +135,8 @@ class PromiseList {
   void Add(Action action, std::optional<Direction> direction, std::optional<IpVersion> ipVersion,
            std::vector<FieldTests> fields, std::vector<Mark> exceptions = {}) {
     if (action == Action::Permit && features_.leakProtection) {
-      // Nobody who has an application blocked expects another feature to let it through.
+      // An application that Windows Firewall blocks stays blocked, so no other feature promises to let it
+      // pass.
       exceptions.push_back({{Either(Field::Application, AnyOf(features_.leakProtection->blockedOutbound))}});
       exceptions.push_back({{Either(Field::Application, AnyOf(features_.leakProtection->blockedInbound))}});
     }
@@ -153,7 +154,7 @@ class PromiseList {
     return ipVersion == IpVersion::V4 ? Exchange(68, 67) : Exchange(546, 547);
   }
 
-  /// Whoever lets them through as well says so: these exchanges are no leak.
+  /// With DHCP on, these exchanges are meant to pass: they break no promise that connections are closed.
   std::vector<Mark> AllowedExchanges(IpVersion ipVersion) const {
     if (!features_.dhcp) {
       return {};
@@ -170,7 +171,7 @@ class PromiseList {
     return {{{Networks(ipVersion).Add(kLocalNetworks).Inside(), kNoLookUp}}};
   }
 
-  /// What the other features judge whether the kill switch is on or not.
+  /// Connections that the other features decide about, whether the kill switch is on or not.
   std::vector<Mark> LeftToOthers(IpVersion ipVersion) const {
     std::vector<Mark> marks = TakenByLocalBlock(ipVersion);
     if (features_.leakProtection) {

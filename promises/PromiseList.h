@@ -1,6 +1,6 @@
 /**
  * @file
- * The sentences that the features' users go by, each with the connections that it speaks of.
+ * What the features promise: sentences, each with the connections that it speaks of.
  */
 #pragma once
 
@@ -19,10 +19,10 @@ struct Clause {
   std::optional<Policy::Direction> direction;  ///< none: both
   std::optional<Policy::IpVersion> ipVersion;  ///< none: both
   Policy::Mark connections;
-  std::vector<Policy::Mark> exceptions;  ///< of these connections nothing is promised
+  std::vector<Policy::Mark> exceptions;  ///< nothing is promised for these
 };
 
-/// A sentence, and what it means. It says what a user believes who reads it, whatever the filters do.
+/// A sentence, and the connections that it means. These follow from the sentence alone, not from the filters.
 struct Promise {
   std::string feature;
   std::string name;

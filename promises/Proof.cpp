@@ -116,7 +116,7 @@ class ProofSection {
     return marks;
   }
 
-  /// The number of the leaf just added, or of its like.
+  /// The number of the leaf just added. If there was an equal one, the new one goes.
   std::size_t LeafNumber() {
     const auto same = std::ranges::find(leaves_, leaves_.back());
     if (same != std::prev(leaves_.end())) {
@@ -174,7 +174,7 @@ class ProofSection {
     return rest == kNoWay ? kNoWay : rest + DistanceOf(node.field, classes_[node.field][valueClass]);
   }
 
-  /// Of each node, to the nearest connection that breaks the clause.
+  /// For each node, how far the nearest connection is that breaks the clause.
   std::vector<std::size_t> Distances(const PlacedClause& clause, World world) const {
     std::vector<std::size_t> distances;
     for (const MapNode& node : diagram_.nodes) {

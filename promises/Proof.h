@@ -24,7 +24,7 @@ enum class Keeping {
 /// "holds", "holds only under a reading", "broken"
 std::string_view KeepingText(Keeping keeping);
 
-/// A promise and how it fares.
+/// A promise, and whether it is kept.
 struct PromiseResult {
   std::string feature;   ///< "kill switch"
   std::string name;      ///< "kill-switch-closes", unique
