@@ -47,6 +47,37 @@ TEST(OrdinaryConnection, OfOtherProtocolsHasNoPorts) {
   }
 }
 
+TEST(ConnectionField, IsReadAndSetByItsName) {
+  using enum Policy::Field;
+  Connection connection;
+  UINT64 value = 1;
+  for (const Policy::Field field : {Flags, LocalInterface, ArrivalInterface, NextHopInterface, Protocol,
+                                    LocalPort, RemotePort, LocalAddress, RemoteAddress}) {
+    EXPECT_EQ(Policy::NumberOf(connection, field), std::nullopt);
+    Policy::SetNumber(connection, field, value);
+    EXPECT_EQ(Policy::NumberOf(connection, field), Policy::Number(value++));
+  }
+  EXPECT_EQ(connection.flags, 1U);
+  EXPECT_EQ(connection.localInterface, 2U);
+  EXPECT_EQ(connection.arrivalInterface, 3U);
+  EXPECT_EQ(connection.nextHopInterface, 4U);
+  EXPECT_EQ(connection.protocol, 5U);
+  EXPECT_EQ(connection.localPort, 6U);
+  EXPECT_EQ(connection.remotePort, 7U);
+  EXPECT_EQ(connection.localAddress, Policy::Number(8));
+  EXPECT_EQ(connection.remoteAddress, Policy::Number(9));
+  Policy::SetNumber(connection, LocalPort, std::nullopt);
+  EXPECT_EQ(connection.localPort, std::nullopt);
+}
+
+TEST(ConnectionField, ApplicationIsNoNumber) {
+  Connection connection;
+  connection.application = "a";
+  Policy::SetNumber(connection, Policy::Field::Application, 1);
+  EXPECT_EQ(connection.application, "a");
+  EXPECT_EQ(Policy::NumberOf(connection, Policy::Field::Application), std::nullopt);
+}
+
 /// Connections of any protocol to and from what the features have a word for.
 class Traffic {
  public:
