@@ -13,16 +13,13 @@
 namespace Policy {
 namespace {
 
-/// A count or size above these is taken for garbage.
+/// A count above this is taken for garbage.
 constexpr UINT32 kMostConditions = 100'000;
-constexpr UINT32 kMostBytes = 16 * 1024 * 1024;
 
 // FWP_MATCH_PREFIX and FWP_MATCH_NOT_PREFIX, since Windows 10. In spite of the name the engine compares the
 // end.
 constexpr auto kMatchEnd = static_cast<FWP_MATCH_TYPE>(11);
 constexpr auto kMatchNotEnd = static_cast<FWP_MATCH_TYPE>(12);
-
-std::string Text(const wchar_t* text) { return text == nullptr ? std::string() : Catalog::FormatText(text); }
 
 /// The bits of an unsigned type that a connection's fields have; 0 for all other types.
 unsigned BitsOf(FWP_DATA_TYPE type) {
@@ -42,44 +39,13 @@ unsigned BitsOf(FWP_DATA_TYPE type) {
   }
 }
 
-/// The number that a value holds; none without one.
-template <class Value>
+/// The unsigned number that a value holds; none without one.
 std::optional<Number> NumberOf(const Value& value) {
-  switch (value.type) {
-    case FWP_UINT8:
-      return value.uint8;
-    case FWP_UINT16:
-      return value.uint16;
-    case FWP_UINT32:
-      return value.uint32;
-    case FWP_UINT64:
-      return value.uint64 == nullptr ? std::nullopt : std::optional<Number>(*value.uint64);
-    case FWP_BYTE_ARRAY16_TYPE:
-      return value.byteArray16 == nullptr ? std::nullopt
-                                          : std::optional(FromBytes(value.byteArray16->byteArray16));
-    default:
-      return std::nullopt;
+  if (const auto* number = std::get_if<UINT64>(&value.data)) {
+    return *number;
   }
-}
-
-std::optional<std::string> BytesOf(const FWP_BYTE_BLOB* blob) {
-  if (blob == nullptr || blob->size > kMostBytes || (blob->size != 0 && blob->data == nullptr)) {
-    return std::nullopt;
-  }
-  return std::string(blob->data, blob->data + blob->size);
-}
-
-std::optional<std::string> BytesOf(const FWP_CONDITION_VALUE0& value) {
-  if (value.type == FWP_BYTE_BLOB_TYPE) {
-    return BytesOf(value.byteBlob);
-  }
-  if (value.type == FWP_SID && value.sid != nullptr &&
-      value.sid->SubAuthorityCount <= SID_MAX_SUB_AUTHORITIES) {
-    const auto* bytes = reinterpret_cast<const UINT8*>(value.sid);
-    return std::string(bytes,
-                       bytes + offsetof(SID, SubAuthority) + value.sid->SubAuthorityCount * sizeof(DWORD));
-  }
-  return std::nullopt;
+  const auto* bytes = std::get_if<FWP_BYTE_ARRAY16>(&value.data);
+  return bytes == nullptr ? std::nullopt : std::optional(FromBytes(bytes->byteArray16));
 }
 
 Test OfInterval(Number first, Number last, bool negated = false) {
@@ -112,7 +78,7 @@ Test TestFlags(Test::Kind kind, Number bits) {
   return bits.high == 0 ? Test{kind, false, {bits, bits}, {}} : Test{};
 }
 
-Test DecodeNumber(FWP_MATCH_TYPE match, const FWP_CONDITION_VALUE0& value) {
+Test DecodeNumber(FWP_MATCH_TYPE match, const Value& value) {
   const std::optional<Number> number = NumberOf(value);
   if (!number) {
     return {};
@@ -129,9 +95,9 @@ Test DecodeNumber(FWP_MATCH_TYPE match, const FWP_CONDITION_VALUE0& value) {
   }
 }
 
-Test DecodeBytes(FWP_MATCH_TYPE match, const FWP_CONDITION_VALUE0& value) {
-  const std::optional<std::string> bytes = BytesOf(value);
-  if (!bytes) {
+Test DecodeBytes(FWP_MATCH_TYPE match, const Value& value) {
+  const auto* bytes = std::get_if<std::string>(&value.data);
+  if (bytes == nullptr) {
     return {};
   }
   // A string in UTF-16.
@@ -166,46 +132,41 @@ Test DecodeNetwork(FWP_MATCH_TYPE match, const FWP_V6_ADDR_AND_MASK& network) {
              : DecodeNetwork(match, NetworkOf(FromBytes(network.addr), 128U - network.prefixLength));
 }
 
-Test DecodeRange(FWP_MATCH_TYPE match, const FWP_RANGE0& range) {
-  const std::optional<Number> low = NumberOf(range.valueLow);
-  const std::optional<Number> high = NumberOf(range.valueHigh);
-  const bool isRange = match == FWP_MATCH_RANGE && range.valueLow.type == range.valueHigh.type;
+Test DecodeRange(FWP_MATCH_TYPE match, const std::vector<Value>& ends) {
+  const std::optional<Number> low = NumberOf(ends.front());
+  const std::optional<Number> high = NumberOf(ends.back());
+  const bool isRange = match == FWP_MATCH_RANGE && ends.front().type == ends.back().type;
   return isRange && low && high && *low <= *high ? OfInterval(*low, *high) : Test{};
 }
 
-template <class Pointee, class Decode>
-Test DecodePointee(const Pointee* pointee, Decode decode) {
-  return pointee == nullptr ? Test{} : decode(*pointee);
-}
-
-Test DecodeTest(FWP_MATCH_TYPE match, const FWP_CONDITION_VALUE0& value) {
-  const auto network = [match](const auto& pointee) { return DecodeNetwork(match, pointee); };
-  switch (value.type) {
-    case FWP_EMPTY:
-      return match == FWP_MATCH_EQUAL ? Test{Test::Kind::Unset, false, {}, {}} : Test{};
-    case FWP_BYTE_BLOB_TYPE:
-    case FWP_SID:
-      return DecodeBytes(match, value);
-    case FWP_V4_ADDR_MASK:
-      return DecodePointee(value.v4AddrMask, network);
-    case FWP_V6_ADDR_MASK:
-      return DecodePointee(value.v6AddrMask, network);
-    case FWP_RANGE_TYPE:
-      return DecodePointee(value.rangeValue,
-                           [match](const FWP_RANGE0& range) { return DecodeRange(match, range); });
-    default:
-      return DecodeNumber(match, value);
+Test DecodeTest(FWP_MATCH_TYPE match, const Value& value) {
+  if (value.type == FWP_EMPTY) {
+    return match == FWP_MATCH_EQUAL ? Test{Test::Kind::Unset, false, {}, {}} : Test{};
   }
+  if (const auto* network = std::get_if<FWP_V4_ADDR_AND_MASK>(&value.data)) {
+    return DecodeNetwork(match, *network);
+  }
+  if (const auto* network = std::get_if<FWP_V6_ADDR_AND_MASK>(&value.data)) {
+    return DecodeNetwork(match, *network);
+  }
+  if (const auto* ends = std::get_if<std::vector<Value>>(&value.data)) {
+    return DecodeRange(match, *ends);
+  }
+  const bool isBytes = value.type == FWP_BYTE_BLOB_TYPE || value.type == FWP_SID;
+  return isBytes ? DecodeBytes(match, value) : DecodeNumber(match, value);
 }
 
 /// Whether a field takes a condition's type, by the rules of the documentation.
-bool Takes(const Catalog::LayerField& field, const FWP_CONDITION_VALUE0& value) {
-  const bool isRange = value.type == FWP_RANGE_TYPE;
-  if (value.type == FWP_EMPTY || (isRange && value.rangeValue == nullptr)) {
-    return value.type == FWP_EMPTY;
+bool Takes(const Catalog::LayerField& field, const Value& value) {
+  if (value.type == FWP_EMPTY) {
+    return true;
   }
   const auto [type, alternative] = Catalog::TypesOf(field);
-  return isRange ? value.rangeValue->valueLow.type == type : value.type == type || value.type == alternative;
+  if (value.type == FWP_RANGE_TYPE) {
+    const auto* ends = std::get_if<std::vector<Value>>(&value.data);
+    return ends != nullptr && ends->front().type == type;
+  }
+  return value.type == type || value.type == alternative;
 }
 
 /// Whether the sizes of its blobs are plausible, so that its data can be read.
@@ -231,7 +192,7 @@ bool CanBeShown(const FWP_CONDITION_VALUE0& value) {
 }
 
 Condition UnreadableCondition(std::string text) {
-  return {GUID{}, nullptr, FWP_MATCH_EQUAL, FWP_EMPTY, Test{}, std::move(text)};
+  return {GUID{}, nullptr, FWP_MATCH_EQUAL, Value{}, Test{}, std::move(text)};
 }
 
 std::vector<Condition> DecodeConditions(const FWPM_FILTER0& filter, const Catalog::Layer* layer) {
@@ -249,12 +210,13 @@ std::vector<Condition> DecodeConditions(const FWPM_FILTER0& filter, const Catalo
 }
 
 UINT64 ReportedWeight(const FWPM_FILTER0& filter) {
-  const auto number = NumberOf(filter.effectiveWeight);
-  if (filter.effectiveWeight.type == FWP_UINT64 && number) {
-    return number->low;
+  if (filter.effectiveWeight.type == FWP_UINT64 && filter.effectiveWeight.uint64 != nullptr) {
+    return *filter.effectiveWeight.uint64;
   }
   return filter.weight.type == FWP_UINT8 ? UINT64{filter.weight.uint8} << FWPM_AUTO_WEIGHT_BITS : 0;
 }
+
+std::optional<GUID> Optional(const GUID* key) { return key == nullptr ? std::nullopt : std::optional(*key); }
 
 }  // namespace
 
@@ -262,32 +224,46 @@ Condition Decode(const FWPM_FILTER_CONDITION0& condition, const Catalog::Layer* 
   const Catalog::Field* field = Catalog::FindField(condition.fieldKey);
   const Catalog::LayerField* fieldAt =
       layer != nullptr && field != nullptr ? Catalog::FieldAt(*layer, *field) : nullptr;
-  const bool fits = fieldAt != nullptr && Takes(*fieldAt, condition.conditionValue);
+  Value value = ToValue(condition.conditionValue);
+  const bool fits = fieldAt != nullptr && Takes(*fieldAt, value);
+  const Test test = fits ? DecodeTest(condition.matchType, value) : Test{};
   return {condition.fieldKey,
           field,
           condition.matchType,
-          condition.conditionValue.type,
-          fits ? DecodeTest(condition.matchType, condition.conditionValue) : Test{},
+          std::move(value),
+          test,
           CanBeShown(condition.conditionValue) ? Catalog::DescribeCondition(condition)
                                                : Catalog::FieldName(condition.fieldKey) + " unreadable"};
 }
 
 Filter Decode(const FWPM_FILTER0& filter) {
+  const bool hasCallout = (filter.action.type & FWP_ACTION_FLAG_CALLOUT) != 0;
   return {filter.filterId,
           filter.filterKey,
-          Text(filter.displayData.name),
-          filter.providerKey == nullptr ? std::nullopt : std::optional(*filter.providerKey),
+          ToText(filter.displayData.name),
+          Optional(filter.providerKey),
           filter.layerKey,
           filter.subLayerKey,
           filter.action.type,
+          Optional(hasCallout ? &filter.action.calloutKey : nullptr),
           filter.flags,
+          ToValue(filter.weight),
           ReportedWeight(filter),
           filter.weight.type != FWP_UINT64,
           DecodeConditions(filter, Catalog::FindLayer(filter.layerKey))};
 }
 
 Sublayer Decode(const FWPM_SUBLAYER0& sublayer) {
-  return {sublayer.subLayerKey, Text(sublayer.displayData.name), sublayer.weight};
+  return {sublayer.subLayerKey,
+          ToText(sublayer.displayData.name),
+          sublayer.weight,
+          true,
+          ToText(sublayer.displayData.description),
+          Optional(sublayer.providerKey)};
+}
+
+Provider Decode(const FWPM_PROVIDER0& provider) {
+  return {provider.providerKey, ToText(provider.displayData.name), ToText(provider.displayData.description)};
 }
 
 }  // namespace Policy

@@ -15,6 +15,9 @@ struct EngineCalls {
   decltype(&::FwpmEngineClose0) FwpmEngineClose0;
   decltype(&::FwpmTransactionBegin0) FwpmTransactionBegin0;
   decltype(&::FwpmTransactionAbort0) FwpmTransactionAbort0;
+  decltype(&::FwpmProviderCreateEnumHandle0) FwpmProviderCreateEnumHandle0;
+  decltype(&::FwpmProviderEnum0) FwpmProviderEnum0;
+  decltype(&::FwpmProviderDestroyEnumHandle0) FwpmProviderDestroyEnumHandle0;
   decltype(&::FwpmSubLayerCreateEnumHandle0) FwpmSubLayerCreateEnumHandle0;
   decltype(&::FwpmSubLayerEnum0) FwpmSubLayerEnum0;
   decltype(&::FwpmSubLayerDestroyEnumHandle0) FwpmSubLayerDestroyEnumHandle0;
@@ -30,6 +33,9 @@ inline EngineCalls LinkedEngine() {
           &::FwpmEngineClose0,
           &::FwpmTransactionBegin0,
           &::FwpmTransactionAbort0,
+          &::FwpmProviderCreateEnumHandle0,
+          &::FwpmProviderEnum0,
+          &::FwpmProviderDestroyEnumHandle0,
           &::FwpmSubLayerCreateEnumHandle0,
           &::FwpmSubLayerEnum0,
           &::FwpmSubLayerDestroyEnumHandle0,

@@ -26,7 +26,7 @@ constexpr UINT32 kKnownFlags = [] {
 }();
 
 bool IsNetwork(const Condition& condition) {
-  return condition.type == FWP_V4_ADDR_MASK || condition.type == FWP_V6_ADDR_MASK;
+  return condition.value.type == FWP_V4_ADDR_MASK || condition.value.type == FWP_V6_ADDR_MASK;
 }
 
 bool IsVerdict(const Filter& filter) {
@@ -39,23 +39,23 @@ std::string Refusal(const Filter& filter, const Condition& condition) {
   if (layer == nullptr || condition.field == nullptr) {
     return {};
   }
-  const bool takesAny = condition.type == FWP_EMPTY || condition.type == FWP_RANGE_TYPE;
+  const bool takesAny = condition.value.type == FWP_EMPTY || condition.value.type == FWP_RANGE_TYPE;
   const bool isNegated = condition.match == FWP_MATCH_NOT_EQUAL;
   const Catalog::LayerField* field = Catalog::FieldAt(*layer, *condition.field);
   if (field == nullptr) {
     return "tests a field that the layer does not have";
   }
   const auto [type, alternative] = Catalog::TypesOf(*field);
-  if (!takesAny && condition.type != type && condition.type != alternative) {
+  if (!takesAny && condition.value.type != type && condition.value.type != alternative) {
     return "has a value of a type that the field does not take";
   }
   if (IsNetwork(condition) && condition.match != FWP_MATCH_EQUAL) {
     return "compares a network, which is documented for EQUAL only";
   }
-  if (condition.type == FWP_V4_ADDR_MASK && condition.test.kind == Test::Kind::Unreadable) {
+  if (condition.value.type == FWP_V4_ADDR_MASK && condition.test.kind == Test::Kind::Unreadable) {
     return "has a network mask with holes";
   }
-  return isNegated && condition.type == FWP_SECURITY_DESCRIPTOR_TYPE
+  return isNegated && condition.value.type == FWP_SECURITY_DESCRIPTOR_TYPE
              ? "negates a security descriptor, which has no order"
              : "";
 }

@@ -35,6 +35,12 @@ class ReadingSession {
     transaction_ = {session_.get(), engine.FwpmTransactionAbort0};
   }
 
+  std::vector<Provider> Providers() const {
+    return ReadAll<FWPM_PROVIDER0, Provider>(
+        Named{engine_.FwpmProviderCreateEnumHandle0, "FwpmProviderCreateEnumHandle0"},
+        Named{engine_.FwpmProviderEnum0, "FwpmProviderEnum0"}, engine_.FwpmProviderDestroyEnumHandle0);
+  }
+
   std::vector<Sublayer> Sublayers() const {
     return ReadAll<FWPM_SUBLAYER0, Sublayer>(
         Named{engine_.FwpmSubLayerCreateEnumHandle0, "FwpmSubLayerCreateEnumHandle0"},
@@ -102,13 +108,19 @@ SnapshotError::SnapshotError(DWORD code, const std::string& function)
 
 Snapshot ReadEngine(const EngineCalls& engine) {
   const ReadingSession session(engine);
+  std::vector<Provider> providers = session.Providers();
   std::vector<Sublayer> sublayers = session.Sublayers();
-  return MakeSnapshot(std::move(sublayers), session.Filters());
+  Snapshot snapshot = MakeSnapshot(std::move(sublayers), session.Filters());
+  snapshot.providers = std::move(providers);
+  return snapshot;
 }
 
 Snapshot MakeSnapshot(std::vector<Sublayer> sublayers, std::vector<Filter> filters) {
-  Snapshot snapshot{std::move(sublayers), std::move(filters)};
+  Snapshot snapshot{std::move(sublayers), std::move(filters), {}};
   AddUnlisted(snapshot);
+  for (std::size_t i = 0; i < snapshot.sublayers.size(); ++i) {
+    snapshot.sublayers[i].place = i;
+  }
   std::ranges::sort(snapshot.filters, {}, &Filter::id);
   std::ranges::sort(snapshot.sublayers, [](const Sublayer& left, const Sublayer& right) {
     return left.weight != right.weight ? left.weight > right.weight : Catalog::Precedes(left.key, right.key);

@@ -1,6 +1,6 @@
 /**
  * @file
- * The sublayers and filters of a filtering engine, decoded.
+ * The providers, sublayers and filters of a filtering engine, decoded.
  */
 #pragma once
 
@@ -15,6 +15,7 @@
 #include "catalog/Layers.h"
 #include "policy/EngineCalls.h"
 #include "policy/Test.h"
+#include "policy/Value.h"
 
 namespace Policy {
 
@@ -23,9 +24,15 @@ struct Condition {
   GUID fieldKey;
   const Catalog::Field* field;  ///< null if the catalogue has none of that key
   FWP_MATCH_TYPE match;
-  FWP_DATA_TYPE type;  ///< of the value
+  Value value;
   Test test;
   std::string text;  ///< "IP_REMOTE_PORT NOT_EQUAL UINT16 53"
+};
+
+struct Provider {
+  GUID key;
+  std::string name;
+  std::string description;
 };
 
 struct Sublayer {
@@ -33,6 +40,9 @@ struct Sublayer {
   std::string name;
   UINT16 weight;
   bool listed = true;  ///< false: filters name it, but the engine does not show it; its weight is a guess
+  std::string description{};
+  std::optional<GUID> providerKey{};
+  std::size_t place = 0;  ///< among all, in the order in which the engine gave them
 };
 
 struct Filter {
@@ -43,9 +53,11 @@ struct Filter {
   GUID layerKey;
   GUID sublayerKey;
   FWP_ACTION_TYPE action;
-  UINT32 flags;            ///< FWPM_FILTER_FLAG_*
-  UINT64 effectiveWeight;  ///< as the engine reports it
-  bool automaticWeight;    ///< the engine chose the weight's low 60 bits
+  std::optional<GUID> calloutKey;  ///< of an action that is one
+  UINT32 flags;                    ///< FWPM_FILTER_FLAG_*
+  Value weight;                    ///< as it was asked for; EMPTY if it was left to the engine
+  UINT64 effectiveWeight;          ///< as the engine reports it
+  bool automaticWeight;            ///< the engine chose the weight's low 60 bits
   std::vector<Condition> conditions;
 
   /// Whether static filters of lower sublayers cannot change what this one decides.
@@ -60,6 +72,7 @@ std::string Describe(const Filter& filter);
 struct Snapshot {
   std::vector<Sublayer> sublayers;
   std::vector<Filter> filters;
+  std::vector<Provider> providers;  ///< in the engine's order
 };
 
 /// Sorts what was found, and adds sublayers that filters name, but that were not found, as not listed.
@@ -87,5 +100,6 @@ Condition Decode(const FWPM_FILTER_CONDITION0& condition, const Catalog::Layer* 
 /// A filter; its texts and conditions as above.
 Filter Decode(const FWPM_FILTER0& filter);
 Sublayer Decode(const FWPM_SUBLAYER0& sublayer);
+Provider Decode(const FWPM_PROVIDER0& provider);
 
 }  // namespace Policy

@@ -14,9 +14,6 @@ Function FindInEngine(const char* function) {
   return FindFunction<Function>(GetModuleHandleW(L"fwpuclnt.dll"), function);
 }
 
-/// @throws Failure with the code, unless it is that of success.
-void CheckEngine(DWORD result, const char* function);
-
 struct FreeEngineMemory {
   decltype(&::FwpmFreeMemory0) free;
   void operator()(void* memory) const { free(&memory); }
@@ -27,7 +24,3 @@ template <typename Memory>
 std::unique_ptr<Memory, FreeEngineMemory> Own(Memory* memory) {
   return {memory, FreeEngineMemory{FindInEngine<decltype(&::FwpmFreeMemory0)>("FwpmFreeMemory0")}};
 }
-
-/// A session that does not take what it added with it when it closes.
-using EngineHandle = std::unique_ptr<void, decltype(&::FwpmEngineClose0)>;
-EngineHandle OpenEngine();

@@ -3,15 +3,35 @@
 #include <WfpPlatform.h>
 
 #include "EngineClient.h"
+#include "Failure.h"
 #include "catalog/Keys.h"
 #include "emulator/ControlExports.h"
 
 namespace {
 
+/// @throws Failure with the code, unless it is that of success.
+void Check(DWORD result, const char* function) {
+  if (result != ERROR_SUCCESS) {
+    throw Failure(result, std::string(function) + " failed");
+  }
+}
+
+using EngineHandle = std::unique_ptr<void, decltype(&::FwpmEngineClose0)>;
+
+/// A session whose filters stay when it closes.
+EngineHandle OpenEngine() {
+  EngineHandle session(nullptr, FindInEngine<decltype(&::FwpmEngineClose0)>("FwpmEngineClose0"));
+  HANDLE opened = nullptr;
+  const auto open = FindInEngine<decltype(&::FwpmEngineOpen0)>("FwpmEngineOpen0");
+  Check(open(nullptr, RPC_C_AUTHN_WINNT, nullptr, nullptr, &opened), "FwpmEngineOpen0");
+  session.reset(opened);
+  return session;
+}
+
 auto IdentifierOf(const std::wstring& app) {
   FWP_BYTE_BLOB* identifier = nullptr;
   const auto get = FindInEngine<decltype(&::FwpmGetAppIdFromFileName0)>("FwpmGetAppIdFromFileName0");
-  CheckEngine(get(app.c_str(), &identifier), "FwpmGetAppIdFromFileName0");
+  Check(get(app.c_str(), &identifier), "FwpmGetAppIdFromFileName0");
   return Own(identifier);
 }
 
@@ -28,7 +48,7 @@ void AddBlock(HANDLE engine, const GUID& layer, FWP_BYTE_BLOB* identifier) {
   filter.numFilterConditions = 1;
   filter.filterCondition = &condition;
   const auto add = FindInEngine<decltype(&::FwpmFilterAdd0)>("FwpmFilterAdd0");
-  CheckEngine(add(engine, &filter, nullptr, nullptr), "FwpmFilterAdd0");
+  Check(add(engine, &filter, nullptr, nullptr), "FwpmFilterAdd0");
 }
 
 }  // namespace

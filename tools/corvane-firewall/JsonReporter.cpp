@@ -5,51 +5,62 @@
 #include <iterator>
 
 #include "PolicyJson.h"
+#include "ValueJson.h"
+#include "catalog/Names.h"
 
 namespace {
 
 const char* EngineName(Engine engine) { return engine == Engine::System ? "system" : "emulated"; }
 
-Json KeyOrNull(const std::optional<std::string>& key) { return key ? Json(*key) : Json(nullptr); }
+Json KeyOrNull(const std::optional<GUID>& key) {
+  return key ? Json(Catalog::FormatGuid(*key)) : Json(nullptr);
+}
 
-template <class Listed, class Convert>
-Json ToArray(const std::vector<Listed>& all, Convert convert) {
+template <class Shown, class Convert>
+Json ToArray(const std::vector<Shown>& all, Convert convert) {
   Json json = Json::array();
   std::ranges::transform(all, std::back_inserter(json), convert);
   return json;
 }
 
-Json ValueToJson(const ListedValue& value) { return {{"type", value.type}, {"value", value.value}}; }
-
-Json ConditionToJson(const ListedCondition& condition) {
-  return {{"field", condition.field},     {"fieldKey", condition.fieldKey}, {"match", condition.match},
-          {"type", condition.value.type}, {"value", condition.value.value}, {"text", condition.text}};
+Json ConditionToJson(const Policy::Condition& condition) {
+  return {{"field", Catalog::FieldName(condition.fieldKey)},
+          {"fieldKey", Catalog::FormatGuid(condition.fieldKey)},
+          {"match", Catalog::MatchName(condition.match)},
+          {"type", Catalog::DataTypeName(condition.value.type)},
+          {"value", ToJson(condition.value)},
+          {"text", condition.text}};
 }
 
-Json FilterToJson(const ListedFilter& filter) {
-  return {{"id", filter.id},
-          {"key", filter.key},
-          {"name", filter.name},
-          {"provider", KeyOrNull(filter.provider)},
-          {"layer", filter.layer},
-          {"layerKey", filter.layerKey},
-          {"sublayer", filter.sublayer},
-          {"action", filter.action},
-          {"callout", KeyOrNull(filter.callout)},
-          {"flags", filter.flags},
-          {"override", (filter.flags & FWPM_FILTER_FLAG_CLEAR_ACTION_RIGHT) != 0},
-          {"weight", ValueToJson(filter.weight)},
-          {"effectiveWeight", ValueToJson(filter.effectiveWeight)},
-          {"conditions", ToArray(filter.conditions, ConditionToJson)}};
+Json WeightToJson(const Policy::Value& weight) {
+  return {{"type", Catalog::DataTypeName(weight.type)}, {"value", ToJson(weight)}};
 }
 
-Json SublayerToJson(const ListedSublayer& sublayer) {
-  return {{"key", sublayer.key},
-          {"name", sublayer.name},
+Json FilterToJson(const Policy::Filter* filter) {
+  return {{"id", filter->id},
+          {"key", Catalog::FormatGuid(filter->key)},
+          {"name", filter->name},
+          {"provider", KeyOrNull(filter->providerKey)},
+          {"layer", Catalog::LayerName(filter->layerKey)},
+          {"layerKey", Catalog::FormatGuid(filter->layerKey)},
+          {"sublayer", Catalog::FormatGuid(filter->sublayerKey)},
+          {"action", Catalog::ActionName(filter->action)},
+          {"callout", KeyOrNull(filter->calloutKey)},
+          {"flags", filter->flags},
+          {"override", (filter->flags & FWPM_FILTER_FLAG_CLEAR_ACTION_RIGHT) != 0},
+          {"weight", WeightToJson(filter->weight)},
+          {"effectiveWeight", WeightToJson({FWP_UINT64, filter->effectiveWeight})},
+          {"conditions", ToArray(filter->conditions, ConditionToJson)}};
+}
+
+Json SublayerToJson(const SublayerContents& contents) {
+  const Policy::Sublayer& sublayer = *contents.sublayer;
+  return {{"key", Catalog::FormatGuid(sublayer.key)},
+          {"name", sublayer.listed ? sublayer.name : ""},
           {"description", sublayer.description},
-          {"provider", KeyOrNull(sublayer.provider)},
-          {"weight", sublayer.weight ? Json(*sublayer.weight) : Json(nullptr)},
-          {"filters", ToArray(sublayer.filters, FilterToJson)}};
+          {"provider", KeyOrNull(sublayer.providerKey)},
+          {"weight", sublayer.listed ? Json(sublayer.weight) : Json(nullptr)},
+          {"filters", ToArray(contents.filters, FilterToJson)}};
 }
 
 }  // namespace
@@ -84,15 +95,15 @@ void JsonReporter::ShowAdapters(const std::vector<ListedAdapter>& adapters) {
   }
 }
 
-void JsonReporter::ShowListing(const Listing& listing) {
+void JsonReporter::ShowContents(const Contents& contents) {
   Json& step = Step();
   step["provider"] = nullptr;
-  if (listing.provider) {
-    const ListedProvider& provider = *listing.provider;
-    step["provider"] = {
-        {"key", provider.key}, {"name", provider.name}, {"description", provider.description}};
+  if (const Policy::Provider* provider = contents.provider) {
+    step["provider"] = {{"key", Catalog::FormatGuid(provider->key)},
+                        {"name", provider->name},
+                        {"description", provider->description}};
   }
-  step["sublayers"] = ToArray(listing.sublayers, SublayerToJson);
+  step["sublayers"] = ToArray(contents.sublayers, SublayerToJson);
 }
 
 void JsonReporter::ShowExplanation(const Policy::Explanation& explanation, const Policy::Labels& labels) {

@@ -13,7 +13,7 @@ class JsonReporter : public Reporter {
   void Log(const std::string& line) override;
   void ShowStatus(const Status& status) override;
   void ShowAdapters(const std::vector<ListedAdapter>& adapters) override;
-  void ShowListing(const Listing& listing) override;
+  void ShowContents(const Contents& contents) override;
   void ShowExplanation(const Policy::Explanation& explanation, const Policy::Labels& labels) override;
   void ShowMap(const Policy::Map& map, const Policy::Labels& labels) override;
   void ShowPromises(const std::vector<Promises::PromiseResult>& promises,

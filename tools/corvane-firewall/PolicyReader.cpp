@@ -27,6 +27,9 @@ Policy::EngineCalls FindEngineCalls() {
   Find(calls.FwpmEngineClose0, "FwpmEngineClose0");
   Find(calls.FwpmTransactionBegin0, "FwpmTransactionBegin0");
   Find(calls.FwpmTransactionAbort0, "FwpmTransactionAbort0");
+  Find(calls.FwpmProviderCreateEnumHandle0, "FwpmProviderCreateEnumHandle0");
+  Find(calls.FwpmProviderEnum0, "FwpmProviderEnum0");
+  Find(calls.FwpmProviderDestroyEnumHandle0, "FwpmProviderDestroyEnumHandle0");
   Find(calls.FwpmSubLayerCreateEnumHandle0, "FwpmSubLayerCreateEnumHandle0");
   Find(calls.FwpmSubLayerEnum0, "FwpmSubLayerEnum0");
   Find(calls.FwpmSubLayerDestroyEnumHandle0, "FwpmSubLayerDestroyEnumHandle0");

@@ -6,8 +6,8 @@
 #include "policy/Connection.h"
 #include "policy/Snapshot.h"
 
-/// Reads all filters that this user may see from the engine that this process is bound to, the system's or
-/// the emulated one. Changes nothing.
+/// Reads all providers, sublayers and filters that this user may see from the engine that this process is
+/// bound to, the system's or the emulated one. Changes nothing.
 /// @throws Failure with the engine's code, or when the engine's client library lacks a function.
 Policy::Snapshot ReadPolicy();
 

@@ -4,8 +4,8 @@
 #include <string>
 #include <vector>
 
+#include "Contents.h"
 #include "Failure.h"
-#include "Listing.h"
 #include "policy/Lint.h"
 #include "policy/Map.h"
 #include "promises/Proof.h"
@@ -36,7 +36,7 @@ class Reporter {
   virtual void Log(const std::string& line) = 0;
   virtual void ShowStatus(const Status& status) = 0;
   virtual void ShowAdapters(const std::vector<ListedAdapter>& adapters) = 0;
-  virtual void ShowListing(const Listing& listing) = 0;
+  virtual void ShowContents(const Contents& contents) = 0;
   virtual void ShowExplanation(const Policy::Explanation& explanation, const Policy::Labels& labels) = 0;
   virtual void ShowMap(const Policy::Map& map, const Policy::Labels& labels) = 0;
   virtual void ShowPromises(const std::vector<Promises::PromiseResult>& promises,

@@ -3,7 +3,7 @@
 #include <algorithm>
 #include <iterator>
 
-#include "EngineReader.h"
+#include "PolicyReader.h"
 #include "PolicySteps.h"
 #include "Text.h"
 #include "helpers/NetworkInfo.h"
@@ -118,7 +118,8 @@ void AdaptersStep(const StepContext& context, const StepOptions&) {
 }
 
 void ListStep(const StepContext& context, const StepOptions& options) {
-  context.reporter.ShowListing(ReadEngine(options.all.empty() ? Owners::Ours : Owners::All));
+  const Policy::Snapshot snapshot = ReadPolicy();
+  context.reporter.ShowContents(ContentsOf(snapshot, options.all.empty() ? Owners::Ours : Owners::All));
 }
 
 constexpr StepOption kDisableInternetOptions[]{

@@ -5,30 +5,33 @@
 #include <sstream>
 
 #include "Identities.h"
+#include "ValueJson.h"
 #include "catalog/Names.h"
 
 namespace {
 
 const char* OnOrOff(bool on) { return on ? "on" : "off"; }
 
-std::string Heading(const std::string& kind, const std::string& name, const std::string& key) {
-  return "  " + kind + " \"" + name + "\" {" + key + "}";
+std::string Heading(const std::string& kind, const std::string& name, const GUID& key) {
+  return "  " + kind + " \"" + name + "\" {" + Catalog::FormatGuid(key) + "}";
 }
 
 /// "UINT8 14", "EMPTY"
-std::string Text(const ListedValue& value) {
-  if (value.value.is_null()) {
-    return value.type;
+std::string Text(const Policy::Value& value) {
+  std::string type = Catalog::DataTypeName(value.type);
+  const Json data = ToJson(value);
+  if (data.is_null()) {
+    return type;
   }
-  return value.type + ' ' + (value.value.is_string() ? value.value.get<std::string>() : value.value.dump());
+  return type + ' ' + (data.is_string() ? data.get<std::string>() : data.dump());
 }
 
-/// @param ours the key of our provider; filters of all others name theirs.
-std::string Line(const ListedFilter& filter, const std::string& ours) {
-  std::string line = "filter " + std::to_string(filter.id) + " \"" + filter.name + "\" at " + filter.layer +
-                     ": " + filter.action;
+/// Filters of our provider do not name it.
+std::string Line(const Policy::Filter& filter) {
+  std::string line = Policy::Describe(filter) + " at " + Catalog::LayerName(filter.layerKey) + ": " +
+                     Catalog::ActionName(filter.action);
   const char* separator = " when ";
-  for (const ListedCondition& condition : filter.conditions) {
+  for (const Policy::Condition& condition : filter.conditions) {
     line += separator + condition.text;
     separator = " and ";
   }
@@ -42,8 +45,10 @@ std::string Line(const ListedFilter& filter, const std::string& ours) {
   if (const UINT32 others = filter.flags & ~UINT32{FWPM_FILTER_FLAG_CLEAR_ACTION_RIGHT}; others != 0) {
     line += "; flags " + Catalog::FilterFlagNames(others);
   }
-  if (filter.provider != ours) {
-    line += filter.provider ? "; provider {" + *filter.provider + "}" : "; no provider";
+  if (!filter.providerKey) {
+    line += "; no provider";
+  } else if (*filter.providerKey != kProvider.key) {
+    line += "; provider {" + Catalog::FormatGuid(*filter.providerKey) + "}";
   }
   return line;
 }
@@ -93,23 +98,22 @@ void TextReporter::ShowAdapters(const std::vector<ListedAdapter>& adapters) {
   }
 }
 
-void TextReporter::ShowListing(const Listing& listing) {
-  if (listing.provider) {
-    const ListedProvider& provider = *listing.provider;
-    std::cout << Heading("provider", provider.name, provider.key) << ": " << provider.description << "\n";
+void TextReporter::ShowContents(const Contents& contents) {
+  if (const Policy::Provider* provider = contents.provider) {
+    std::cout << Heading("provider", provider->name, provider->key) << ": " << provider->description << "\n";
   } else {
     std::cout << "  no provider of this tool\n";
   }
-  const std::string ours = Catalog::FormatGuid(kProvider.key);
-  if (listing.sublayers.empty()) {
+  if (contents.sublayers.empty()) {
     std::cout << "  no sublayers, no filters\n";
   }
-  for (const ListedSublayer& sublayer : listing.sublayers) {
-    std::cout << Heading("sublayer", sublayer.name, sublayer.key) << ": " << sublayer.description
-              << "; weight " << (sublayer.weight ? std::to_string(*sublayer.weight) : "unknown")
-              << "; filters " << sublayer.filters.size() << "\n";
-    for (const ListedFilter& filter : sublayer.filters) {
-      std::cout << "    " << Line(filter, ours) << "\n";
+  for (const auto& [sublayer, filters] : contents.sublayers) {
+    std::cout << Heading("sublayer", sublayer->listed ? sublayer->name : "", sublayer->key) << ": "
+              << sublayer->description << "; weight "
+              << (sublayer->listed ? std::to_string(sublayer->weight) : "unknown") << "; filters "
+              << filters.size() << "\n";
+    for (const Policy::Filter* filter : filters) {
+      std::cout << "    " << Line(*filter) << "\n";
     }
   }
 }

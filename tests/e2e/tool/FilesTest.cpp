@@ -91,7 +91,7 @@ TEST(Files, EngineWithoutItsFunctionsIsAMessage) {
   const ToolRun run = RunTool({L"--engine", L"emulated", L"list"}, folder.Path());
   EXPECT_EQ(run.exitCode, 1u);
   EXPECT_THAT(run.errors, AllOf(testing::StartsWith("list failed: "),
-                                HasSubstr("fwpuclnt.dll lacks the function FwpmEngineClose0")));
+                                HasSubstr("fwpuclnt.dll lacks the function FwpmEngineOpen0")));
 }
 
 class SystemWithoutEngine : public testing::TestWithParam<const wchar_t*> {};

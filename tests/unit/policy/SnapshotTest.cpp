@@ -37,7 +37,10 @@ TEST_F(SnapshotTest, HoldsWhatAFilterIs) {
   EXPECT_EQ(filter.layerKey, "c38d57d1-05a7-4c33-904f-7fbceee60e82"_guid);
   EXPECT_EQ(filter.sublayerKey, (GUID{0x5ab1a7e6, 0, 1, {}}));
   EXPECT_EQ(filter.action, 0x1002U);
+  EXPECT_EQ(filter.calloutKey, std::nullopt);
   EXPECT_EQ(filter.flags, 8U);
+  EXPECT_EQ(filter.weight.type, FWP_UINT8);
+  EXPECT_EQ(std::get<UINT64>(filter.weight.data), 14U);
   EXPECT_EQ(filter.effectiveWeight >> 60, 14U);
   EXPECT_TRUE(filter.automaticWeight);
   EXPECT_TRUE(filter.IsHard());
@@ -50,6 +53,62 @@ TEST_F(SnapshotTest, AWeightOf64BitsIsNoneOfTheEnginesChoosing) {
   const Snapshot snapshot = Read();
   EXPECT_EQ(snapshot.filters.front().effectiveWeight, 99U);
   EXPECT_FALSE(snapshot.filters.front().automaticWeight);
+}
+
+TEST_F(SnapshotTest, HoldsTheKeysOfAFiltersProviderAndCallout) {
+  GUID provider{1, 2, 3, {4}};
+  FWPM_FILTER0 record{};
+  record.filterId = 4294967296;
+  record.filterKey = {0xa0000000, 0, 0, {}};
+  record.providerKey = &provider;
+  record.action.type = FWP_ACTION_CALLOUT_TERMINATING;
+  record.action.calloutKey = {0xb0000000, 0, 0, {}};
+  const Filter filter = Policy::Decode(record);
+  EXPECT_EQ(filter.id, 4294967296U);
+  EXPECT_EQ(filter.key, "a0000000-0000-0000-0000-000000000000"_guid);
+  EXPECT_EQ(filter.name, "");
+  EXPECT_EQ(filter.providerKey, "00000001-0002-0003-0400-000000000000"_guid);
+  EXPECT_EQ(filter.calloutKey, "b0000000-0000-0000-0000-000000000000"_guid);
+  EXPECT_EQ(filter.weight.type, FWP_EMPTY);
+  EXPECT_TRUE(filter.conditions.empty());
+}
+
+TEST_F(SnapshotTest, HoldsWhatProvidersAndSublayersAre) {
+  GUID key{1, 2, 3, {4}};
+  std::wstring name = L"Name";
+  std::wstring description = L"What it is for";
+  FWPM_PROVIDER0 record{};
+  record.providerKey = key;
+  record.displayData = {name.data(), description.data()};
+  const Policy::Provider provider = Policy::Decode(record);
+  EXPECT_EQ(provider.key, key);
+  EXPECT_EQ(provider.name, "Name");
+  EXPECT_EQ(provider.description, "What it is for");
+
+  FWPM_SUBLAYER0 sublayerRecord{};
+  sublayerRecord.providerKey = &key;
+  sublayerRecord.displayData.description = description.data();
+  const Policy::Sublayer sublayer = Policy::Decode(sublayerRecord);
+  EXPECT_EQ(sublayer.name, "");
+  EXPECT_EQ(sublayer.description, "What it is for");
+  EXPECT_EQ(sublayer.providerKey, key);
+}
+
+TEST_F(SnapshotTest, TakesAnEmptyTextForEmpty) {
+  std::wstring empty;
+  FWPM_PROVIDER0 record{};
+  record.displayData = {empty.data(), nullptr};
+  EXPECT_EQ(Policy::Decode(record).name, "");
+  EXPECT_EQ(Policy::Decode(record).description, "");
+}
+
+TEST_F(SnapshotTest, ReadsTheProvidersOfTheEngine) {
+  Promises::Features features;
+  features.dhcp = true;
+  Install(features);
+  std::vector<std::string> names;
+  for (const Policy::Provider& provider : Read().providers) names.push_back(provider.name);
+  EXPECT_THAT(names, testing::Contains("Corvane"));
 }
 
 TEST_F(SnapshotTest, SublayersDescendByWeight) {
@@ -84,16 +143,19 @@ TEST_F(SnapshotTest, ReadsInOneReadOnlyTransactionAndChangesNothing) {
   EngineEmulator::ClearJournal();
   Read();
   EXPECT_THAT(Calls(),
-              ElementsAre("FwpmEngineOpen0", "FwpmTransactionBegin0", "FwpmSubLayerCreateEnumHandle0",
-                          "FwpmSubLayerEnum0", "FwpmFreeMemory0", "FwpmSubLayerDestroyEnumHandle0",
-                          "FwpmFilterCreateEnumHandle0", "FwpmFilterEnum0", "FwpmFreeMemory0",
-                          "FwpmFilterDestroyEnumHandle0", "FwpmTransactionAbort0", "FwpmEngineClose0"));
+              ElementsAre("FwpmEngineOpen0", "FwpmTransactionBegin0", "FwpmProviderCreateEnumHandle0",
+                          "FwpmProviderEnum0", "FwpmFreeMemory0", "FwpmProviderDestroyEnumHandle0",
+                          "FwpmSubLayerCreateEnumHandle0", "FwpmSubLayerEnum0", "FwpmFreeMemory0",
+                          "FwpmSubLayerDestroyEnumHandle0", "FwpmFilterCreateEnumHandle0", "FwpmFilterEnum0",
+                          "FwpmFreeMemory0", "FwpmFilterDestroyEnumHandle0", "FwpmTransactionAbort0",
+                          "FwpmEngineClose0"));
   EXPECT_EQ(EngineEmulator::Journal().at(1).arguments, "flags 1");
 }
 
 TEST_F(SnapshotTest, EveryFailingCallIsReportedWithItsCode) {
-  for (const char* function : {"FwpmEngineOpen0", "FwpmTransactionBegin0", "FwpmSubLayerCreateEnumHandle0",
-                               "FwpmSubLayerEnum0", "FwpmFilterCreateEnumHandle0", "FwpmFilterEnum0"}) {
+  for (const char* function : {"FwpmEngineOpen0", "FwpmTransactionBegin0", "FwpmProviderCreateEnumHandle0",
+                               "FwpmProviderEnum0", "FwpmSubLayerCreateEnumHandle0", "FwpmSubLayerEnum0",
+                               "FwpmFilterCreateEnumHandle0", "FwpmFilterEnum0"}) {
     EngineEmulator::FailCall(function, 1, ERROR_ACCESS_DENIED);
     try {
       Read();

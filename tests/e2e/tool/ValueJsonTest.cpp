@@ -1,9 +1,6 @@
-#include "Listing.h"
+#include "ValueJson.h"
 
 #include <gmock/gmock.h>
-
-#include "Failure.h"
-#include "NativeJson.h"
 
 namespace {
 
@@ -13,7 +10,9 @@ FWP_CONDITION_VALUE0 Value(FWP_DATA_TYPE type) {
   return value;
 }
 
-TEST(NativeJson, NumbersUpTo32BitsAreNumbersAndLongerOnesTexts) {
+Json ToJson(const FWP_CONDITION_VALUE0& value) { return ::ToJson(Policy::ToValue(value)); }
+
+TEST(ValueJson, NumbersUpTo32BitsAreNumbersAndLongerOnesTexts) {
   FWP_CONDITION_VALUE0 byte = Value(FWP_UINT8);
   byte.uint8 = 255;
   EXPECT_EQ(ToJson(byte).dump(), "255");
@@ -36,7 +35,7 @@ TEST(NativeJson, NumbersUpTo32BitsAreNumbersAndLongerOnesTexts) {
   EXPECT_EQ(ToJson(small).dump(), "-1");
 }
 
-TEST(NativeJson, NetworksHaveTheirPartsAndAddressesAreTexts) {
+TEST(ValueJson, NetworksHaveTheirPartsAndAddressesAreTexts) {
   FWP_V4_ADDR_AND_MASK v4{0x0A000000, 0xFF000000};
   FWP_CONDITION_VALUE0 network = Value(FWP_V4_ADDR_MASK);
   network.v4AddrMask = &v4;
@@ -51,7 +50,7 @@ TEST(NativeJson, NetworksHaveTheirPartsAndAddressesAreTexts) {
   EXPECT_EQ(ToJson(address).dump(), R"("2001:db8::")");
 }
 
-TEST(NativeJson, BytesAreHexadecimalDigits) {
+TEST(ValueJson, BytesAreHexadecimalDigits) {
   UINT8 data[]{0x61, 0x00, 0xFF};
   FWP_BYTE_BLOB blob{3, data};
   FWP_CONDITION_VALUE0 value = Value(FWP_BYTE_BLOB_TYPE);
@@ -63,7 +62,7 @@ TEST(NativeJson, BytesAreHexadecimalDigits) {
   EXPECT_TRUE(ToJson(value).is_null());
 }
 
-TEST(NativeJson, ARangeHasTwoEndsWithTheirTypes) {
+TEST(ValueJson, ARangeHasTwoEndsWithTheirTypes) {
   FWP_RANGE0 range{};
   range.valueLow.type = FWP_UINT16;
   range.valueLow.uint16 = 1;
@@ -75,7 +74,7 @@ TEST(NativeJson, ARangeHasTwoEndsWithTheirTypes) {
             R"({"low":{"type":"UINT16","value":1},"high":{"type":"UINT16","value":1023}})");
 }
 
-TEST(NativeJson, WhatIsMissingIsNull) {
+TEST(ValueJson, WhatIsMissingIsNull) {
   for (const FWP_DATA_TYPE type :
        {FWP_EMPTY, FWP_UINT64, FWP_INT64, FWP_DOUBLE, FWP_BYTE_ARRAY16_TYPE, FWP_BYTE_BLOB_TYPE, FWP_SID,
         FWP_SECURITY_DESCRIPTOR_TYPE, FWP_TOKEN_INFORMATION_TYPE, FWP_TOKEN_ACCESS_INFORMATION_TYPE,
@@ -83,62 +82,6 @@ TEST(NativeJson, WhatIsMissingIsNull) {
         static_cast<FWP_DATA_TYPE>(99)}) {
     EXPECT_TRUE(ToJson(Value(type)).is_null()) << type;
   }
-}
-
-TEST(Listing, AFilterHasItsKeysFlagsAndCallout) {
-  GUID provider{1, 2, 3, {4}};
-  FWPM_FILTER0 filter{};
-  filter.filterId = 4294967296;
-  filter.filterKey = {0xa0000000, 0, 0, {}};
-  filter.providerKey = &provider;
-  filter.action.type = FWP_ACTION_CALLOUT_TERMINATING;
-  filter.action.calloutKey = {0xb0000000, 0, 0, {}};
-  filter.flags = 0x21;
-  const ListedFilter listed = List(filter);
-  EXPECT_EQ(listed.id, 4294967296u);
-  EXPECT_EQ(listed.key, "a0000000-0000-0000-0000-000000000000");
-  EXPECT_EQ(listed.name, "");
-  EXPECT_EQ(listed.provider, "00000001-0002-0003-0400-000000000000");
-  EXPECT_EQ(listed.action, "CALLOUT_TERMINATING");
-  EXPECT_EQ(listed.callout, "b0000000-0000-0000-0000-000000000000");
-  EXPECT_EQ(listed.flags, 0x21u);
-  EXPECT_TRUE(listed.conditions.empty());
-  filter.action.type = FWP_ACTION_PERMIT;
-  EXPECT_EQ(List(filter).callout, std::nullopt);
-}
-
-TEST(Listing, AFilterWithoutTheConditionsThatItCountsIsAFailure) {
-  FWPM_FILTER0 filter{};
-  filter.filterId = 7;
-  filter.numFilterConditions = 1;
-  try {
-    List(filter);
-    FAIL();
-  } catch (const Failure& failure) {
-    EXPECT_STREQ(failure.what(), "The engine gave filter 7 without its conditions");
-  }
-}
-
-ListedFilter FilterOf(std::uint64_t id, const char* sublayer) {
-  ListedFilter filter{};
-  filter.id = id;
-  filter.sublayer = sublayer;
-  return filter;
-}
-
-TEST(Listing, FiltersOfASublayerThatIsNotShownAreNotLost) {
-  const auto sublayers = Arrange({{"light", "", "", {}, 1, {}}, {"heavy", "", "", {}, 2, {}}},
-                                 {FilterOf(3, "hidden"), FilterOf(2, "light"), FilterOf(1, "hidden")});
-  ASSERT_EQ(sublayers.size(), 3u);
-  EXPECT_EQ(sublayers[0].key, "heavy");
-  EXPECT_TRUE(sublayers[0].filters.empty());
-  EXPECT_EQ(sublayers[1].key, "light");
-  EXPECT_EQ(sublayers[1].filters.size(), 1u);
-  EXPECT_EQ(sublayers[2].key, "hidden");
-  EXPECT_EQ(sublayers[2].weight, std::nullopt);
-  ASSERT_EQ(sublayers[2].filters.size(), 2u);
-  EXPECT_EQ(sublayers[2].filters[0].id, 1u);
-  EXPECT_EQ(sublayers[2].filters[1].id, 3u);
 }
 
 }  // namespace

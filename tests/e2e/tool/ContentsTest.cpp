@@ -1,4 +1,4 @@
-#include "EngineReader.h"
+#include "Contents.h"
 
 #include <WfpPlatform.h>
 #include <gmock/gmock.h>
@@ -6,10 +6,15 @@
 #include "Failure.h"
 #include "Identities.h"
 #include "LoadedModule.h"
+#include "PolicyReader.h"
 #include "ToolProcess.h"
+#include "ValueJson.h"
+#include "catalog/Guid.h"
 #include "emulator/ControlExports.h"
 
 namespace {
+
+using Catalog::operator""_guid;
 
 constexpr GUID kForeignProvider{0xf0000000, 0, 0, {0, 0, 0, 0, 0, 0, 0, 1}};
 constexpr GUID kForeignSublayer{0xf0000000, 0, 0, {0, 0, 0, 0, 0, 0, 0, 2}};
@@ -18,9 +23,9 @@ constexpr GUID kAleAuthConnectV4{
     0xc38d57d1, 0x05a7, 0x4c33, {0x90, 0x4f, 0x7f, 0xbc, 0xee, 0xe6, 0x0e, 0x82}};
 
 /// An emulated engine that this process is bound to, with a session that fills it.
-class EngineReader : public testing::Test {
+class ContentsOfEngine : public testing::Test {
  protected:
-  EngineReader() {
+  ContentsOfEngine() {
     Find<decltype(&::EngineEmulatorReset)>("EngineEmulatorReset")();
     const auto open = Find<decltype(&::FwpmEngineOpen0)>("FwpmEngineOpen0");
     FWPM_SESSION0 session{};
@@ -61,6 +66,11 @@ class EngineReader : public testing::Test {
     EXPECT_EQ(add(session_.get(), &filter, nullptr, nullptr), 0u);
   }
 
+  Contents Read(Owners owners) {
+    snapshot_ = ReadPolicy();
+    return ContentsOf(snapshot_, owners);
+  }
+
   void FailNext(const std::string& function, DWORD code) {
     Find<decltype(&::EngineEmulatorFailCall)>("EngineEmulatorFailCall")(function.c_str(), 1, code);
   }
@@ -90,60 +100,63 @@ class EngineReader : public testing::Test {
   std::unique_ptr<void, decltype(&::FwpmEngineClose0)> session_{
       nullptr, Find<decltype(&::FwpmEngineClose0)>("FwpmEngineClose0")};
   std::wstring name_ = L"name";
+  Policy::Snapshot snapshot_;
 };
 
-TEST_F(EngineReader, LeavesOutWhatOthersOwn) {
+TEST_F(ContentsOfEngine, LeavesOutWhatOthersOwn) {
   AddProvider(kForeignProvider);
   AddSublayer(kForeignSublayer, 9);
   AddSublayer(kDhcp.key, 1);
   AddFilter(&kForeignProvider, kForeignSublayer, {});
   AddFilter(&kForeignProvider, kDhcp.key, {});
   AddFilter(nullptr, kDhcp.key, {});
-  const Listing listing = ReadEngine(Owners::Ours);
-  EXPECT_FALSE(listing.provider.has_value());
-  ASSERT_EQ(listing.sublayers.size(), 1u);
-  EXPECT_EQ(listing.sublayers[0].key, "28c81cd0-d8bf-4ab0-9def-9a7bf71e4641");
-  EXPECT_TRUE(listing.sublayers[0].filters.empty());
+  const Contents contents = Read(Owners::Ours);
+  EXPECT_EQ(contents.provider, nullptr);
+  ASSERT_EQ(contents.sublayers.size(), 1u);
+  EXPECT_EQ(contents.sublayers[0].sublayer->key, "28c81cd0-d8bf-4ab0-9def-9a7bf71e4641"_guid);
+  EXPECT_TRUE(contents.sublayers[0].filters.empty());
 }
 
-TEST_F(EngineReader, FindsSublayersOfAnyKeyThatHoldOurFilters) {
+TEST_F(ContentsOfEngine, FindsSublayersOfAnyKeyThatHoldOurFilters) {
   AddProvider(kProvider.key);
   AddSublayer(kUnknownSublayer, 7);
   AddFilter(&kProvider.key, kUnknownSublayer, {});
-  const Listing listing = ReadEngine(Owners::Ours);
-  ASSERT_EQ(listing.sublayers.size(), 1u);
-  EXPECT_EQ(listing.sublayers[0].key, "f0000000-0000-0000-0000-000000000003");
-  EXPECT_EQ(listing.sublayers[0].filters.size(), 1u);
+  const Contents contents = Read(Owners::Ours);
+  ASSERT_EQ(contents.sublayers.size(), 1u);
+  EXPECT_EQ(contents.sublayers[0].sublayer->key, "f0000000-0000-0000-0000-000000000003"_guid);
+  ASSERT_NE(contents.provider, nullptr);
+  EXPECT_EQ(contents.provider->name, "name");
+  EXPECT_EQ(contents.sublayers[0].filters.size(), 1u);
 }
 
-TEST_F(EngineReader, FindsWhatOthersOwnOnRequest) {
+TEST_F(ContentsOfEngine, FindsWhatOthersOwnOnRequest) {
   AddProvider(kForeignProvider);
   AddSublayer(kForeignSublayer, 65535);
   AddFilter(&kForeignProvider, kForeignSublayer, {});
   AddFilter(nullptr, kForeignSublayer, {});
-  const Listing listing = ReadEngine(Owners::All);
-  ASSERT_EQ(listing.sublayers.size(), 19u);  // 18 are built in
-  const ListedSublayer& heaviest = listing.sublayers[0];
-  EXPECT_EQ(heaviest.key, "f0000000-0000-0000-0000-000000000002");
-  EXPECT_EQ(heaviest.weight, 65535u);
-  ASSERT_EQ(heaviest.filters.size(), 2u);
-  EXPECT_EQ(heaviest.filters[0].provider, "f0000000-0000-0000-0000-000000000001");
-  EXPECT_EQ(heaviest.filters[1].provider, std::nullopt);
-  EXPECT_LT(heaviest.filters[0].id, heaviest.filters[1].id);
+  const Contents contents = Read(Owners::All);
+  ASSERT_EQ(contents.sublayers.size(), 19u);  // 18 are built in
+  const auto& [heaviest, filters] = contents.sublayers[0];
+  EXPECT_EQ(heaviest->key, "f0000000-0000-0000-0000-000000000002"_guid);
+  EXPECT_EQ(heaviest->weight, 65535u);
+  ASSERT_EQ(filters.size(), 2u);
+  EXPECT_EQ(filters[0]->providerKey, "f0000000-0000-0000-0000-000000000001"_guid);
+  EXPECT_EQ(filters[1]->providerKey, std::nullopt);
+  EXPECT_LT(filters[0]->id, filters[1]->id);
 }
 
-TEST_F(EngineReader, PutsTheWeightiestSublayerFirst) {
+TEST_F(ContentsOfEngine, PutsTheWeightiestSublayerFirst) {
   AddSublayer(kDhcp.key, 3);
   AddSublayer(kKillSwitch.key, 65535);
   AddSublayer(kSkein.key, 15);
-  const Listing listing = ReadEngine(Owners::Ours);
-  ASSERT_EQ(listing.sublayers.size(), 3u);
-  EXPECT_EQ(listing.sublayers[0].weight, 65535u);
-  EXPECT_EQ(listing.sublayers[1].weight, 15u);
-  EXPECT_EQ(listing.sublayers[2].weight, 3u);
+  const Contents contents = Read(Owners::Ours);
+  ASSERT_EQ(contents.sublayers.size(), 3u);
+  EXPECT_EQ(contents.sublayers[0].sublayer->weight, 65535u);
+  EXPECT_EQ(contents.sublayers[1].sublayer->weight, 15u);
+  EXPECT_EQ(contents.sublayers[2].sublayer->weight, 3u);
 }
 
-TEST_F(EngineReader, TellsWeightsWithTheirTypes) {
+TEST_F(ContentsOfEngine, TellsWeightsWithTheirTypes) {
   AddProvider(kProvider.key);
   AddSublayer(kDhcp.key, 1);
   UINT64 large = 18446744073709551615u;
@@ -155,49 +168,76 @@ TEST_F(EngineReader, TellsWeightsWithTheirTypes) {
   weight.type = FWP_UINT64;
   weight.uint64 = &large;
   AddFilter(&kProvider.key, kDhcp.key, weight);
-  const Listing listing = ReadEngine(Owners::Ours);
-  ASSERT_EQ(listing.sublayers.size(), 1u);
-  ASSERT_EQ(listing.sublayers[0].filters.size(), 3u);
-  const auto& filters = listing.sublayers[0].filters;
-  EXPECT_EQ(filters[0].weight.type, "EMPTY");
-  EXPECT_TRUE(filters[0].weight.value.is_null());
-  EXPECT_EQ(filters[1].weight.type, "UINT8");
-  EXPECT_EQ(filters[1].weight.value, 15);
-  EXPECT_EQ(filters[2].weight.type, "UINT64");
-  EXPECT_EQ(filters[2].weight.value, "18446744073709551615");
-  EXPECT_EQ(filters[0].effectiveWeight.value, "0");
-  EXPECT_EQ(filters[1].effectiveWeight.value, "17293822569102704640");
-  EXPECT_EQ(filters[2].effectiveWeight.type, "UINT64");
-  EXPECT_EQ(filters[2].effectiveWeight.value, "18446744073709551615");
+  const Contents contents = Read(Owners::Ours);
+  ASSERT_EQ(contents.sublayers.size(), 1u);
+  ASSERT_EQ(contents.sublayers[0].filters.size(), 3u);
+  const auto& filters = contents.sublayers[0].filters;
+  EXPECT_EQ(filters[0]->weight.type, FWP_EMPTY);
+  EXPECT_TRUE(ToJson(filters[0]->weight).is_null());
+  EXPECT_EQ(filters[1]->weight.type, FWP_UINT8);
+  EXPECT_EQ(ToJson(filters[1]->weight), 15);
+  EXPECT_EQ(filters[2]->weight.type, FWP_UINT64);
+  EXPECT_EQ(ToJson(filters[2]->weight), "18446744073709551615");
+  EXPECT_EQ(filters[0]->effectiveWeight, 0u);
+  EXPECT_EQ(filters[1]->effectiveWeight, 17293822569102704640u);
+  EXPECT_EQ(filters[2]->effectiveWeight, 18446744073709551615u);
 }
 
-TEST_F(EngineReader, GivesBackItsSessionItsHandlesAndItsMemory) {
+TEST_F(ContentsOfEngine, GivesBackItsSessionItsHandlesAndItsMemory) {
   AddProvider(kProvider.key);
   AddSublayer(kDhcp.key, 1);
   AddFilter(&kProvider.key, kDhcp.key, {});
-  ReadEngine(Owners::Ours);
+  ReadPolicy();
   ExpectOnlyOurSessionIsOpen();
   EXPECT_THAT(Journal(), testing::HasSubstr("FwpmFilterDestroyEnumHandle0("));
   EXPECT_THAT(Journal(), testing::HasSubstr("FwpmSubLayerDestroyEnumHandle0("));
 }
 
-TEST_F(EngineReader, NamesTheFunctionThatFailsAndGivesAllBack) {
+TEST_F(ContentsOfEngine, NamesTheFunctionThatFailsAndGivesAllBack) {
   AddProvider(kProvider.key);
   AddSublayer(kDhcp.key, 1);
   AddFilter(&kProvider.key, kDhcp.key, {});
   for (const std::string function :
-       {"FwpmEngineOpen0", "FwpmProviderGetByKey0", "FwpmFilterCreateEnumHandle0", "FwpmFilterEnum0",
-        "FwpmSubLayerCreateEnumHandle0", "FwpmSubLayerEnum0"}) {
+       {"FwpmEngineOpen0", "FwpmTransactionBegin0", "FwpmProviderCreateEnumHandle0", "FwpmProviderEnum0",
+        "FwpmFilterCreateEnumHandle0", "FwpmFilterEnum0", "FwpmSubLayerCreateEnumHandle0",
+        "FwpmSubLayerEnum0"}) {
     FailNext(function, ERROR_ACCESS_DENIED);
     try {
-      ReadEngine(Owners::Ours);
+      ReadPolicy();
       ADD_FAILURE() << function << " was expected to fail";
     } catch (const Failure& failure) {
-      EXPECT_EQ(failure.what(), function + " failed");
+      EXPECT_EQ(failure.what(), "The filtering engine cannot be read: " + function +
+                                    " failed: ERROR_ACCESS_DENIED (0x00000005)");
       EXPECT_EQ(failure.Code(), 5u);
     }
     ExpectOnlyOurSessionIsOpen();
   }
+}
+
+Policy::Filter FilterOf(UINT64 id, const GUID& sublayer) {
+  Policy::Filter filter{};
+  filter.id = id;
+  filter.sublayerKey = sublayer;
+  return filter;
+}
+
+TEST(Contents, FiltersOfASublayerThatIsNotShownComeLast) {
+  constexpr GUID kLight{0xf0000000, 0, 0, {0, 0, 0, 0, 0, 0, 0, 4}};
+  const Policy::Snapshot snapshot = Policy::MakeSnapshot(
+      {{kLight, "light", 0}, {kForeignSublayer, "heavy", 2}, {kForeignProvider, "light too", 0}},
+      {FilterOf(3, kUnknownSublayer), FilterOf(2, kLight), FilterOf(1, kUnknownSublayer)});
+  const auto sublayers = ContentsOf(snapshot, Owners::All).sublayers;
+  ASSERT_EQ(sublayers.size(), 4u);
+  EXPECT_EQ(sublayers[0].sublayer->name, "heavy");
+  EXPECT_TRUE(sublayers[0].filters.empty());
+  EXPECT_EQ(sublayers[1].sublayer->name, "light");
+  EXPECT_EQ(sublayers[1].filters.size(), 1u);
+  EXPECT_EQ(sublayers[2].sublayer->name, "light too");
+  EXPECT_EQ(sublayers[3].sublayer->key, kUnknownSublayer);
+  EXPECT_FALSE(sublayers[3].sublayer->listed);
+  ASSERT_EQ(sublayers[3].filters.size(), 2u);
+  EXPECT_EQ(sublayers[3].filters[0]->id, 1u);
+  EXPECT_EQ(sublayers[3].filters[1]->id, 3u);
 }
 
 TEST(FailureText, AccessDeniedOfTheSystemsEngineAsksForAdministratorRights) {

@@ -1,0 +1,7 @@
+#pragma once
+
+#include "Json.h"
+#include "policy/Value.h"
+
+/// A value of the engine's for machines; docs/json.md has a table by type.
+Json ToJson(const Policy::Value& value);
