@@ -1,122 +1,15 @@
 #include "ActiveFeatures.h"
 
-#include <algorithm>
-#include <iterator>
-#include <optional>
-#include <set>
-#include <string>
-#include <string_view>
-
-#include "Identities.h"
-#include "OptionValues.h"
-#include "PolicyReader.h"
-#include "catalog/Keys.h"
 #include "helpers/NetworkInfoException.h"
 
-namespace {
-
-using Promises::Features;
-
-std::vector<UINT64> Interfaces(const StepOptions& options) {
-  if (!options.luid.empty()) {
-    return {ParseLuid(options.luid.front()).value()};
-  }
-  return FindInterfaces(options.interfaces);
-}
-
-std::vector<UINT32> Addresses(const std::vector<std::string>& texts) {
-  std::vector<UINT32> addresses;
-  std::ranges::transform(texts, std::back_inserter(addresses),
-                         [](const std::string& text) { return ParseIpV4(text).value(); });
-  return addresses;
-}
-
-/// The application that a filter of somebody else's blocks, whatever it connects to.
-std::optional<std::string> BlockedApplication(const Policy::Filter& filter) {
-  const bool isOurs = filter.providerKey && *filter.providerKey == kProvider.key;
-  if (isOurs || filter.action != FWP_ACTION_BLOCK || filter.conditions.size() != 1) {
-    return std::nullopt;
-  }
-  const Policy::Condition& condition = filter.conditions.front();
-  const bool isApplication = condition.field != nullptr &&
-                             condition.field->key == Catalog::kAleAppIdFieldKey &&
-                             condition.test.kind == Policy::Test::Kind::IsBytes && !condition.test.negated;
-  return isApplication ? std::optional(condition.test.bytes) : std::nullopt;
-}
-
-std::set<std::string> ApplicationsBlockedAt(const Policy::Snapshot& snapshot, const GUID& layer) {
-  std::set<std::string> applications;
-  for (const Policy::Filter& filter : snapshot.filters) {
-    const auto application = BlockedApplication(filter);
-    if (application && filter.layerKey == layer) {
-      applications.insert(*application);
-    }
-  }
-  return applications;
-}
-
-/// Those that are blocked over both IP versions: of one that is free over the other nothing is promised.
-std::vector<std::string> ApplicationsBlocked(const Policy::Snapshot& snapshot, const GUID& layerV4,
-                                             const GUID& layerV6) {
-  std::vector<std::string> applications;
-  std::ranges::set_intersection(ApplicationsBlockedAt(snapshot, layerV4),
-                                ApplicationsBlockedAt(snapshot, layerV6), std::back_inserter(applications));
-  return applications;
-}
-
-Features::KillSwitch KillSwitch(const StepOptions& options) {
-  Features::KillSwitch killSwitch;
-  std::ranges::transform(options.apps, std::back_inserter(killSwitch.applications), ReadApplicationId);
-  if (!options.interfaces.empty()) {
-    killSwitch.interfaces = FindInterfaces(options.interfaces);
-  }
-  return killSwitch;
-}
-
-Features::LeakProtection LeakProtection(const StepOptions& options, const std::string& nameApplication,
-                                        const Policy::Snapshot& snapshot) {
-  Features::LeakProtection features;
-  features.interfaces = Interfaces(options);
-  features.serverAddress = ParseIpV4(options.server.front()).value();
-  features.permittedAddresses = Addresses(options.allowed);
-  features.nameApplication = nameApplication.empty() ? "" : ReadApplicationId(nameApplication);
-  features.blockedOutbound =
-      ApplicationsBlocked(snapshot, Catalog::kAleAuthConnectV4LayerKey, Catalog::kAleAuthConnectV6LayerKey);
-  features.blockedInbound = ApplicationsBlocked(snapshot, Catalog::kAleAuthRecvAcceptV4LayerKey,
-                                                Catalog::kAleAuthRecvAcceptV6LayerKey);
-  return features;
-}
-
-void Follow(const PlannedStep& planned, const Plan& plan, const Policy::Snapshot& snapshot,
-            Features& features) {
-  const std::string_view step = planned.step->name;
-  const StepOptions& options = planned.options;
-  if (step == "disable-internet") {
-    features.killSwitch = KillSwitch(options);
-  } else if (step == "enable-internet") {
-    features.killSwitch.reset();
-  } else if (step == "enable-dhcp" || step == "disable-dhcp") {
-    features.dhcp = step == "enable-dhcp";
-  } else if (step == "disable-local-network" || step == "enable-local-network") {
-    features.localNetworkBlock = step == "disable-local-network";
-  } else if (step == "enable-leak-protection") {
-    features.leakProtection = LeakProtection(options, plan.dnsApp, snapshot);
-  } else if (step == "disable-leak-protection") {
-    features.leakProtection.reset();
-  } else if (step == "enable-skein") {
-    features.skein = Features::Skein{Interfaces(options), Addresses(options.peers)};
-  } else if (step == "disable-skein") {
-    features.skein.reset();
-  }
-}
-
-}  // namespace
-
-Promises::Features ActiveFeatures(const Plan& plan, std::size_t count, const Policy::Snapshot& snapshot) {
-  Features features;
+Promises::Features ActiveFeatures(std::span<const PlannedStep> steps, const std::string& dnsApp,
+                                  const Policy::Snapshot& snapshot) {
+  Promises::Features features;
   try {
-    for (std::size_t i = 0; i < count; ++i) {
-      Follow(plan.steps[i], plan, snapshot, features);
+    for (const auto& [step, options] : steps) {
+      if (step->switchFeature != nullptr) {
+        step->switchFeature(options, {dnsApp, snapshot}, features);
+      }
     }
   } catch (const WfpFirewall::Helpers::NetworkInfoException& error) {
     throw Failure(static_cast<std::uint32_t>(error.GetErrorCode()), error.what());

@@ -1,12 +1,14 @@
 #pragma once
 
-#include <cstddef>
+#include <span>
+#include <string>
 
-#include "CommandLine.h"
-#include "policy/Snapshot.h"
-#include "promises/Features.h"
+#include "Step.h"
 
-/// The features that the first `count` steps of a plan leave switched on, with their arguments. The filters
-/// are asked only for what the library itself finds in the engine: the applications that others block.
+/// The features that steps leave switched on, with their arguments.
+/// @param dnsApp as in StepContext.
+/// @param snapshot of the engine, asked only for what the library itself finds there: the applications that
+///   others block.
 /// @throws Failure when an application or the adapters can no longer be looked up.
-Promises::Features ActiveFeatures(const Plan& plan, std::size_t count, const Policy::Snapshot& snapshot);
+Promises::Features ActiveFeatures(std::span<const PlannedStep> steps, const std::string& dnsApp,
+                                  const Policy::Snapshot& snapshot);

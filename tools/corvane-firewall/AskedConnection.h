@@ -2,7 +2,7 @@
 
 #include <string>
 
-#include "Steps.h"
+#include "Step.h"
 #include "policy/Connection.h"
 
 /// The connection that explain's options describe.

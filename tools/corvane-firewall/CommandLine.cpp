@@ -4,6 +4,8 @@
 #include <algorithm>
 #include <sstream>
 
+#include "Steps.h"
+
 namespace {
 
 constexpr const char* kJson = "--json";

@@ -4,12 +4,7 @@
 #include <vector>
 
 #include "Failure.h"
-#include "Steps.h"
-
-struct PlannedStep {
-  const Step* step;
-  StepOptions options;
-};
+#include "Step.h"
 
 /// What a command line asks for; UTF-8.
 struct Plan {

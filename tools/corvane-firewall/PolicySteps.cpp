@@ -38,7 +38,7 @@ void MapStep(const StepContext& context, const StepOptions&) {
 
 void ProveStep(const StepContext& context, const StepOptions&) {
   const Policy::Snapshot snapshot = ReadPolicy();
-  const Promises::Features features = ActiveFeatures(context.plan, context.index, snapshot);
+  const Promises::Features features = ActiveFeatures(context.before, context.dnsApp, snapshot);
   context.reporter.ShowPromises(Promises::Prove(snapshot, features), ReadLabels());
 }
 
@@ -50,8 +50,7 @@ void LintStep(const StepContext& context, const StepOptions&) {
 void ReportStep(const StepContext& context, const StepOptions& options) {
   const std::string& path = options.file.front();
   const Policy::Snapshot snapshot = ReadPolicy();
-  const Promises::Features features = ActiveFeatures(context.plan, context.index, snapshot);
-  WriteFile(path,
-            MakePage({context.plan.engine, snapshot, Promises::Prove(snapshot, features), ReadLabels()}));
+  const Promises::Features features = ActiveFeatures(context.before, context.dnsApp, snapshot);
+  WriteFile(path, MakePage({context.engine, snapshot, Promises::Prove(snapshot, features), ReadLabels()}));
   context.reporter.ShowFile(path);
 }

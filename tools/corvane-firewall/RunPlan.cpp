@@ -5,6 +5,7 @@
 #include <iostream>
 #include <memory>
 #include <optional>
+#include <span>
 
 #include "ForeignBlocks.h"
 #include "JsonReporter.h"
@@ -27,7 +28,8 @@ void Fail(Reporter& reporter, const Failure& failure) {
 
 bool Holds(const Plan& plan) {
   return plan.engine == Engine::System && !plan.noHold &&
-         std::ranges::any_of(plan.steps, [](const PlannedStep& planned) { return planned.step->installs; });
+         std::ranges::any_of(
+             plan.steps, [](const PlannedStep& planned) { return planned.step->effect == Effect::Installs; });
 }
 
 void WaitForEnter() {
@@ -48,7 +50,8 @@ int RunPlan(const Plan& plan) {
     for (std::size_t i = 0; i < plan.steps.size(); ++i) {
       const PlannedStep& planned = plan.steps[i];
       reporter->BeginStep(planned.step->name);
-      planned.step->run({library, *reporter, plan, i}, planned.options);
+      planned.step->run({library, *reporter, plan.engine, plan.dnsApp, std::span(plan.steps).first(i)},
+                        planned.options);
       reporter->EndStep();
     }
     reporter->Finish();

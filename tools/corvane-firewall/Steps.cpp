@@ -3,6 +3,7 @@
 #include <algorithm>
 #include <iterator>
 
+#include "FeatureSwitches.h"
 #include "PolicyReader.h"
 #include "PolicySteps.h"
 #include "Text.h"
@@ -155,30 +156,87 @@ constexpr StepOption kListOptions[]{
     {"--all", nullptr, "The sublayers and filters of everybody, not ours alone", &StepOptions::all},
 };
 
-constexpr Step kSteps[]{
-    {"disable-internet", "Install the kill switch, or replace it", kDisableInternetOptions, true,
-     DisableInternetStep},
-    {"enable-internet", "Remove the kill switch", {}, false, EnableInternetStep},
-    {"enable-dhcp", "Install the rules that let DHCP through", {}, true, EnableDhcpStep},
-    {"disable-dhcp", "Remove the DHCP rules", {}, false, DisableDhcpStep},
-    {"enable-leak-protection", "Keep name look-ups and connections on the allowed adapters",
-     kEnableLeakProtectionOptions, true, EnableLeakProtectionStep},
-    {"disable-leak-protection", "Remove the leak protection", {}, false, DisableLeakProtectionStep},
-    {"disable-local-network", "Block the local networks", {}, true, DisableLocalNetworkStep},
-    {"enable-local-network", "Remove the block of the local networks", {}, false, EnableLocalNetworkStep},
-    {"enable-skein", "Install the rules of the Skein network, or replace them", kEnableSkeinOptions, true,
-     EnableSkeinStep},
-    {"disable-skein", "Remove the rules of the Skein network", {}, false, DisableSkeinStep},
-    {"status", "Tell what is switched on", {}, false, StatusStep},
-    {"adapters", "List the network adapters as the firewall sees them", {}, false, AdaptersStep},
-    {"list", "List what the engine holds of ours", kListOptions, false, ListStep},
-    {"explain", "Tell what the engine does with a connection, and why", kExplainOptions, false, ExplainStep},
-    {"map", "Tell what the engine does with every connection that can exist", {}, false, MapStep},
-    {"prove", "Check what the features switched on in this run promise", {}, false, ProveStep},
-    {"lint", "Find filters, of anybody's, that do not say what they seem to say", {}, false, LintStep},
-    {"report", "Write map, promises, findings and filters as a page to look at", kReportOptions, false,
-     ReportStep},
+constexpr StepOption kExplainOptions[]{
+    {"--remote", "ADDRESS[:PORT]",
+     "Other end of the connection; port 443 unless given, for protocols that have ports. Repeat it to ask "
+     "more",
+     &StepOptions::remotes, Times::AtLeastOnce, RejectAllButEndpoint},
+    {"--local", "ADDRESS[:PORT]", "This machine's end; port 50000 unless given, likewise",
+     &StepOptions::local, Times::AtMostOnce, RejectAllButEndpoint},
+    {"--protocol", "tcp|udp|icmp|N", "tcp unless given", &StepOptions::protocol, Times::AtMostOnce,
+     RejectAllButProtocol},
+    {"--icmp-type", "N", "Of ICMP; that of an echo request unless given", &StepOptions::icmpType,
+     Times::AtMostOnce, RejectAllButByte},
+    {"--icmp-code", "N", "Of ICMP; 0 unless given", &StepOptions::icmpCode, Times::AtMostOnce,
+     RejectAllButByte},
+    {"--app", "PATH",
+     "Executable, or an id such as \\device\\harddiskvolume1\\a.exe; one that no filter names "
+     "unless given",
+     &StepOptions::apps, Times::AtMostOnce},
+    {"--interface", "NAME|LUID", "Adapter; one that no filter names unless given", &StepOptions::interfaces,
+     Times::AtMostOnce},
+    {"--inbound", nullptr, "The other end opens the connection", &StepOptions::inbound},
+    {"--loopback", nullptr, "The connection stays on this machine", &StepOptions::loopback},
 };
+
+constexpr StepOption kReportOptions[]{
+    {"file", "FILE.html", "Where to write the page", &StepOptions::file, Times::Once},
+};
+
+constexpr Step kSteps[]{
+    {"disable-internet", "Install the kill switch, or replace it", kDisableInternetOptions, Effect::Installs,
+     DisableInternetStep, KillSwitchOn},
+    {"enable-internet", "Remove the kill switch", {}, Effect::Removes, EnableInternetStep, KillSwitchOff},
+    {"enable-dhcp", "Install the rules that let DHCP through", {}, Effect::Installs, EnableDhcpStep, DhcpOn},
+    {"disable-dhcp", "Remove the DHCP rules", {}, Effect::Removes, DisableDhcpStep, DhcpOff},
+    {"enable-leak-protection", "Keep name look-ups and connections on the allowed adapters",
+     kEnableLeakProtectionOptions, Effect::Installs, EnableLeakProtectionStep, LeakProtectionOn},
+    {"disable-leak-protection",
+     "Remove the leak protection",
+     {},
+     Effect::Removes,
+     DisableLeakProtectionStep,
+     LeakProtectionOff},
+    {"disable-local-network",
+     "Block the local networks",
+     {},
+     Effect::Installs,
+     DisableLocalNetworkStep,
+     LocalNetworkBlockOn},
+    {"enable-local-network",
+     "Remove the block of the local networks",
+     {},
+     Effect::Removes,
+     EnableLocalNetworkStep,
+     LocalNetworkBlockOff},
+    {"enable-skein", "Install the rules of the Skein network, or replace them", kEnableSkeinOptions,
+     Effect::Installs, EnableSkeinStep, SkeinOn},
+    {"disable-skein",
+     "Remove the rules of the Skein network",
+     {},
+     Effect::Removes,
+     DisableSkeinStep,
+     SkeinOff},
+    {"status", "Tell what is switched on", {}, Effect::Reads, StatusStep},
+    {"adapters", "List the network adapters as the firewall sees them", {}, Effect::Reads, AdaptersStep},
+    {"list", "List what the engine holds of ours", kListOptions, Effect::Reads, ListStep},
+    {"explain", "Tell what the engine does with a connection, and why", kExplainOptions, Effect::Reads,
+     ExplainStep},
+    {"map", "Tell what the engine does with every connection that can exist", {}, Effect::Reads, MapStep},
+    {"prove", "Check what the features switched on in this run promise", {}, Effect::Reads, ProveStep},
+    {"lint",
+     "Find filters, of anybody's, that do not say what they seem to say",
+     {},
+     Effect::Reads,
+     LintStep},
+    {"report", "Write map, promises, findings and filters as a page to look at", kReportOptions,
+     Effect::Reads, ReportStep},
+};
+
+/// A step that changes rules says which feature it switches.
+static_assert(std::ranges::all_of(kSteps, [](const Step& step) {
+  return (step.effect == Effect::Reads) == (step.switchFeature == nullptr);
+}));
 
 }  // namespace
 

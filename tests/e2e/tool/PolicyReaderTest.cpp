@@ -9,6 +9,7 @@
 #include "LoadedModule.h"
 #include "PolicyJson.h"
 #include "ReportPage.h"
+#include "Steps.h"
 #include "ToolProcess.h"
 #include "catalog/Guid.h"
 #include "emulator/ControlExports.h"
@@ -56,13 +57,11 @@ TEST_F(PolicyReader, SaysPlainlyThatRightsAreMissing) {
   }
 }
 
-Step StepNamed(const char* name) { return {name, "", {}, true, nullptr}; }
+const Step* StepNamed(const char* name) { return FindStep(name); }
 
-Promises::Features FeaturesAfter(std::vector<PlannedStep> steps, const Policy::Snapshot& snapshot = {}) {
-  Plan plan;
-  plan.dnsApp = "\\device\\harddiskvolume1\\resolver.exe";
-  plan.steps = std::move(steps);
-  return ActiveFeatures(plan, plan.steps.size(), snapshot);
+Promises::Features FeaturesAfter(const std::vector<PlannedStep>& steps,
+                                 const Policy::Snapshot& snapshot = {}) {
+  return ActiveFeatures(steps, "\\device\\harddiskvolume1\\resolver.exe", snapshot);
 }
 
 TEST(ActiveFeatures, AreOffUntilAStepSwitchesThemOn) {
@@ -72,9 +71,9 @@ TEST(ActiveFeatures, AreOffUntilAStepSwitchesThemOn) {
 }
 
 TEST(ActiveFeatures, HaveTheArgumentsOfTheirSteps) {
-  const Step killSwitch = StepNamed("disable-internet");
-  const Step leakProtection = StepNamed("enable-leak-protection");
-  const Step skein = StepNamed("enable-skein");
+  const Step* const killSwitch = StepNamed("disable-internet");
+  const Step* const leakProtection = StepNamed("enable-leak-protection");
+  const Step* const skein = StepNamed("enable-skein");
   StepOptions killSwitchOptions;
   killSwitchOptions.apps = {"\\device\\a.exe"};
   StepOptions leakOptions;
@@ -84,8 +83,8 @@ TEST(ActiveFeatures, HaveTheArgumentsOfTheirSteps) {
   StepOptions skeinOptions;
   skeinOptions.luid = {"9"};
   skeinOptions.peers = {"100.64.0.5"};
-  const Promises::Features features = FeaturesAfter(
-      {{&killSwitch, killSwitchOptions}, {&leakProtection, leakOptions}, {&skein, skeinOptions}});
+  const Promises::Features features =
+      FeaturesAfter({{killSwitch, killSwitchOptions}, {leakProtection, leakOptions}, {skein, skeinOptions}});
   EXPECT_THAT(features.killSwitch.value().applications,
               ElementsAre(Policy::ApplicationBytes("\\device\\a.exe")));
   EXPECT_THAT(features.leakProtection.value().interfaces, ElementsAre(7u));
@@ -98,11 +97,11 @@ TEST(ActiveFeatures, HaveTheArgumentsOfTheirSteps) {
 }
 
 TEST(ActiveFeatures, AreWhatTheLastStepsLeave) {
-  const Step off = StepNamed("disable-local-network");
-  const Step on = StepNamed("enable-local-network");
-  const Step dhcp = StepNamed("enable-dhcp");
-  EXPECT_TRUE(FeaturesAfter({{&off, {}}}).localNetworkBlock);
-  const Promises::Features features = FeaturesAfter({{&off, {}}, {&dhcp, {}}, {&on, {}}});
+  const Step* const off = StepNamed("disable-local-network");
+  const Step* const on = StepNamed("enable-local-network");
+  const Step* const dhcp = StepNamed("enable-dhcp");
+  EXPECT_TRUE(FeaturesAfter({{off, {}}}).localNetworkBlock);
+  const Promises::Features features = FeaturesAfter({{off, {}}, {dhcp, {}}, {on, {}}});
   EXPECT_FALSE(features.localNetworkBlock);
   EXPECT_TRUE(features.dhcp);
 }
@@ -140,11 +139,11 @@ TEST(ActiveFeatures, LeakProtectionKnowsTheApplicationsThatOthersBlock) {
   for (const GUID& layer : {kReceiveAcceptV4, kReceiveAcceptV6}) {
     snapshot.filters.push_back(BlockOf("in.exe", layer));
   }
-  const Step leakProtection = StepNamed("enable-leak-protection");
+  const Step* const leakProtection = StepNamed("enable-leak-protection");
   StepOptions options;
   options.server = {"203.0.113.1"};
   options.luid = {"7"};
-  const auto features = FeaturesAfter({{&leakProtection, options}}, snapshot).leakProtection.value();
+  const auto features = FeaturesAfter({{leakProtection, options}}, snapshot).leakProtection.value();
   EXPECT_THAT(features.blockedOutbound, ElementsAre(Policy::ApplicationBytes("out.exe")));
   EXPECT_THAT(features.blockedInbound, ElementsAre(Policy::ApplicationBytes("in.exe")));
 }

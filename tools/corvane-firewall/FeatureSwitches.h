@@ -1,0 +1,19 @@
+#pragma once
+
+#include "Step.h"
+
+// What the steps that change rules do to the features.
+void KillSwitchOn(const StepOptions& options, const FeatureSources& sources, Promises::Features& features);
+void KillSwitchOff(const StepOptions& options, const FeatureSources& sources, Promises::Features& features);
+void DhcpOn(const StepOptions& options, const FeatureSources& sources, Promises::Features& features);
+void DhcpOff(const StepOptions& options, const FeatureSources& sources, Promises::Features& features);
+void LeakProtectionOn(const StepOptions& options, const FeatureSources& sources,
+                      Promises::Features& features);
+void LeakProtectionOff(const StepOptions& options, const FeatureSources& sources,
+                       Promises::Features& features);
+void LocalNetworkBlockOn(const StepOptions& options, const FeatureSources& sources,
+                         Promises::Features& features);
+void LocalNetworkBlockOff(const StepOptions& options, const FeatureSources& sources,
+                          Promises::Features& features);
+void SkeinOn(const StepOptions& options, const FeatureSources& sources, Promises::Features& features);
+void SkeinOff(const StepOptions& options, const FeatureSources& sources, Promises::Features& features);
