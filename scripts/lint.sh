@@ -1,7 +1,7 @@
 #!/bin/bash
-# Fails when the layout of a source differs from clang-format's, a folder includes what it must not see, the
-# README names another version than the build, or clang-tidy has something to say of the product's sources. With
-# --all the tests' too, and with clang's static analyzer, which takes several times as long.
+# Fails when the layout of a source differs from clang-format's or Prettier's, a folder includes what it must not
+# see, the README names another version than the build, or clang-tidy has something to say of the product's
+# sources. With --all the tests' too, and with clang's static analyzer, which takes several times as long.
 set -eu
 cd "$(dirname "$0")/.."
 linted='src|catalog|emulator|policy|promises|dump|tools'
@@ -16,6 +16,7 @@ mapfile -t sources < <(git ls-files --cached --others --exclude-standard '*.h' '
 echo "Layout: ${#sources[@]} files"
 [ ${#sources[@]} -gt 0 ]
 clang-format --dry-run --Werror "${sources[@]}"
+(cd tests/page && npm ci --loglevel=error --no-audit --no-fund && npm run --silent check-layout)
 
 echo "Folders see only what they may"
 forbid() { # forbid FOLDER... -- PATTERN
@@ -36,6 +37,7 @@ forbid catalog emulator sdk_subset -- '(policy|promises|dump)/'
 forbid policy -- '(promises|emulator|dump|tools|tests)/'
 forbid promises -- '(emulator|dump|tools|tests)/'
 forbid dump -- '(emulator|policy|promises|tools|tests)/'
+forbid tools -- '(filtering|engine|sublayers|api|dump|tests)/|emulator/([^C]|Control\.h)' # of the emulator its exports
 
 # The floors of policy/, from the lowest; docs/architecture.md draws them. No file includes one of a higher floor.
 floors=(

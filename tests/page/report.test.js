@@ -38,7 +38,10 @@ async function ask(fields) {
 
 const table = (section) => page.locator(`table[data-section="${section}"]`);
 const rowNames = (section) => table(section).locator("tbody th").allTextContents();
-const rowOf = (section, name) => table(section).locator("tbody tr").filter({ has: page.getByText(name, { exact: true }) });
+const rowOf = (section, name) =>
+  table(section)
+    .locator("tbody tr")
+    .filter({ has: page.getByText(name, { exact: true }) });
 
 test("nothing is loaded and nothing complains", async () => {
   await page.click("#theme");
@@ -142,8 +145,14 @@ test("columns are apart where they are so over loopback alone, and cells name th
     ports: ["0x35", "any other"],
     interfaces: ["any"],
     cells: [
-      [{ verdict: 1, varying: ["protocol"] }, { verdict: 1, varying: ["protocol"] }],
-      [{ verdict: 0, varying: [] }, { verdict: 1, varying: [] }],
+      [
+        { verdict: 1, varying: ["protocol"] },
+        { verdict: 1, varying: ["protocol"] },
+      ],
+      [
+        { verdict: 0, varying: [] },
+        { verdict: 1, varying: [] },
+      ],
     ],
   });
 });
@@ -209,7 +218,8 @@ for (const report of ["REPORT", "REPORT_OF_SEVERAL"]) {
       };
       const ports = [...ends("IP_REMOTE_PORT"), ...ends("IP_LOCAL_PORT"), 443n];
       const firstReadings = new Map(data.assumptions.map(({ name, readings }) => [name, readings[0].name]));
-      const areFirst = (readings) => Object.entries(readings).every(([name, reading]) => firstReadings.get(name) === reading);
+      const areFirst = (readings) =>
+        Object.entries(readings).every(([name, reading]) => firstReadings.get(name) === reading);
       let compared = 0;
       const apart = [];
       for (let i = 0; i < 5000; ++i) {
@@ -249,7 +259,10 @@ test("a hard permit of a heavier sublayer stands, a soft one is overridden", asy
   const told = await page.evaluate(() => {
     const always = { layer: "ALE_AUTH_CONNECT_V4", inForce: true, weight: "0x1", conditions: [] };
     const block = { ...always, sublayer: "light", action: "BLOCK", hard: true };
-    const sublayers = [{ key: "light", weight: 1 }, { key: "heavy", weight: 2 }];
+    const sublayers = [
+      { key: "light", weight: 1 },
+      { key: "heavy", weight: 2 },
+    ];
     return [true, false].map((hard) => {
       const filters = [{ ...always, sublayer: "heavy", action: "PERMIT", hard }, block];
       const [{ action, rungs }] = policy.trace({ sublayers, filters }, { direction: "outbound", ipVersion: 4 });
@@ -272,7 +285,10 @@ test("the ladder marks the filter that decides", async () => {
 test("promises show their state, and what breaks them", async () => {
   const promise = (name) => page.locator(`[data-promise="${name}"]`);
   assert.match(await promise("kill-switch-no-look-ups").textContent(), /^✓ holds/);
-  assert.match(await promise("kill-switch-loopback").textContent(), /^\? holds only under a reading.*loopback-bits = alone/s);
+  assert.match(
+    await promise("kill-switch-loopback").textContent(),
+    /^\? holds only under a reading.*loopback-bits = alone/s,
+  );
   assert.match(await promise("dhcp-client").textContent(), /^✕ broken.*remote 198\.51\.100\.1:67.*: block/s);
 });
 
@@ -348,7 +364,9 @@ test("several features have their promises", async () => {
   await open({ report: process.env.REPORT_OF_SEVERAL });
   const states = await page
     .locator("[data-promise]")
-    .evaluateAll((promises) => promises.map((one) => `${one.dataset.promise}: ${one.querySelector(".badge").textContent}`));
+    .evaluateAll((promises) =>
+      promises.map((one) => `${one.dataset.promise}: ${one.querySelector(".badge").textContent}`),
+    );
   assert.deepEqual(states, [
     "kill-switch-closes-outbound: ✓ holds",
     "kill-switch-closes-inbound: ✓ holds",

@@ -38,9 +38,9 @@ const matrix = (() => {
     for (const { flags, rows, cellAt } of slices) {
       for (const row of rows) {
         const name = (flags === 1n ? "loopback: " : "") + destinationText(row);
-        const cells = columns.map((column) => [row, ...column]).map((groups) =>
-          make("td", {}, cellButton(context, flags, groups, cellAt(...groups))),
-        );
+        const cells = columns
+          .map((column) => [row, ...column])
+          .map((groups) => make("td", {}, cellButton(context, flags, groups, cellAt(...groups))));
         body.append(make("tr", {}, make("th", { scope: "row", title: row.text }, name), ...cells));
       }
     }

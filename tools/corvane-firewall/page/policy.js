@@ -69,7 +69,7 @@ const policy = (() => {
     const text = groups.join(":");
     const zeros = [...text.matchAll(/(?<![0-9a-f])0(:0)+(?![0-9a-f])/g)].map((match) => match[0]);
     const longest = zeros.reduce((best, run) => (run.length > best.length ? run : best), "");
-    return longest === "" ? text : (text.replace(new RegExp(`(^|:)${longest}(:|$)`), "::"));
+    return longest === "" ? text : text.replace(new RegExp(`(^|:)${longest}(:|$)`), "::");
   }
 
   // ---- The map
@@ -192,8 +192,7 @@ const policy = (() => {
     return filter.action === "BLOCK" ? strengths.block : filter.hard ? strengths.hard : strengths.pass;
   }
 
-  const isDecider = (filter) =>
-    ["PERMIT", "BLOCK", "CALLOUT_TERMINATING", "CALLOUT_UNKNOWN"].includes(filter.action);
+  const isDecider = (filter) => ["PERMIT", "BLOCK", "CALLOUT_TERMINATING", "CALLOUT_UNKNOWN"].includes(filter.action);
 
   /** The sublayers of a layer in the order of their turn, each with its filters, the first to decide first. */
   function ladderOf(snapshot, layer) {
@@ -244,9 +243,7 @@ const policy = (() => {
 
   /** The layers that a connection passes. */
   function trace(snapshot, connection) {
-    return layersOf(connection.direction, connection.ipVersion).map((layer) =>
-      traceLayer(snapshot, layer, connection),
-    );
+    return layersOf(connection.direction, connection.ipVersion).map((layer) => traceLayer(snapshot, layer, connection));
   }
 
   // ---- The matrix

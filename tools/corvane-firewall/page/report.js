@@ -83,7 +83,8 @@
   }
 
   function filterText({ id, name, action, hard }) {
-    const kind = action === "BLOCK" || action === "PERMIT" ? `${hard ? "hard" : "soft"} ${action.toLowerCase()}` : "callout";
+    const kind =
+      action === "BLOCK" || action === "PERMIT" ? `${hard ? "hard" : "soft"} ${action.toLowerCase()}` : "callout";
     return `${kind} of filter ${id} “${name}”`;
   }
 
@@ -116,7 +117,9 @@
 
   function showOutcomes(verdict) {
     return (verdict.outcomes ?? []).map(({ readings, verdict: outcome }) => {
-      const choice = Object.entries(readings).map(([name, reading]) => `${name} = ${reading}`).join(", ");
+      const choice = Object.entries(readings)
+        .map(([name, reading]) => `${name} = ${reading}`)
+        .join(", ");
       const kind = outcome ?? "depends";
       const text = outcome === null ? "only the engine can judge" : words[outcome];
       return make("p", {}, make("span", { class: `badge tint ${kind}` }, `${signs[kind]} ${text}`), choice);
@@ -213,13 +216,28 @@
       byId("legend").append(make("span", {}, make("b", { class: `tint ${kind}` }, sign), ` ${word}`));
     }
     byId("legend").append(
-      make("span", {}, make("b", {}, "*"), " another protocol, local port or other field may fare otherwise; shown is TCP"),
+      make(
+        "span",
+        {},
+        make("b", {}, "*"),
+        " another protocol, local port or other field may fare otherwise; shown is TCP",
+      ),
     );
     for (const section of map.sections) {
       const title = `${section.direction} IPv${section.ipVersion}`;
       byId("matrices").append(
         make("h3", {}, title[0].toUpperCase() + title.slice(1)),
-        make("div", { class: "scroll" }, matrix.tableOf({ map, section, ordinary: ordinaryOf(section.direction, section.ipVersion), shorten, askAbout })),
+        make(
+          "div",
+          { class: "scroll" },
+          matrix.tableOf({
+            map,
+            section,
+            ordinary: ordinaryOf(section.direction, section.ipVersion),
+            shorten,
+            askAbout,
+          }),
+        ),
       );
     }
     byId("map-text").textContent = data.mapText;
@@ -250,7 +268,10 @@
         make("summary", {}, `${layer}: ${counted(count, "filter")} in ${counted(rungs.length, "sublayer")}`),
         ...rungs.flatMap(({ sublayer, filters }) => {
           const rung = passed?.rungs.find((one) => one.sublayer === sublayer);
-          return [make("h3", {}, sublayerText(sublayer)), make("ol", { class: "rung" }, ...filters.map((f) => showFilter(rung, f)))];
+          return [
+            make("h3", {}, sublayerText(sublayer)),
+            make("ol", { class: "rung" }, ...filters.map((f) => showFilter(rung, f))),
+          ];
         }),
       );
     });
@@ -265,7 +286,11 @@
       mark === "" ? {} : { class: mark },
       make("span", { class: "mark" }, markTexts[mark] ?? ""),
       make("span", {}, `${filter.hard && filter.action === "PERMIT" ? "hard " : ""}${action}`),
-      make("span", { class: "code", title: `filter ${filter.id} “${filter.name}”, weight ${filter.weight}` }, `${filter.id}  ${conditionsText(filter)}`),
+      make(
+        "span",
+        { class: "code", title: `filter ${filter.id} “${filter.name}”, weight ${filter.weight}` },
+        `${filter.id}  ${conditionsText(filter)}`,
+      ),
     );
   }
 
@@ -274,7 +299,13 @@
   function showPromises() {
     const list = byId("promise-list");
     if (data.promises.length === 0) {
-      list.append(make("p", { class: "quiet" }, "No feature was switched on by the run that wrote this page: nothing is promised."));
+      list.append(
+        make(
+          "p",
+          { class: "quiet" },
+          "No feature was switched on by the run that wrote this page: nothing is promised.",
+        ),
+      );
     }
     for (const { feature, name, sentence, state, text } of data.promises) {
       const kind = stateKinds[state] ?? "depends";
@@ -344,7 +375,9 @@
   byId("theme").addEventListener("click", () =>
     setTheme(document.documentElement.dataset.theme === "dark" ? "light" : "dark"),
   );
-  addEventListener("beforeprint", () => document.querySelectorAll("details").forEach((details) => (details.open = true)));
+  addEventListener("beforeprint", () =>
+    document.querySelectorAll("details").forEach((details) => (details.open = true)),
+  );
   showAbout();
   fillBox();
   showMap();
