@@ -93,7 +93,7 @@ TEST_F(KillSwitchWithWhitelistedAppsTest, LeavesTheSourceUnchanged) {
 }
 
 TEST_F(KillSwitchWithWhitelistedAppsTest, ApplicationWithoutIdentifierThrowsFromTheConstructor) {
-  for (const std::size_t filter : {1, 2, 12}) {
+  for (const std::size_t filter : {1U, 2U, 12U}) {
     EngineEmulator::FailCall("FwpmGetAppIdFromFileName0", filter, ERROR_FILE_NOT_FOUND);
     EXPECT_THAT(
         [&] {
