@@ -15,7 +15,6 @@ packages=(
   googletest
   libclang-rt-14-dev # its sanitizers and libFuzzer
   libcli11-dev
-  librapidxml-dev
   libvalijson-dev # the tests of the tool's JSON
   llvm # llvm-dlltool, for the import library that Visual Studio takes
   mono-mcs # the C# example
