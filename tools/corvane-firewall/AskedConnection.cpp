@@ -12,7 +12,7 @@ using Policy::Connection;
 using Policy::Direction;
 using Policy::PortUse;
 
-/// @throws Failure unless ports and ICMP's type and code are given where the protocol has them.
+/// @throws Failure if ports, or an ICMP type or code, are given for a protocol that has none.
 void CheckPortUse(PortUse portUse, const Endpoint& remote, const StepOptions& options) {
   const bool hasIcmpOptions = !options.icmpType.empty() || !options.icmpCode.empty();
   const bool hasPort = remote.port || std::ranges::any_of(options.local, [](const std::string& local) {
@@ -62,7 +62,7 @@ Connection AskedConnection(const std::string& remoteText, const StepOptions& opt
   for (const std::string& app : options.apps) {
     connection.application = ReadApplicationId(app);
   }
-  // The engine has them where other protocols have the local and the remote port.
+  // The engine keeps the ICMP type in the field of the local port, and the code in that of the remote port.
   std::ranges::for_each(options.icmpType,
                         [&](const auto& text) { connection.localPort = ParseByte(text).value(); });
   std::ranges::for_each(options.icmpCode,

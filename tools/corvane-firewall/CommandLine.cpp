@@ -10,7 +10,8 @@ namespace {
 
 constexpr const char* kJson = "--json";
 
-/// The global options are understood everywhere, so each part of the command line gets them.
+/// The global options may stand before, between and after the steps, so each part of the command line gets
+/// them.
 void AddGlobalOptions(CLI::App& app, Plan& plan) {
   app.prefix_command();
   app.allow_windows_style_options(false);
@@ -70,7 +71,7 @@ std::string StepNames() {
   return names;
 }
 
-/// Parses up to the next step. @returns the rest, which begins with what the app does not know.
+/// Parses up to the next step. @returns the remaining arguments, from the first that the app does not know.
 std::vector<std::string> Parse(CLI::App& app, std::vector<std::string> arguments, Plan& plan) {
   std::ranges::reverse(arguments);
   try {

@@ -14,18 +14,18 @@ struct Plan {
   bool json = false;
   bool noHold = false;
   std::vector<PlannedStep> steps;
-  /// Help or the version, to be printed instead of running anything; empty otherwise.
+  /// The text of --help or --version, which is then printed and no step runs; otherwise empty.
   std::string information;
 };
 
-/// A command line that makes no sense: what is wrong with it and what would be right.
+/// A command line that is not valid: what is wrong with it and what would be right.
 class UsageError : public Failure {
  public:
   UsageError(const std::string& wrong, const std::string& right)
       : Failure(wrong, right + ", see corvane-firewall --help") {}
 };
 
-/// Whether a command line asks for a JSON document, be it one that makes no sense.
+/// Whether a command line asks for a JSON document. It need not be a valid command line.
 bool AsksForJson(const std::vector<std::string>& arguments);
 
 /// @param arguments without the program's name.

@@ -26,8 +26,8 @@ Contents ContentsOf(const Policy::Snapshot& snapshot, Owners owners) {
   Contents contents{provider == snapshot.providers.end() ? nullptr : &*provider, {}};
   for (const Policy::Sublayer& sublayer : snapshot.sublayers) {
     std::vector<const Policy::Filter*> filters = FiltersIn(sublayer, snapshot, owners);
-    // The library does not tie its sublayers to its provider: they are known by their keys or by what they
-    // hold.
+    // The library's sublayers do not name its provider, so they are recognised by their keys. Other sublayers
+    // are shown if they hold filters to show.
     if (owners == Owners::All || IsRuleSet(sublayer.key) || !filters.empty()) {
       contents.sublayers.push_back({&sublayer, std::move(filters)});
     }

@@ -4,8 +4,8 @@
 
 #include "policy/Snapshot.h"
 
-/// Whose filters and sublayers are shown: ours, or everybody's. A sublayer of ours is shown even if it holds
-/// no filter of ours.
+/// Whose filters and sublayers are shown: the library's, or everybody's. A sublayer of the library is shown
+/// even if it holds no filter.
 enum class Owners { Ours, All };
 
 /// A sublayer and the filters in it, in the order of their ids.
@@ -16,9 +16,9 @@ struct SublayerContents {
 
 /// What the step list shows of a snapshot, which must outlive it.
 struct Contents {
-  const Policy::Provider* provider;  ///< ours; null when the engine has none
-  /// The weightiest first, as the engine asks them, and those that it does not show at the end; those of
-  /// equal weight as the engine gave them.
+  const Policy::Provider* provider;  ///< the library's; null if it is not in the engine
+  /// The heaviest first, which is the order in which the engine asks them; among equal weights, in the order
+  /// of the snapshot. Sublayers that the engine did not list, but that filters name, are at the end.
   std::vector<SublayerContents> sublayers;
 };
 

@@ -6,8 +6,8 @@
 
 #include "LoadedModule.h"
 
-/// A function of the engine's client library that this process is bound to. The program must not import
-/// that library, or it would bind to the system's before the emulated one can be loaded: every function is
+/// A function of the engine's client library that is loaded in this process. If the program imported that
+/// library, the loader would bind it to the system's before the emulator can be loaded. So every function is
 /// looked up when it is needed.
 template <typename Function>
 Function FindInEngine(const char* function) {
@@ -19,7 +19,7 @@ struct FreeEngineMemory {
   void operator()(void* memory) const { free(&memory); }
 };
 
-/// Takes over what the engine handed out.
+/// Owns memory that the engine handed out.
 template <typename Memory>
 std::unique_ptr<Memory, FreeEngineMemory> Own(Memory* memory) {
   return {memory, FreeEngineMemory{FindInEngine<decltype(&::FwpmFreeMemory0)>("FwpmFreeMemory0")}};

@@ -14,7 +14,7 @@ struct CodeHint {
   const char* hint;
 };
 
-// Only the system's own engine gives these answers for these reasons.
+// These hints fit the system's engine only; the emulator can return the same codes for other reasons.
 constexpr CodeHint kSystemHints[]{
     {ERROR_ACCESS_DENIED, "The filtering engine is open to administrators only: run this as administrator."},
     {RPC_S_CANNOT_SUPPORT,

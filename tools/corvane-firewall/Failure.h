@@ -7,17 +7,17 @@
 
 enum class Engine { System, Emulated };
 
-/// What stopped the tool, in words for its user; UTF-8.
+/// Why the tool stopped, in words for its user; UTF-8.
 class Failure : public std::runtime_error {
  public:
-  /// Something that no command and no engine call reported.
+  /// A failure without a code.
   Failure(const std::string& text, std::string hint);
-  /// @param code a result of the library or of the engine.
+  /// @param code the result of a command of the library or of an engine call.
   Failure(std::uint64_t code, const std::string& text);
 
   [[nodiscard]] std::optional<std::uint64_t> Code() const { return code_; }
-  /// What to do about it; empty when there is nothing to say.
-  /// @param engine that it was about; none where no step was run.
+  /// What the user can do about it; empty if nothing is known.
+  /// @param engine the engine that the step used; empty if no step ran.
   [[nodiscard]] std::string Hint(std::optional<Engine> engine) const;
 
  private:
@@ -25,5 +25,5 @@ class Failure : public std::runtime_error {
   std::string hint_;
 };
 
-/// "FWP_E_IN_USE (0x8032000a)": codes of the library, the engine and the system.
+/// A code of the library, the engine or the system with its name, such as "FWP_E_IN_USE (0x8032000a)".
 std::string CodeName(std::uint64_t code);

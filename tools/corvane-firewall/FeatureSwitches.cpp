@@ -27,7 +27,7 @@ std::vector<UINT32> Addresses(const std::vector<std::string>& texts) {
   return addresses;
 }
 
-/// The application that a filter of somebody else's blocks, whatever it connects to.
+/// The application that a filter of another program blocks, for every destination.
 std::optional<std::string> BlockedApplication(const Policy::Filter& filter) {
   const bool isOurs = filter.providerKey && *filter.providerKey == kProvider.key;
   if (isOurs || filter.action != FWP_ACTION_BLOCK || filter.conditions.size() != 1) {
@@ -51,7 +51,8 @@ std::set<std::string> ApplicationsBlockedAt(const Policy::Snapshot& snapshot, co
   return applications;
 }
 
-/// Those that are blocked over both IP versions: of one that is free over the other nothing is promised.
+/// The applications that are blocked over both IP versions. There is no promise about an application that is
+/// blocked over one version only.
 std::vector<std::string> ApplicationsBlocked(const Policy::Snapshot& snapshot, const GUID& layerV4,
                                              const GUID& layerV6) {
   std::vector<std::string> applications;

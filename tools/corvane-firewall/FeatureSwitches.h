@@ -2,7 +2,7 @@
 
 #include "Step.h"
 
-// What the steps that change rules do to the features.
+// How each step that installs or removes rule sets changes the features.
 void KillSwitchOn(const StepOptions& options, const FeatureSources& sources, Promises::Features& features);
 void KillSwitchOff(const StepOptions& options, const FeatureSources& sources, Promises::Features& features);
 void DhcpOn(const StepOptions& options, const FeatureSources& sources, Promises::Features& features);

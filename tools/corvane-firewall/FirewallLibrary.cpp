@@ -4,13 +4,14 @@
 
 namespace {
 
-/// Null for the system's engine, which the library's own import brings in.
+/// Null for the system's engine: there is nothing to load, because the library imports it.
 ModuleHandle LoadEmulator(Engine engine, const std::filesystem::path& folder) {
   if (engine == Engine::System) {
     return nullptr;
   }
   ModuleHandle emulator = LoadModule(folder / L"emulator" / L"fwpuclnt.dll");
-  // The loader binds by base name: rules meant for the emulator must not end up in the real engine.
+  // The loader binds an import to the module of that name that is already loaded. If this is not the
+  // emulator, the filters would go into the real engine.
   if (GetModuleHandleW(L"fwpuclnt.dll") != emulator.get()) {
     throw Failure("The system's fwpuclnt.dll is loaded already, the emulated engine cannot take its place",
                   "Something in this process brought it in, such as a security product.");
@@ -73,7 +74,7 @@ void FirewallLibrary::DisableInternet(const std::vector<std::wstring>& apps,
                                       LogCallback log) const {
   const std::vector<const wchar_t*> appPointers = Pointers(apps);
   const std::vector<const wchar_t*> interfacePointers = Pointers(interfaceNames);
-  // An empty list of names would be searched for; null says that there is nothing to search.
+  // With an empty list the library would still search the adapters; with null it does not.
   Check(disableInternet_(appPointers.data(), static_cast<std::uint32_t>(appPointers.size()),
                          interfacePointers.empty() ? nullptr : interfacePointers.data(),
                          static_cast<std::uint32_t>(interfacePointers.size()), log));

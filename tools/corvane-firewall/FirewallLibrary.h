@@ -8,7 +8,7 @@
 #include "LoadedModule.h"
 #include "corvane/native_firewall.h"
 
-/// What EnableLeakProtection is given.
+/// The arguments of EnableLeakProtection.
 struct LeakProtectionRequest {
   std::string server;
   std::vector<std::wstring> interfaceNames;
@@ -16,11 +16,11 @@ struct LeakProtectionRequest {
   std::vector<std::uint32_t> permittedAddresses;
 };
 
-/// Corvane.Native.Firewall.dll, loaded and initialised with the tool's identities. What was installed
-/// through it is gone when this object is.
+/// Corvane.Native.Firewall.dll, loaded and initialised with the tool's identities. When this object is
+/// destroyed, everything that was installed through it is removed.
 class FirewallLibrary {
  public:
-  /// Loads the DLL from this program's folder, bound to the engine that is asked for.
+  /// Loads the DLL from this program's folder and binds it to `engine`.
   /// @param dnsAppPath see Initialize.
   /// @throws Failure when a file or a function is missing.
   FirewallLibrary(Engine engine, const std::wstring& dnsAppPath);
@@ -42,7 +42,7 @@ class FirewallLibrary {
   void DisableLeakProtection() const { Check(disableLeakProtection_()); }
   void EnableLocalNetwork() const { Check(enableLocalNetwork_()); }
   void DisableLocalNetwork(LogCallback log) const { Check(disableLocalNetwork_(log)); }
-  /// @param interfaceLuid 0 to look for the names.
+  /// @param interfaceLuid 0 to search the adapters for the names.
   /// @param peers in host byte order.
   /// @throws NetworkInfoException too, when the adapters cannot be listed.
   void EnableSkein(const std::vector<std::wstring>& interfaceNames, std::uint64_t interfaceLuid,
@@ -53,7 +53,7 @@ class FirewallLibrary {
   void Initialize(const std::wstring& dnsAppPath) const;
   void Check(std::uint64_t result) const;
 
-  ModuleHandle emulator_;  // goes last: the library closes its session as it unloads
+  ModuleHandle emulator_;  // unloaded last: the library closes its session when it unloads
   ModuleHandle module_;
   decltype(&::GetErrorText) getErrorText_;
   decltype(&::IsInternetEnabled) isInternetEnabled_;

@@ -9,7 +9,7 @@
 
 namespace {
 
-/// @throws Failure with the code, unless it is that of success.
+/// @throws Failure with the code if it is not ERROR_SUCCESS.
 void Check(DWORD result, const char* function) {
   if (result != ERROR_SUCCESS) {
     throw Failure(result, std::string(function) + " failed");
@@ -18,7 +18,7 @@ void Check(DWORD result, const char* function) {
 
 using EngineHandle = std::unique_ptr<void, decltype(&::FwpmEngineClose0)>;
 
-/// A session whose filters stay when it closes.
+/// Opens a session that is not dynamic, so that its filters stay when it closes.
 EngineHandle OpenEngine() {
   EngineHandle session(nullptr, FindInEngine<decltype(&::FwpmEngineClose0)>("FwpmEngineClose0"));
   HANDLE opened = nullptr;

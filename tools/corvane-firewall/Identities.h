@@ -4,14 +4,15 @@
 
 #include <algorithm>
 
-/// What an object of the engine is known by.
+/// The key, name and description of an object of the engine.
 struct Identity {
   GUID key;
   const wchar_t* name;
   const wchar_t* description;
 };
 
-/// The tool's own identities: it never touches what an installed client has put into the engine.
+/// The tool has identities of its own, so that it never touches what an installed client has put into the
+/// engine.
 inline constexpr Identity kProvider{
     {0xb2574836, 0xbff5, 0x4a6e, {0x9b, 0xc2, 0xdb, 0x92, 0xf1, 0x63, 0x23, 0x30}},
     L"Corvane Firewall Tool",
@@ -48,7 +49,7 @@ inline constexpr Identity kSkein{
 inline constexpr const Identity* kRuleSets[]{&kKillSwitch,    &kLocalNetwork, &kDhcp, &kDnsLeak,
                                              &kInterfaceLeak, &kFirewallCopy, &kSkein};
 
-/// Whether a sublayer of that key is one of ours.
+/// Whether the key is that of one of the sublayers above.
 inline bool IsRuleSet(const GUID& key) {
   return std::any_of(std::begin(kRuleSets), std::end(kRuleSets),
                      [&](const Identity* ruleSet) { return ruleSet->key == key; });

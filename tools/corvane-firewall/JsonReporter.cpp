@@ -139,6 +139,6 @@ void JsonReporter::Fail(const Failure& failure) {
 }
 
 void JsonReporter::Finish() {
-  // Names of adapters come from elsewhere and need not be valid text.
+  // Names of adapters come from the system and may not be valid UTF-8.
   std::cout << document_.dump(2, ' ', false, Json::error_handler_t::replace) << std::endl;
 }

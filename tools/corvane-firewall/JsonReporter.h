@@ -6,7 +6,7 @@
 /// One JSON document for machines, written to stdout by Finish.
 class JsonReporter : public Reporter {
  public:
-  /// @param engine none where the command line does not tell.
+  /// @param engine empty if the command line does not name one.
   explicit JsonReporter(std::optional<Engine> engine);
 
   void BeginStep(const std::string& step) override;

@@ -12,10 +12,10 @@ struct FreeModule {
 };
 using ModuleHandle = std::unique_ptr<std::remove_pointer_t<HMODULE>, FreeModule>;
 
-/// The file of a module; of this program for null.
+/// The path of a module's file; for null, that of this program.
 std::filesystem::path ModulePath(HMODULE module);
 
-/// @param path full path, so that nothing of the same name is taken from elsewhere.
+/// @param path a full path, so that the loader does not take a file of the same name from another folder.
 /// @throws Failure naming the path.
 ModuleHandle LoadModule(const std::filesystem::path& path);
 

@@ -28,7 +28,7 @@ Json ToJson(const std::optional<Policy::Action>& action) {
   return action ? Json(Policy::ActionText(*action)) : Json(nullptr);
 }
 
-/// The number of an optional number, the text of an optional text.
+/// The converted value, or null if there is none.
 template <class Value, class Convert>
 Json ToJson(const std::optional<Value>& value, Convert convert) {
   return value ? Json(convert(*value)) : Json(nullptr);
@@ -190,7 +190,7 @@ const char* KindText(Policy::Test::Kind kind) {
 
 Json ToJson(const Policy::Condition& condition) {
   const Policy::Test& test = condition.test;
-  // The fields of 64 bits are LUIDs, and one counter.
+  // All fields of 64 bits are LUIDs but one, a counter, which is shown in decimal as well.
   const bool isLuid = condition.field != nullptr && condition.field->dataType == FWP_UINT64;
   return {{"field", condition.field == nullptr ? Catalog::FormatGuid(condition.fieldKey)
                                                : std::string(condition.field->name)},

@@ -8,13 +8,13 @@
 #include "policy/Map.h"
 #include "promises/Proof.h"
 
-// What the policy library says, for machines. Numbers that may need more than 53 bits are texts: LUIDs of
-// decimal digits, others (weights, the ends of intervals) of hexadecimal ones. Applications are the
-// hexadecimal bytes of their ids.
+// Results of the policy library as JSON. Numbers that may need more than 53 bits are texts: LUIDs in decimal,
+// others (weights, the ends of intervals) in hexadecimal. An application is given by the bytes of its id, in
+// hexadecimal.
 
-/// "0x0a000001"
+/// The number in hexadecimal, such as "0x0a000001".
 std::string HexText(Policy::Number number);
-/// "5c006400"
+/// The bytes in hexadecimal, such as "5c006400".
 std::string HexText(std::string_view bytes);
 
 Json ToJson(const Policy::Verdict& verdict);
@@ -23,5 +23,5 @@ Json ToJson(const Policy::Explanation& explanation, const Policy::Labels& labels
 Json ToJson(const Policy::Map& map);
 Json ToJson(const std::vector<Promises::PromiseResult>& promises, const Policy::Labels& labels);
 Json ToJson(const std::vector<Policy::Finding>& findings);
-/// Sublayers and filters with what is needed to judge connections.
+/// The sublayers and filters, with all that a reader needs to decide about connections.
 Json ToJson(const Policy::Snapshot& snapshot);

@@ -6,22 +6,24 @@
 #include "policy/Connection.h"
 #include "policy/Snapshot.h"
 
-/// Reads all providers, sublayers and filters that this user may see from the engine that this process is
-/// bound to, the system's or the emulated one. Changes nothing.
+/// Reads all providers, sublayers and filters that this user may see, from the engine whose client library
+/// is loaded in this process. Changes nothing.
 /// @throws Failure with the engine's code, or when the engine's client library lacks a function.
 Policy::Snapshot ReadPolicy();
 
-/// The names of the network adapters; none when they cannot be listed.
+/// The names of the network adapters; empty if they cannot be listed.
 Policy::Labels ReadLabels();
 
-/// The LUID of an option's value: the number itself, or that of the adapter of this name.
+/// The LUID that an option's value means: the value itself if it is a number, else the LUID of the adapter
+/// with this name.
 /// @throws Failure when there is no such adapter.
 UINT64 FindInterface(const std::string& nameOrLuid);
 
-/// The LUIDs of the adapters whose description contains one of some texts, as the library searches them.
+/// The LUIDs of the adapters whose description contains one of the texts, found in the same way as by the
+/// library.
 std::vector<UINT64> FindInterfaces(const std::vector<std::string>& texts);
 
-/// The bytes of the id by which the engine knows an application. A path that begins with "\device\" is an
-/// id already, and its file need not exist.
+/// The bytes of the engine's id of an application. A path that begins with "\device\" is already an id, and
+/// its file need not exist.
 /// @throws Failure with the engine's code.
 std::string ReadApplicationId(const std::string& path);

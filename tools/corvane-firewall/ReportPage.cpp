@@ -13,7 +13,7 @@ namespace {
 
 constexpr std::string_view kDataMark = "@DATA@";
 
-/// Connections that no filter has a special word for, in the order of a map's sections.
+/// The ordinary connection of each section of a map, in the order of the sections.
 Json OrdinaryConnections() {
   Json json = Json::array();
   for (const auto direction : {Policy::Direction::Outbound, Policy::Direction::Inbound}) {
@@ -24,7 +24,7 @@ Json OrdinaryConnections() {
   return json;
 }
 
-/// The applications that conditions name.
+/// The applications that the conditions of filters name.
 Json Applications(const Policy::Snapshot& snapshot) {
   std::map<std::string, std::string> texts;
   for (const Policy::Filter& filter : snapshot.filters) {
@@ -52,7 +52,7 @@ Json Interfaces(const Policy::Labels& labels) {
   return json;
 }
 
-/// The open rules of the engine, with what the page expects of each first.
+/// The assumptions about the engine. The first reading of each is the one that the page expects.
 Json Assumptions() {
   Json json = Json::array();
   for (std::size_t i = 0; i < Policy::kAssumptionCount; ++i) {
@@ -92,7 +92,8 @@ Json DataOf(const PageContent& content) {
           {"findings", ToJson(Policy::Lint(content.snapshot))}};
 }
 
-/// Text for a script element: names of filters and adapters are anybody's and must not end it.
+/// JSON for a script element. Other programs choose the names of filters and adapters, so a name that holds
+/// "</script>" must not end the element.
 std::string ScriptText(const Json& data) {
   std::string text;
   for (const char character : data.dump(-1, ' ', false, Json::error_handler_t::replace)) {

@@ -6,7 +6,7 @@
 #include "Failure.h"
 #include "promises/Proof.h"
 
-/// What a page is about.
+/// The data that a page shows.
 struct PageContent {
   Engine engine;
   const Policy::Snapshot& snapshot;
@@ -14,6 +14,6 @@ struct PageContent {
   const Policy::Labels& labels;
 };
 
-/// A page that shows what an engine lets through: one HTML file, which loads nothing. It holds the filters
-/// and their exact map as data, and a script that looks connections up in them.
+/// A page that shows what an engine lets through: one HTML file that loads no other file. It holds the
+/// filters and their exact map as data, and a script that looks up connections in them.
 std::string MakePage(const PageContent& content);

@@ -17,7 +17,7 @@ struct ListedAdapter {
   std::uint64_t luid;
 };
 
-/// What the library's queries answer.
+/// The answers of the library's queries.
 struct Status {
   bool internet;
   bool dhcp;
@@ -25,14 +25,14 @@ struct Status {
   bool localNetwork;
 };
 
-/// Receives what happens while a plan runs, in this order: per step BeginStep, anything that the step
-/// shows, EndStep or Fail; at the end of it all Finish. Fail may also come before any step.
+/// Receives what happens while a plan runs. For each step: BeginStep, then what the step shows, then EndStep
+/// or Fail. Finish comes last. Fail may also come before the first step.
 class Reporter {
  public:
   virtual ~Reporter() = default;
 
   virtual void BeginStep(const std::string& step) = 0;
-  /// A line of the library.
+  /// A line that the library logged.
   virtual void Log(const std::string& line) = 0;
   virtual void ShowStatus(const Status& status) = 0;
   virtual void ShowAdapters(const std::vector<ListedAdapter>& adapters) = 0;

@@ -9,7 +9,7 @@
 #include "Reporter.h"
 #include "promises/Features.h"
 
-/// What the options of one step were given, in their order; UTF-8. Each step has some of them.
+/// The values of one step's options, in the order given; UTF-8. A step uses only some of them.
 struct StepOptions {
   std::vector<std::string> apps;
   std::vector<std::string> interfaces;
@@ -33,8 +33,8 @@ enum class Times { Any, AtLeastOnce, AtMostOnce, Once };
 
 /// An option that takes a value, or a flag.
 struct StepOption {
-  const char* name;         ///< without dashes for a value that stands alone
-  const char* placeholder;  ///< null for a flag: given, it has an empty value
+  const char* name;         ///< without dashes if the value stands alone
+  const char* placeholder;  ///< null for a flag, whose value is an empty text
   const char* help;
   std::vector<std::string> StepOptions::*values;
   Times times = Times::Any;
@@ -43,7 +43,7 @@ struct StepOption {
 
 struct PlannedStep;
 
-/// What a step works with.
+/// What a step uses besides its options.
 struct StepContext {
   const FirewallLibrary& library;
   Reporter& reporter;
@@ -52,10 +52,10 @@ struct StepContext {
   std::span<const PlannedStep> before;
 };
 
-/// What a step does to the rules; those that it leaves are gone when the program ends.
+/// What a step does to the rule sets. All rule sets are removed when the program ends.
 enum class Effect { Reads, Installs, Removes };
 
-/// What a feature's arguments are taken from besides the options.
+/// The sources of a feature's arguments besides the options.
 struct FeatureSources {
   const std::string& dnsApp;
   const Policy::Snapshot& snapshot;
@@ -68,8 +68,8 @@ struct Step {
   Effect effect;
   /// Throws Failure.
   void (*run)(const StepContext& context, const StepOptions& options);
-  /// Switches the step's feature as the step does; null for a step that only reads. Throws Failure, and
-  /// NetworkInfoException when the adapters cannot be listed.
+  /// Makes the same change to the features as the step makes to the engine; null for a step that only reads.
+  /// Throws Failure, and NetworkInfoException when the adapters cannot be listed.
   void (*switchFeature)(const StepOptions& options, const FeatureSources& sources,
                         Promises::Features& features) = nullptr;
 };

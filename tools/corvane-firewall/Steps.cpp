@@ -12,10 +12,10 @@
 
 namespace {
 
-/// Where the library's lines go. Its callback carries no context of the caller's.
+/// Receives the library's log lines. It is global because the library's callback has no context argument.
 Reporter* logReceiver = nullptr;
 
-/// Routes the library's lines to a reporter for as long as it lives.
+/// Sends the library's log lines to a reporter as long as this object lives.
 class LogRoute {
  public:
   explicit LogRoute(Reporter& reporter) { logReceiver = &reporter; }
@@ -46,7 +46,7 @@ void DisableDhcpStep(const StepContext& context, const StepOptions&) {
   context.library.DisableDhcp(&LogRoute::Receive);
 }
 
-/// Runs what searches the adapters. @throws Failure when they cannot be listed.
+/// Runs a command that searches the adapters. @throws Failure when they cannot be listed.
 template <typename Search>
 void SearchAdapters(const Search& search) {
   try {
@@ -56,7 +56,7 @@ void SearchAdapters(const Search& search) {
   }
 }
 
-/// 0 when there is none.
+/// 0 if no LUID is given.
 std::uint64_t LuidOf(const StepOptions& options) {
   return options.luid.empty() ? 0 : ParseLuid(options.luid.front()).value();
 }
@@ -233,7 +233,7 @@ constexpr Step kSteps[]{
      Effect::Reads, ReportStep},
 };
 
-/// A step that changes rules says which feature it switches.
+/// Every step that installs or removes rule sets has a switchFeature, which ActiveFeatures needs.
 static_assert(std::ranges::all_of(kSteps, [](const Step& step) {
   return (step.effect == Effect::Reads) == (step.switchFeature == nullptr);
 }));

@@ -5,7 +5,7 @@
 
 #include "Step.h"
 
-/// Every step there is.
+/// All steps, in the order of the help.
 std::span<const Step> AllSteps();
-/// Null when there is none of that name.
+/// Null if no step has this name.
 const Step* FindStep(const std::string& name);

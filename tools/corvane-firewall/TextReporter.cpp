@@ -16,7 +16,7 @@ std::string Heading(const std::string& kind, const std::string& name, const GUID
   return "  " + kind + " \"" + name + "\" {" + Catalog::FormatGuid(key) + "}";
 }
 
-/// "UINT8 14", "EMPTY"
+/// A value with its type, such as "UINT8 14" or "EMPTY".
 std::string Text(const Policy::Value& value) {
   std::string type = Catalog::DataTypeName(value.type);
   const Json data = ToJson(value);
@@ -26,7 +26,7 @@ std::string Text(const Policy::Value& value) {
   return type + ' ' + (data.is_string() ? data.get<std::string>() : data.dump());
 }
 
-/// Filters of our provider do not name it.
+/// The provider is shown only if it is not the library's.
 std::string Line(const Policy::Filter& filter) {
   std::string line = Policy::Describe(filter) + " at " + Catalog::LayerName(filter.layerKey) + ": " +
                      Catalog::ActionName(filter.action);
@@ -53,7 +53,7 @@ std::string Line(const Policy::Filter& filter) {
   return line;
 }
 
-/// Lines of somebody else's, set in as ours are.
+/// Prints each line of a text indented.
 void Print(const std::string& text) {
   std::istringstream lines(text);
   for (std::string line; std::getline(lines, line);) {
@@ -61,7 +61,7 @@ void Print(const std::string& text) {
   }
 }
 
-/// What is said of filters, and the filters of which it is. Many findings say the same.
+/// The texts of findings, each with all filters that it is about: many findings have the same text.
 std::map<std::string, std::vector<std::string>> ByText(const std::vector<Policy::Finding>& findings) {
   std::map<std::string, std::vector<std::string>> groups;
   for (const Policy::Finding& finding : findings) {

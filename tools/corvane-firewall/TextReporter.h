@@ -2,10 +2,10 @@
 
 #include "Reporter.h"
 
-/// Text for people, as it comes: results on stdout, failures on stderr.
+/// Writes text as soon as it is reported: results to stdout, failures to stderr.
 class TextReporter : public Reporter {
  public:
-  /// @param engine none where the command line does not tell.
+  /// @param engine empty if the command line does not name one.
   explicit TextReporter(std::optional<Engine> engine) : engine_(engine) {}
 
   void BeginStep(const std::string& step) override;

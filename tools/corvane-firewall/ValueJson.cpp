@@ -11,7 +11,7 @@ struct DataToJson {
   FWP_DATA_TYPE type;
 
   Json operator()(std::monostate) const { return nullptr; }
-  // JSON's readers may keep no more than 53 bits of a number.
+  // A text, because many readers of JSON keep only 53 bits of a number.
   Json operator()(UINT64 number) const {
     return type == FWP_UINT64 ? Json(Catalog::FormatNumber(number)) : Json(number);
   }

@@ -3,5 +3,5 @@
 #include "Json.h"
 #include "policy/Value.h"
 
-/// A value of the engine's for machines; docs/json.md has a table by type.
+/// A value of the engine as JSON; docs/json.md has a table by type.
 Json ToJson(const Policy::Value& value);

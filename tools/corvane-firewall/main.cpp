@@ -14,7 +14,7 @@
 
 namespace {
 
-/// Lets the console show UTF-8 while the program runs.
+/// Sets the console to UTF-8 while the program runs.
 class Utf8Console {
  public:
   Utf8Console() : before_(GetConsoleOutputCP()) { SetConsoleOutputCP(CP_UTF8); }
@@ -26,8 +26,8 @@ class Utf8Console {
   UINT before_;
 };
 
-/// The command line in UTF-8, without the program's name. What main is given has lost all characters
-/// that the system's code page lacks.
+/// The command line in UTF-8, without the program's name. It is read from Windows, because the arguments of
+/// main have lost all characters that the system's code page lacks.
 std::vector<std::string> Arguments() {
   struct FreeLocal {
     void operator()(wchar_t** memory) const { LocalFree(memory); }

@@ -1,5 +1,5 @@
-# Writes report.html, with report.css and the scripts put in, as an array of bytes.
-# cmake -DFOLDER=... -DHEADER=... -P Embed.cmake
+# Puts report.css and the scripts into report.html and writes the result as a C++ array of bytes:
+#   cmake -DFOLDER=... -DHEADER=... -P Embed.cmake
 foreach(name report.html report.css policy.js dom.js matrix.js report.js)
   file(READ "${FOLDER}/${name}" hex HEX)
   set(${name} "${hex}")

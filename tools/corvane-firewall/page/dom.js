@@ -1,6 +1,6 @@
-// Elements, and the words and signs of verdicts.
+// Makes elements; has the words and signs of verdicts.
 const dom = (() => {
-  /** An element; texts of others never become markup. */
+  /** An element. Its texts never become markup, because other programs choose the names of filters. */
   function make(tag, attributes = {}, ...children) {
     const element = document.createElement(tag);
     for (const [name, value] of Object.entries(attributes)) {

@@ -1,4 +1,4 @@
-// The verdicts of a section as a table of buttons.
+// Shows the verdicts of a section as a table of buttons.
 const matrix = (() => {
   const { make, signs, words } = dom;
 
@@ -26,7 +26,7 @@ const matrix = (() => {
     return row;
   }
 
-  /** The table of a section: ordinary connections, then those over loopback if they may fare otherwise. */
+  /** The table of a section: ordinary connections, then those over loopback if flags make a difference. */
   function tableOf(context) {
     const { section, ordinary, shorten } = context;
     const isFlagged = section.fields.some(({ field }) => field === "flags");

@@ -1,5 +1,6 @@
-// What the engine does with a connection: the verdict by the exact map, the reasons by the filters.
-// Numbers are BigInts, applications the hexadecimal bytes of their ids; what is unset is undefined.
+// What the engine does with a connection: the verdict comes from the exact map, the reasons from the filters.
+// Numbers are BigInts. An application is given by the bytes of its id, in hexadecimal. A value that the engine
+// does not know is undefined.
 const policy = (() => {
   const fieldNames = {
     FLAGS: "flags",
@@ -51,7 +52,7 @@ const policy = (() => {
     return groups.reduce((number, group) => (number << 16n) | BigInt("0x" + group), 0n);
   }
 
-  /** The address of a text, or undefined. */
+  /** The address that a text stands for, or undefined. */
   function parseAddress(text) {
     const v4 = parseV4(text);
     if (v4 !== undefined) {
@@ -95,7 +96,7 @@ const policy = (() => {
     return found;
   }
 
-  /** The class of a field's value. */
+  /** The index of the class that a field's value is in. */
   function classOf({ field, classes }, value) {
     if (value === undefined) {
       return classes.findIndex((values) => values.unset);
@@ -135,7 +136,7 @@ const policy = (() => {
 
   // ---- The filters
 
-  /** Whether a condition's test holds of a value: true, false, or undefined where only the engine can tell. */
+  /** Whether a condition holds for a value: true, false, or undefined if only the engine can tell. */
   function holds(condition, field, value) {
     const bits = value === undefined || field === "application" ? 0n : value;
     const [first, last] = [BigInt(condition.first), BigInt(condition.last)];
@@ -194,7 +195,10 @@ const policy = (() => {
 
   const isDecider = (filter) => ["PERMIT", "BLOCK", "CALLOUT_TERMINATING", "CALLOUT_UNKNOWN"].includes(filter.action);
 
-  /** The sublayers of a layer in the order of their turn, each with its filters, the first to decide first. */
+  /**
+   * The sublayers that have filters in a layer, the heaviest first as in the snapshot, with these filters. The
+   * heaviest filter is first; of filters with the same weight, blocks come first.
+   */
   function ladderOf(snapshot, layer) {
     const heavier = (a, b) => (BigInt(a.weight) < BigInt(b.weight) ? 1 : BigInt(a.weight) > BigInt(b.weight) ? -1 : 0);
     return snapshot.sublayers
@@ -208,8 +212,8 @@ const policy = (() => {
   }
 
   /**
-   * What each sublayer of a layer makes of a connection, with the first reading of every open rule.
-   * The action is undefined where filters that only the engine can judge may make the difference.
+   * What each sublayer of a layer decides about a connection, by the first reading of every assumption.
+   * The action is undefined if there are filters that only the engine can judge.
    */
   function traceLayer(snapshot, layer, connection) {
     const rungs = ladderOf(snapshot, layer).map(({ sublayer, filters }) => {
@@ -241,7 +245,7 @@ const policy = (() => {
     return { layer, rungs, action: isSure ? (block ? "block" : "permit") : undefined };
   }
 
-  /** The layers that a connection passes. */
+  /** What each layer that a connection passes decides about it. */
   function trace(snapshot, connection) {
     return layersOf(connection.direction, connection.ipVersion).map((layer) => traceLayer(snapshot, layer, connection));
   }
@@ -250,7 +254,7 @@ const policy = (() => {
 
   const axes = ["remote address", "interface", "application", "remote port"];
 
-  /** Groups the classes of a field that look alike in every cell. */
+  /** Groups the classes of a field whose cells are all the same. */
   function groupClasses(indices, cellsOf) {
     const groups = new Map();
     for (const index of indices) {
@@ -263,8 +267,8 @@ const policy = (() => {
   const product = (lists) => lists.reduce((rows, list) => rows.flatMap((row) => list.map((x) => [...row, x])), [[]]);
 
   /**
-   * The verdict where some fields have chosen classes and all others plain ones, and the other fields that can
-   * make a difference. Classes are by field; undefined where they are not chosen.
+   * The verdict of one cell. `chosen` has a class for some fields, undefined for the others; those have their
+   * class in `plain`. Also gives the names of those other fields if another class may change the verdict.
    */
   function cellOf(section, chosen, plain) {
     const verdicts = new Set();
@@ -296,15 +300,15 @@ const policy = (() => {
   }
 
   /**
-   * The verdicts of a section by destination, interface, application and remote port, in a slice for each word
-   * of flags. All other fields are ordinary; where they make a difference, the cell says so. Values that the
-   * engine does not know are left out.
+   * The verdicts of a section by destination, interface, application and remote port, one slice for each of
+   * `flagWords`. All other fields have the values of the ordinary connection; a cell where other values would
+   * make a difference says so. Values that the engine does not know are left out.
    */
   function matrixOf(section, ordinary, flagWords) {
     const indexOf = (name) => section.fields.findIndex(({ field }) => field === name);
     const plain = section.fields.map((field) => classOf(field, ordinary[field.field]));
     const onAxis = axes.map(indexOf);
-    // A field that makes no difference has one class of everything: undefined.
+    // The map leaves out a field that makes no difference. It has one class here, undefined.
     const classesOn = onAxis.map((field) =>
       field < 0
         ? [undefined]

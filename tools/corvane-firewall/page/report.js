@@ -8,7 +8,7 @@
 
   const fileName = (path) => path.split("\\").at(-1);
   const shortNames = new Map(data.applications.map(({ text }) => [text, fileName(text)]));
-  /** Paths are long: their last part will do where it tells them apart. */
+  /** Replaces each path by its file name, unless two paths have the same file name. */
   function shorten(text) {
     const names = [...shortNames.values()];
     return [...shortNames].reduce(
@@ -51,7 +51,7 @@
     return /^\d{1,5}$/.test(text) && Number(text) < 65536 ? BigInt(text) : undefined;
   }
 
-  /** The connection in the box, or what is wrong with it. */
+  /** The connection that the box describes, or what is wrong with its values. */
   function readBox() {
     const address = policy.parseAddress(byId("remote").value.trim());
     if (address === undefined) {
@@ -65,7 +65,7 @@
     const connection = { ...ordinaryOf(direction, address.ipVersion), "remote address": address.number };
     const protocol = byId("protocol").value;
     const isV4 = address.ipVersion === 4;
-    // ICMP has its type where others have the local port, its code where they have the remote one.
+    // The engine keeps the ICMP type in the field of the local port, and the code in that of the remote port.
     connection["remote port"] = protocol === "icmp" ? 0n : remotePort;
     connection["local port"] = protocol === "icmp" ? (isV4 ? 8n : 128n) : localPort;
     connection.protocol = protocol === "icmp" ? (isV4 ? 1n : 58n) : BigInt(protocol);
@@ -183,7 +183,7 @@
     byId("box").addEventListener("change", showAnswer);
   }
 
-  /** A value of a select; one that it lacks is added. */
+  /** Sets a select element to a value, which is added if it is not among the options. */
   function select(id, value, text) {
     const element = byId(id);
     if (![...element.options].some((option) => option.value === value)) {
@@ -192,7 +192,7 @@
     element.value = value;
   }
 
-  /** Puts a cell's connection into the box. */
+  /** Fills the box with the connection of a cell. */
   function askAbout(section, flags, [row, intf, application, port]) {
     const ordinaryConnection = ordinaryOf(section.direction, section.ipVersion);
     const address = row.example === undefined ? ordinaryConnection["remote address"] : BigInt(row.example);
