@@ -1,5 +1,5 @@
-// How to read what the engine holds, asked by a client in C++: templates that select, pages, and a snapshot
-// that later changes do not touch. Its session is dynamic, so nothing of it is left however it ends.
+// A client in C++ that reads filters from the engine: by templates, in pages, and as a snapshot that later
+// changes do not affect. Its session is dynamic, so nothing stays in the engine, however the program ends.
 #include <winsock2.h>
 
 #include <fwpmu.h>
@@ -9,7 +9,7 @@
 #include <span>
 #include <vector>
 
-// MinGW-w64's headers lack this.
+// Not in the headers of MinGW-w64.
 #ifndef FWPM_SESSION_FLAG_DYNAMIC
 #define FWPM_SESSION_FLAG_DYNAMIC 0x00000001
 #endif
@@ -18,7 +18,7 @@ namespace {
 
 constexpr GUID kOurs{0x7c300001, 0x2b1f, 0x4d63, {0x9a, 0x04, 0x5e, 0x0d, 0xc2, 0x7b, 0x13, 0x01}};
 constexpr GUID kTheirs{0x7c300002, 0x2b1f, 0x4d63, {0x9a, 0x04, 0x5e, 0x0d, 0xc2, 0x7b, 0x13, 0x02}};
-/// FWPM_LAYER_ALE_AUTH_CONNECT_V4 and _V6, which MinGW-w64 lacks as well.
+/// FWPM_LAYER_ALE_AUTH_CONNECT_V4 and _V6, which are not there either.
 constexpr GUID kConnectV4{0xc38d57d1, 0x05a7, 0x4c33, {0x90, 0x4f, 0x7f, 0xbc, 0xee, 0xe6, 0x0e, 0x82}};
 constexpr GUID kConnectV6{0x4a72393b, 0x319f, 0x44bc, {0x84, 0xc3, 0xba, 0x54, 0xdc, 0xb3, 0xb6, 0xb4}};
 
@@ -55,7 +55,7 @@ void AddProvider(HANDLE engine, const GUID& key) {
   ExpectSuccess(FwpmProviderAdd0(engine, &provider, nullptr), "FwpmProviderAdd0");
 }
 
-/// Gives the filter's id.
+/// @returns the filter's id.
 UINT64 AddFilter(HANDLE engine, GUID provider, const GUID& layer, FWP_ACTION_TYPE action, UINT64 weight) {
   wchar_t name[] = L"Enumeration client";
   FWPM_FILTER0 filter{};
@@ -70,7 +70,8 @@ UINT64 AddFilter(HANDLE engine, GUID provider, const GUID& layer, FWP_ACTION_TYP
   return id;
 }
 
-/// Pages through the filters that a template selects. A filter's weight stands for it.
+/// Reads the filters that a template selects, page by page. Each filter of the test has a different weight,
+/// so the weights tell which filters were read.
 class FilterReader {
  public:
   FilterReader(HANDLE engine, const FWPM_FILTER_ENUM_TEMPLATE0& criteria) : engine_(engine) {
@@ -91,7 +92,7 @@ class FilterReader {
     for (const FWPM_FILTER0* filter : std::span(filters, count)) {
       weights.push_back(*filter->effectiveWeight.uint64);
     }
-    // The one block that holds the array and everything in it.
+    // One block holds the array and everything that it points at.
     FwpmFreeMemory0(reinterpret_cast<void**>(&filters));
     Expect(filters == nullptr, "freeing clears the pointer");
     return weights;
@@ -112,7 +113,8 @@ class FilterReader {
 
 using Weights = std::vector<UINT64>;
 
-/// Of our provider and a layer, the heaviest first: without that flag there is no order to rely on.
+/// Selects the filters of a provider at a layer, the heaviest first. Without the flag SORTED the engine
+/// promises no order.
 FWPM_FILTER_ENUM_TEMPLATE0 Ours(const GUID& layer, GUID& provider) {
   FWPM_FILTER_ENUM_TEMPLATE0 criteria{};
   criteria.providerKey = &provider;

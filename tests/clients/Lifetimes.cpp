@@ -1,5 +1,5 @@
-// How long objects last, asked by a client in C++: dynamic ones as long as their session, static and
-// persistent ones until somebody deletes them, and none longer than what it refers to.
+// A client in C++ that checks how long objects live: dynamic ones as long as their session, static and
+// persistent ones until they are deleted, and none longer than an object that it refers to.
 #include <winsock2.h>
 
 #include <fwpmu.h>
@@ -7,7 +7,7 @@
 #include <cstdio>
 #include <cstdlib>
 
-// MinGW-w64's headers lack these.
+// Not in the headers of MinGW-w64.
 #ifndef FWPM_SESSION_FLAG_DYNAMIC
 #define FWPM_SESSION_FLAG_DYNAMIC 0x00000001
 #endif
@@ -22,7 +22,7 @@ namespace {
 
 constexpr GUID kSublayer{0x7c200001, 0x2b1f, 0x4d63, {0x9a, 0x04, 0x5e, 0x0d, 0xc2, 0x7b, 0x12, 0x01}};
 constexpr GUID kFilter{0x7c200002, 0x2b1f, 0x4d63, {0x9a, 0x04, 0x5e, 0x0d, 0xc2, 0x7b, 0x12, 0x02}};
-/// FWPM_LAYER_ALE_AUTH_CONNECT_V4 and FWPM_SUBLAYER_UNIVERSAL, which MinGW-w64 lacks as well.
+/// FWPM_LAYER_ALE_AUTH_CONNECT_V4 and FWPM_SUBLAYER_UNIVERSAL, which are not there either.
 constexpr GUID kConnectV4{0xc38d57d1, 0x05a7, 0x4c33, {0x90, 0x4f, 0x7f, 0xbc, 0xee, 0xe6, 0x0e, 0x82}};
 constexpr GUID kUniversal{0xeebecc03, 0xced4, 0x4380, {0x81, 0x9a, 0x27, 0x34, 0x39, 0x7b, 0x2b, 0x74}};
 
@@ -36,7 +36,7 @@ void Expect(DWORD result, DWORD expected, const char* call, int line) {
   }
 }
 
-/// Closed at the end of the scope.
+/// A session that the destructor closes.
 class Session {
  public:
   explicit Session(UINT32 flags) {
@@ -57,7 +57,7 @@ class Session {
     return FwpmSubLayerAdd0(handle_, &sublayer, nullptr);
   }
 
-  /// A block in the sublayer above.
+  /// Adds a block to the sublayer of the test.
   [[nodiscard]] DWORD AddFilter(UINT32 flags) {
     wchar_t name[] = L"Lifetimes client";
     FWPM_FILTER0 filter{};

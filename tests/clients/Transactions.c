@@ -1,6 +1,6 @@
 /*
- * What transactions promise, asked by a client in C: all or nothing, visible to others at the commit, one
- * writer at a time. Its sessions are dynamic, so nothing of it is left however it ends.
+ * A client in C that checks transactions: all or nothing, visible to others after the commit, one writer at a
+ * time. Its sessions are dynamic, so nothing stays in the engine, however the program ends.
  */
 #include <winsock2.h>
 
@@ -8,7 +8,7 @@
 #include <stdio.h>
 #include <stdlib.h>
 
-/* MinGW-w64's headers lack these. */
+/* Not in the headers of MinGW-w64. */
 #ifndef FWPM_SESSION_FLAG_DYNAMIC
 #define FWPM_SESSION_FLAG_DYNAMIC 0x00000001
 #endif
@@ -45,7 +45,7 @@ static DWORD AddProvider(HANDLE engine, const GUID* key) {
   return FwpmProviderAdd0(engine, &provider, NULL);
 }
 
-/* ERROR_SUCCESS if there is such a provider. */
+/* ERROR_SUCCESS if the engine has a provider with this key. */
 static DWORD FindProvider(HANDLE engine, const GUID* key) {
   FWPM_PROVIDER0* provider = NULL;
   const DWORD result = FwpmProviderGetByKey0(engine, key, &provider);

@@ -1,6 +1,6 @@
 /*
- * A host that lets every failure happen that the page of failures lists, on the emulated engine, and writes
- * the page's tables from what it sees. Without an argument it prints them; given the page, it compares.
+ * Causes every failure that docs/failures.md lists, on the emulated engine, and writes the tables of that
+ * page from what it observes. Without an argument it prints them; with the path of the page it compares.
  */
 #include <corvane/native_firewall.h>
 #include <stdio.h>
@@ -15,7 +15,7 @@ enum { PlannedCode = 5, Words = 120, LongestCell = 200, LongestLine = 1200, Most
 static const char kBegin[] = "<!-- Written by tests/failures. -->\n";
 static const char kEnd[] = "<!-- Up to here. -->\n";
 
-/* What the tables are to say, line by line. */
+/* The expected tables, line by line. */
 static char lines[MostLines][LongestLine];
 static size_t lineCount;
 
@@ -51,7 +51,7 @@ static void LeaveTextOfSession(void) {
   kDhcp.remove();
 }
 
-/* Up to the failure. Gives the command's result. */
+/* Starts afresh and does everything up to the failure. Gives the result of the command that fails. */
 static uint64_t Fail(Run run, LeaveText leaveText) {
   StartAfresh();
   leaveText();
@@ -79,7 +79,8 @@ static const char* ResultInWords(uint64_t result) {
   return words;
 }
 
-/* What the text was before shows only beside two different ones. */
+/* Lets the command fail after two different earlier texts: if the text is the same as before in both cases,
+ * the failure does not set it. */
 static const char* TextInWords(Run run) {
   static char words[Words];
   static const LeaveText kLeave[] = {LeaveTextOfMissingApp, LeaveTextOfSession};
@@ -101,7 +102,7 @@ static bool IsWhole(const char* inForce) {
   return strcmp(inForce, "all") == 0 || strcmp(inForce, "the old rules") == 0;
 }
 
-/* The query's answer goes without saying where it is true. */
+/* Names the query's answer only if it is wrong. */
 static const char* StateInWords(Run run, bool wasStuck) {
   static char words[LongestCell];
   const char* inForce = InForce(run.feature);
@@ -114,7 +115,7 @@ static const char* StateInWords(Run run, bool wasStuck) {
   return words;
 }
 
-/* What a command gives after the failure, and the state that it leaves. */
+/* Writes the result of a command after the failure, and the state after it. */
 static void WriteStep(char* cell, Run run, uint64_t (*step)(Run run)) {
   Fail(run, LeaveTextOfSession);
   const bool wasStuck = IsTransactionOpen();
@@ -150,7 +151,7 @@ static bool Require(bool good, Run run, const char* what) {
   return good;
 }
 
-/* After the help, what was asked for is in force, and the query says so. */
+/* Whether all that was asked for is in force after the help, and the query says so. */
 static bool IsMended(Run run, Help help) {
   Fail(run, LeaveTextOfSession);
   if (help == OppositeFirst) {
@@ -163,7 +164,7 @@ static bool IsMended(Run run, Help help) {
          (run.feature->counts == NULL || run.feature->counts() == run.table->installs);
 }
 
-/* When stuck, other features are switched on without effect. */
+/* Whether switching on another feature has no effect if the library is stuck. */
 static bool IsStuckForOthers(Run run) {
   Fail(run, LeaveTextOfSession);
   return !IsTransactionOpen() ||

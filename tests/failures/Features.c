@@ -79,7 +79,7 @@ const Feature kDhcp = {InstallDhcp, InstallDhcp, RemoveDhcp, DhcpCounts, 1, {{"D
 const Feature kLocalNetwork = {InstallLocal,          InstallLocal, RemoveLocal, LocalCounts, 1,
                                {{"block", Local, 15}}};
 const Feature kSkein = {InstallSkein, InstallSkein, RemoveSkein, NULL, 1, {{"rules", SkeinRules, 2}}};
-/* The last is the one that a second command replaces. */
+/* The last rule set is the one that a second command replaces. */
 const Feature kLeakProtection = {
     InstallLeak, InstallLeakWithoutAddresses,
     RemoveLeak,  LeakCounts,
@@ -94,7 +94,7 @@ static void Expect(bool good, const char* what) {
   }
 }
 
-/* As Windows Firewall makes them. */
+/* Adds a block of an application, as Windows Firewall does. */
 static void BlockApp(void) {
   wchar_t name[] = L"Block";
   FWPM_FILTER_CONDITION0 condition = {0};
@@ -112,7 +112,7 @@ static void BlockApp(void) {
 }
 
 void StartAfresh(void) {
-  InitializeLibrary(); /* ends its session */
+  InitializeLibrary(); /* closes the library's session */
   EngineEmulatorReset();
   EngineEmulatorPretendFileExists(L"C:\\app.exe");
   EngineEmulatorPretendFileExists(L"C:\\blocked.exe");
@@ -122,7 +122,7 @@ void StartAfresh(void) {
 
 enum { KeyCount = 9 };
 
-/* Filters by the last byte of their sublayer's key. */
+/* Numbers of filters, by the last byte of their sublayer's key. */
 typedef struct Census {
   size_t old[KeyCount];
   size_t added[KeyCount];
@@ -131,7 +131,7 @@ typedef struct Census {
 
 static Census oldRules;
 
-/* The engine's ids rise and do not come back. */
+/* Tells old filters by their ids: the engine gives rising ids and never uses one twice. */
 static Census Count(UINT64 lastOldId) {
   Census census = {0};
   HANDLE enumeration = NULL;
@@ -153,7 +153,7 @@ static Census Count(UINT64 lastOldId) {
 
 void RememberOldRules(void) { oldRules = Count(UINT64_MAX); }
 
-/* Of one rule set; the numbers are those of the words below. */
+/* How much of a rule set is in force. Each number is an index into the words of InForce. */
 typedef enum Part { None, Some, Old, Added } Part;
 
 static Part PartInForce(const Census* census, uint8_t key, size_t filters) {

@@ -1,7 +1,6 @@
 /*
- * What a host can switch, and what an outsider sees of it: the rule sets of each feature in the emulated
- * engine, read through a session of its own. That session sees what is in force, not what an open
- * transaction of the library's holds.
+ * The features that a host can switch, and which of their filters are in force. The filters are read through
+ * a session that is not the library's, so changes in an open transaction of the library do not show.
  */
 #pragma once
 
@@ -16,14 +15,14 @@ enum { MostRuleSets = 3 };
 
 typedef struct Feature {
   Command install;
-  Command installFirst; /* other rules, for install to replace */
+  Command installFirst; /* with other arguments, for install to replace */
   Command remove;
-  bool (*counts)(void); /* as installed; null when there is no query */
+  bool (*counts)(void); /* whether it counts as installed; null if there is no query */
   size_t ruleSetCount;
   struct {
     const char* name;
-    uint8_t key;    /* the last byte of its sublayer's */
-    size_t filters; /* which install gives it */
+    uint8_t key;    /* the last byte of its sublayer's key */
+    size_t filters; /* the number after install */
   } ruleSets[MostRuleSets];
 } Feature;
 
@@ -33,19 +32,19 @@ extern const Feature kLocalNetwork;
 extern const Feature kSkein;
 extern const Feature kLeakProtection;
 
-/* A fresh engine, on a machine with two applications of which Windows Firewall blocks one, and a fresh
- * library. */
+/* Begins with a fresh library and a fresh engine, on a machine with two applications; Windows Firewall blocks
+ * one of them. */
 void StartAfresh(void);
 
-/* Initialize with the keys that the rule sets above have. */
+/* Calls Initialize with the keys of the rule sets above. */
 uint64_t InitializeLibrary(void);
 
 uint64_t DisableInternetForMissingApp(void);
 
-/* Remembers what is in force as the old rules. */
+/* Remembers the filters in force; InForce calls them "the old rules". */
 void RememberOldRules(void);
 
-/* What is in force of a feature, in words. Valid until the next call. */
+/* Which part of a feature is in force, in words. Valid until the next call. */
 const char* InForce(const Feature* feature);
 
 bool IsTransactionOpen(void);

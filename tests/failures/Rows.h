@@ -1,5 +1,5 @@
 /*
- * The failures of the commands: what the tables of the page are made from.
+ * The failures of the commands, from which the tables of docs/failures.md are made.
  */
 #pragma once
 
@@ -13,21 +13,21 @@ typedef struct Fault {
   size_t nth;
 } Fault;
 
-/* Before the command once more. */
+/* What has to come before the same command helps. */
 typedef enum Help { Again, OppositeFirst, InitializeFirst } Help;
 
 typedef struct Row {
   const char* fails; /* in words */
   Fault fault;
   Fault secondFault;
-  Command command;             /* which fails by itself, in place of the table's */
-  bool commitKeepsTransaction; /* the other reading of what the engine does */
+  Command command;             /* a command that fails by itself; null: the table's */
+  bool commitKeepsTransaction; /* whether a commit that fails leaves the transaction open */
   Help help;
 } Row;
 
 typedef enum Before { NothingInstalled, Installed, InstalledWithoutCopy } Before;
 
-/* One command in one state, for features that behave alike. */
+/* One command in one state, for all features that behave in the same way. */
 typedef struct Table {
   const char* title;
   const char* opposite;

@@ -1,4 +1,4 @@
-// Takes the README's picture of the report that REPORT_OF_SEVERAL names: npm run picture -- FILE.png
+// Takes the picture for the README, of the report that REPORT_OF_SEVERAL names: npm run picture -- FILE.png
 import { pathToFileURL } from "node:url";
 import { chromium } from "playwright-core";
 

@@ -1,6 +1,6 @@
-// Looks at reports as a person does. REPORT names the file of a run with the kill switch, one exempt application
-// and the DHCP rules; REPORT_OF_SEVERAL that of a run with leak protection, one application that others block, and
-// Skein besides.
+// Opens reports in a browser and uses them. The environment variable REPORT names the report of a run with the kill
+// switch, one exempt application and DHCP; REPORT_OF_SEVERAL that of a run with these, leak protection, one
+// application that others block, and Skein.
 import assert from "node:assert/strict";
 import { after, before, beforeEach, test } from "node:test";
 import { pathToFileURL } from "node:url";
@@ -179,7 +179,7 @@ test("arrow keys move between cells, and Enter asks about one", async () => {
   assert.equal(await page.inputValue("#remote"), "10.0.0.0");
 });
 
-/** The cells that say something else than the box does of the connection that they put into it. */
+/** The cells whose verdict differs from the one that the box shows after a click on the cell. */
 const cellsThatLie = () =>
   page.locator(".cell").evaluateAll((buttons) =>
     buttons

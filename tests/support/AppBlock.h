@@ -1,6 +1,6 @@
 /**
  * @file
- * Filters of other owners in the emulated engine.
+ * A filter in the emulated engine that the library does not own.
  */
 #pragma once
 
@@ -9,8 +9,8 @@
 #include <array>
 #include <string>
 
-/// A filter that blocks one application on outgoing IPv4 connections, as Windows Firewall makes it.
-/// Change the record before adding it.
+/// A filter that blocks the outbound IPv4 connections of one application, as Windows Firewall does. A test
+/// may change the record before it adds it.
 class AppBlock {
  public:
   /// @param path need not exist.
@@ -19,9 +19,10 @@ class AppBlock {
   AppBlock& operator=(const AppBlock&) = delete;
   ~AppBlock();
 
-  /// Adds the filter through a session of its own, which it outlives. Gives its id.
+  /// Adds the filter through a session of its own; the filter stays when that session closes. Gives its id.
   UINT64 Add();
 
-  std::array<FWPM_FILTER_CONDITION0, 2> conditions{};  ///< the second is not in use: remote port 53
+  std::array<FWPM_FILTER_CONDITION0, 2>
+      conditions{};  ///< the filter uses the first only; the second is remote port 53
   FWPM_FILTER0 filter{};
 };

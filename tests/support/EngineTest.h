@@ -10,14 +10,15 @@
 #include <string>
 #include <vector>
 
-/// Starts each test with a fresh engine, and fails it if anything of the engine's is not given back at
-/// its end.
+/// Starts each test with a fresh engine. At its end all sessions, transactions, enumerations and memory of
+/// the engine must be given back.
 class EngineTest : public testing::Test {
  protected:
   void SetUp() override;
   void TearDown() override;
 
-  /// Deliberately not given back by this test.
+  /// The blocks of engine memory that remain at the end of this test. The library never frees the record of a
+  /// provider that it found, nor the list of filters that its copy of application blocks points into.
   void ExpectOutstandingMemory(std::size_t blocks) { memoryBlocks_ = blocks; }
   void ExpectOpenSessions(std::size_t sessions) { sessions_ = sessions; }
 

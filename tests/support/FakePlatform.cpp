@@ -35,9 +35,10 @@ struct Machine {
   std::list<std::string> givenMessages;
 };
 Machine machine;
-/// Outlives Reset, so that no handle of an earlier machine is one of the present machine.
+/// Reset does not change it, so that a handle is never used twice and an old one is not valid.
 std::uintptr_t lastHandle = 0;
-/// What a function that succeeds may leave as the last error: no code of a failure.
+/// The last error after a function succeeds. It is no code of the platform, so a caller that takes it for the
+/// reason of a failure is noticed.
 constexpr DWORD kStaleError = 0xDEAD;
 
 std::ostream& operator<<(std::ostream& out, const GUID& guid) {
@@ -56,7 +57,7 @@ std::string Narrow(const wchar_t* text) {
   return narrow;
 }
 
-/// Records a call, and tells whether it is to fail.
+/// Records a call. Gives the failure that is planned for it, if any.
 template <typename... Arguments>
 std::optional<Failure> Enter(const std::string& function, const Arguments&... arguments) {
   const Occurrence occurrence{function, ++machine.counts[function]};
@@ -89,7 +90,7 @@ Handle NewHandle() {
   return reinterpret_cast<Handle>(++lastHandle);
 }
 
-/// The device that a record of a set stands for; null with the last error set.
+/// The device that a record of a set stands for. Sets the last error and gives null if there is none.
 const Device* Find(HDEVINFO set, const SP_DEVINFO_DATA* record) {
   if (!machine.sets.contains(set)) {
     SetLastError(ERROR_INVALID_HANDLE);
@@ -115,7 +116,7 @@ std::size_t SizeOf(const Adapter& adapter) {
   return size;
 }
 
-/// Lays records into a caller's buffer, one behind the other. The buffer is taken to be zeroed.
+/// Writes records into a caller's buffer, one behind the other. The buffer must be zeroed.
 class Layout {
  public:
   explicit Layout(void* buffer) : next_(static_cast<std::uint8_t*>(buffer)) {}
@@ -382,8 +383,8 @@ NETIO_STATUS WINAPI ConvertInterfaceLuidToIndex(const NET_LUID* luid, PNET_IFIND
 }
 
 #if defined(_WIN32)
-// The platform's headers declare these functions as imported: callers go through a pointer named
-// __imp_<function>. Defining that pointer here keeps the linker from taking the import library's.
+// The platform's headers declare these functions as imported: callers use a pointer named __imp_<function>.
+// It is defined here, so that the linker does not take that of the import library.
 // NOLINTNEXTLINE(bugprone-macro-parentheses): the names take no parentheses.
 #define IMPORT_POINTER(function) decltype(&function) __imp_##function = &Fake##function;
 IMPORT_POINTER(SetupDiGetClassDevsW)

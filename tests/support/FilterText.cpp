@@ -83,7 +83,7 @@ FWP_BYTE_ARRAY16 IpV6(const std::string& text) {
   return address;
 }
 
-/// Decimal, hexadecimal, or a dotted address.
+/// The number of a decimal or hexadecimal text or of an IPv4 address.
 UINT64 NumberIn(const std::string& text) {
   return text.find('.') != std::string::npos ? IpV4(text) : std::stoull(text, nullptr, 0);
 }
@@ -168,7 +168,7 @@ FWP_CONDITION_VALUE0 FilterText::MakeValue(const std::string& text) {
   return value;
 }
 
-/// "UINT16 1 to UINT16 2"
+/// @param text such as "UINT16 1 to UINT16 2".
 FWP_RANGE0 FilterText::MakeRange(const std::string& text) {
   const auto [low, high] = Halves(text, " to ");
   FWP_RANGE0 range{};

@@ -12,10 +12,10 @@
 #include <variant>
 #include <vector>
 
-/// A native record made of its text: "ALE_AUTH_CONNECT_V4 | PERMIT | UINT8 14 | CLEAR_ACTION_RIGHT |
+/// A native record made from a text such as "ALE_AUTH_CONNECT_V4 | PERMIT | UINT8 14 | CLEAR_ACTION_RIGHT |
 /// IP_REMOTE_ADDRESS EQUAL V4_ADDR_MASK 10.0.0.0/255.0.0.0 & IP_REMOTE_PORT NOT_EQUAL UINT16 53". Blobs hold
-/// strings in UTF-16; a callout has the key of its layer. What it does not understand, it throws as
-/// std::invalid_argument.
+/// strings in UTF-16; a callout has the key of its layer. Throws std::invalid_argument with the part of the
+/// text that it does not understand.
 class FilterText {
  public:
   explicit FilterText(const std::string& text);

@@ -38,7 +38,7 @@ void Check(std::uint64_t result, const std::string& command) {
   }
 }
 
-/// The rule set of the local network takes its name from its description.
+/// The sublayer of the local network gets its description as its name, so only the description is given.
 void InitializeModule(const std::wstring& nameApplication) {
   Initialize(&kProvider, L"Corvane", L"",              //
              &kKillSwitch, L"Kill switch", L"",        //
@@ -69,7 +69,7 @@ std::vector<std::wstring> PathsOf(const std::vector<std::string>& ids) {
   return paths;
 }
 
-/// A text that is in the description of one adapter only.
+/// A description that does not contain that of another adapter; hence the full stop.
 std::wstring DescriptionOf(UINT64 luid) { return L"Adapter " + std::to_wstring(luid) + L"."; }
 
 std::vector<std::wstring> DescriptionsOf(const std::vector<UINT64>& luids) {
@@ -78,7 +78,7 @@ std::vector<std::wstring> DescriptionsOf(const std::vector<UINT64>& luids) {
   return descriptions;
 }
 
-/// A list of texts as an argument.
+/// A list of texts as the exported functions take it.
 class TextList {
  public:
   explicit TextList(std::vector<std::wstring> texts) : texts_(std::move(texts)) {
@@ -122,7 +122,7 @@ void SwitchOn(const Features::KillSwitch& killSwitch) {
         "DisableInternet");
 }
 
-/// Another owner's blocks of applications, for as long as it lives.
+/// Blocks of applications that the library does not own. The destructor removes them.
 class ForeignBlocks {
  public:
   explicit ForeignBlocks(const Features::LeakProtection& protection) {
@@ -201,5 +201,5 @@ InstalledFeatures::InstalledFeatures(const Features& features) {
   }
 }
 
-// A second Initialize ends all that the first has led to.
+// A second Initialize switches everything off.
 InstalledFeatures::~InstalledFeatures() { InitializeModule(L""); }

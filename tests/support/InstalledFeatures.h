@@ -6,13 +6,13 @@
 
 #include "promises/Features.h"
 
-/// Switches features on over the emulated engine and a scripted machine whose adapters are the interfaces
-/// that the features name, and all of it off at the end of its life.
+/// Switches features on, with the emulated engine and with FakePlatform, whose adapters are the interfaces
+/// that the features name. The destructor switches them off.
 class InstalledFeatures {
  public:
-  /// @param features applications by the ids of paths on drive C ("\device\harddiskvolume1\a.exe"), so that
-  ///        the library can be given the paths. The filters that blocked applications outside the library
-  ///        are gone afterwards: only the library's copies of them remain.
+  /// @param features its applications are ids of files on drive C ("\device\harddiskvolume1\a.exe"), from
+  ///        which the paths for the library are made. The filters of others that block applications are
+  ///        removed afterwards: only the library's copies of them remain.
   /// @throws std::runtime_error naming the command that failed.
   explicit InstalledFeatures(const Promises::Features& features);
   InstalledFeatures(const InstalledFeatures&) = delete;

@@ -50,7 +50,7 @@ void InstalledFilters::AddFilter(const std::string& line, const GUID& sublayer) 
     callout.calloutKey = filter.action.calloutKey;
     callout.displayData = filter.displayData;
     callout.applicableLayer = filter.layerKey;
-    // It may be there already.
+    // The result does not matter: the callout may have been added before.
     FwpmCalloutAdd0(session_.get(), &callout, nullptr, nullptr);
   }
   Check(FwpmFilterAdd0(session_.get(), &filter, nullptr, nullptr), line);

@@ -1,6 +1,6 @@
 /**
  * @file
- * Filters put into the engine by hand.
+ * Filters that a test puts into the engine.
  */
 #pragma once
 
@@ -9,14 +9,14 @@
 #include <memory>
 #include <string>
 
-/// Adds sublayers and filters as long as it lives.
+/// Adds sublayers and filters; they are removed when this object is destroyed.
 class InstalledFilters {
  public:
   InstalledFilters();
 
-  /// A sublayer with filters, one a line, as Catalog::DescribeFilter shows them. Callouts that they name are
-  /// added as well.
-  /// @throws std::runtime_error with the line and the engine's reason if it refuses one.
+  /// Adds a sublayer with filters, one in each line, as Catalog::DescribeFilter shows them. Also adds the
+  /// callouts that they name.
+  /// @throws std::runtime_error with the line and the engine's reason if the engine refuses a filter.
   void Install(const std::wstring& name, UINT16 weight, const std::string& filters);
 
  private:

@@ -37,7 +37,7 @@ struct Adapter {
   DWORD ifType;
 };
 
-/// The system's adapters, asked for without NetworkInfo.
+/// The system's adapters, read without NetworkInfo.
 std::vector<Adapter> GetAdapters() {
   std::vector<IP_ADAPTER_ADDRESSES> buffer(256);
   auto size = static_cast<ULONG>(buffer.size() * sizeof(IP_ADAPTER_ADDRESSES));
@@ -90,7 +90,7 @@ TEST(Discovery, ForgetsADeviceThatIsGone) {
 }
 
 TEST(Discovery, FindsTheSystemsAdaptersOnceEach) {
-  // A machine may have none but loopback. With a device there is something to find.
+  // A machine may have no adapter but loopback. With this device there is always one to find.
   const TestDevice device(L"ROOT\\CORVANE_TEST\\0005", {L"Corvane", L"Corvane Device", 0x00FFFF05, 53});
   std::vector<Adapter> adapters = GetOutwardAdapters();
   adapters.push_back({L"Corvane", L"Corvane Device", {0x0035'FFFF05'000000}, 53});

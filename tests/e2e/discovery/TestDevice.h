@@ -14,8 +14,8 @@ struct DeviceInfoListDestroyer {
   void operator()(HDEVINFO set) const { SetupDiDestroyDeviceInfoList(set); }
 };
 
-/// A device of the network class in the system's own device tree, for as long as this object lives. One
-/// that an earlier run left behind under the same id is removed first.
+/// A device of the network class in the system's own device tree, which the destructor removes. If an earlier
+/// run left one with the same id, the constructor removes it first.
 class TestDevice {
  public:
   struct Properties {

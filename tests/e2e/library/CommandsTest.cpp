@@ -141,7 +141,7 @@ TEST_F(LibraryCommands, KeepNoPointerToTheirArguments) {
   apps = {};
   std::fill(app.begin(), app.end(), L'x');
 
-  ASSERT_EQ(library_->EnableDhcp(Log), 0U);  // installs the kill switch as well, which is registered
+  ASSERT_EQ(library_->EnableDhcp(Log), 0U);  // also installs the kill switch, which is registered
   EXPECT_THAT(engine_.Filters(), SizeIs(63));
   EXPECT_EQ(
       std::ranges::count_if(

@@ -10,8 +10,8 @@
 
 using Texts = std::vector<std::string>;
 
-/// The emulated engine, loaded in the place of the platform's client library: the loader binds what is
-/// loaded afterwards to it.
+/// The emulated engine, loaded under the name of the platform's client library. The loader binds to it
+/// everything that is loaded afterwards.
 class EmulatedEngine {
   LoadedModule module_;
 
@@ -23,15 +23,15 @@ class EmulatedEngine {
   const decltype(&EngineEmulatorClearJournal) ClearJournal;
   const decltype(&EngineEmulatorPretendFileExists) PretendFileExists;
 
-  /// The functions called.
+  /// The functions called so far, oldest first.
   [[nodiscard]] Texts Journal() const;
-  /// One line for each object that clients added.
+  /// One line for each object that a client added.
   [[nodiscard]] Texts Snapshot() const;
-  /// The lines of the snapshot that tell of filters.
+  /// The lines of the snapshot that are about filters.
   [[nodiscard]] Texts Filters() const;
   [[nodiscard]] EngineEmulatorOutstanding CountOutstanding() const;
 
-  /// Adds a sublayer of another program, which has it as long as the result lives.
+  /// Adds a sublayer for another program, which is removed when the result is destroyed.
   [[nodiscard]] std::shared_ptr<void> OccupySublayer(const GUID& key) const;
 
  private:

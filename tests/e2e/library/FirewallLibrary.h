@@ -3,7 +3,7 @@
 #include "LoadedModule.h"
 #include "corvane/native_firewall.h"
 
-/// The DLL as a host has it: loaded, with its functions looked up by name.
+/// The DLL as a host uses it: loaded, with its functions looked up by name.
 class FirewallLibrary {
   LoadedModule module_;
 

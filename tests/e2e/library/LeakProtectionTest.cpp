@@ -28,7 +28,7 @@ class LibraryLeakProtection : public LibraryTest {
                                           permittedAddresses.size());
   }
 
-  /// The filters of listed addresses.
+  /// The filters that permit the listed addresses.
   [[nodiscard]] Texts ListedAddresses() const {
     Texts filters = engine_.Filters();
     std::erase_if(filters, [](const std::string& filter) {
@@ -66,13 +66,13 @@ TEST_F(LibraryLeakProtection, GoesOnIsReplacedAndGoesOff) {
 
 TEST_F(LibraryLeakProtection, KeepsNoPointerToTheAddresses) {
   std::vector<std::uint32_t> addresses{0x01020304, 0xFFFFFFFF};
-  // As long as another program has the sublayer, the engine takes none of the interface rules.
+  // While another program owns the sublayer, the engine refuses the filters of the interface rules.
   std::shared_ptr<void> otherProgram = engine_.OccupySublayer(kInterfaceLeakKey);
   ASSERT_EQ(Enable(addresses), 0U);
   ASSERT_THAT(ListedAddresses(), IsEmpty());
   std::ranges::fill(addresses, 0U);
   otherProgram.reset();
-  // The kill switch is applied together with what is registered.
+  // Installing the kill switch also installs everything else that is registered.
   ASSERT_EQ(DisableInternet(), 0U);
   EXPECT_THAT(ListedAddresses(), ElementsAre(EndsWith("| IP_REMOTE_ADDRESS EQUAL UINT32 1.2.3.4 & "
                                                       "IP_REMOTE_ADDRESS EQUAL UINT32 255.255.255.255")));

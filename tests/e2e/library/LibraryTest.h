@@ -17,24 +17,25 @@ constexpr GUID kInterfaceLeakKey{0xc0de0000, 0x0006, 0x4006, {0x80, 0, 0, 0, 0, 
 constexpr GUID kFirewallCopyKey{0xc0de0000, 0x0007, 0x4007, {0x80, 0, 0, 0, 0, 0, 0, 7}};
 constexpr GUID kSkeinKey{0xc0de0000, 0x0008, 0x4008, {0x80, 0, 0, 0, 0, 0, 0, 8}};
 
-/// The DLL freshly loaded, over a fresh engine.
+/// The DLL freshly loaded, with a fresh engine.
 class LibraryTest : public testing::Test {
  protected:
   LibraryTest();
   void TearDown() override;
 
-  /// Hands over the keys above, each with a name and a description of its own.
+  /// Calls Initialize with the keys above, each with a name and a description of its own.
   void Initialize() const;
-  /// Deliberately not given back by this test.
+  /// The blocks of engine memory that remain at the end of this test: the library never frees the list of
+  /// filters that its copy of application blocks points into.
   void ExpectOutstandingMemory(std::size_t blocks) { memoryBlocks_ = blocks; }
   /// DisableInternet without apps and interface names.
   std::uint64_t DisableInternet() const;
 
-  /// The callback for commands.
+  /// The log callback that the tests give to commands.
   static std::uint64_t CORVANE_CALL Log(const char* line);
   /// The lines logged since the last call.
   static Texts TakeLog();
-  /// The threads that the callback ran on since the test began.
+  /// The threads that have called the callback since the test began.
   static std::set<DWORD> LoggingThreads();
 
   EmulatedEngine& engine_;

@@ -6,10 +6,10 @@
 #include <stdexcept>
 #include <string>
 
-/// The folder of the running program, with a final backslash.
+/// The folder of the running program, with a backslash at the end.
 std::wstring ProgramFolder();
 
-/// A DLL, loaded for as long as this lives.
+/// A DLL that the destructor unloads.
 class LoadedModule {
  public:
   /// @throws std::runtime_error when it does not load.

@@ -90,7 +90,7 @@ TEST_F(LocalNetworkAndSkein, KeepNoPointerToThePeers) {
   ASSERT_EQ(library_->EnableSkeinFirewallRules(Log, nullptr, 0, 7, peers.data(), 2), 5U);
   std::fill(peers.begin(), peers.end(), 0);
 
-  ASSERT_EQ(library_->EnableDhcp(Log), 0U);  // installs the network's rules as well, which are registered
+  ASSERT_EQ(library_->EnableDhcp(Log), 0U);  // also installs the network's rule sets, which are registered
   EXPECT_THAT(
       engine_.Filters().at(1),
       HasSubstr("IP_REMOTE_ADDRESS EQUAL UINT32 100.64.0.9 & IP_REMOTE_ADDRESS EQUAL UINT32 203.0.113.5"));

@@ -14,7 +14,8 @@ std::vector<std::string> ImportedModules(HMODULE module);
 /// The flags of a loaded module that tell the loader how to protect it: IMAGE_DLLCHARACTERISTICS_*.
 WORD HardeningFlags(HMODULE module);
 
-/// Whether the loader can move a module, which it needs for the random place that the flags ask for.
+/// Whether a module has relocations. Without them the loader cannot give it the random address that its flags
+/// ask for.
 bool CanBeMoved(HMODULE module);
 
 /// The names of the sections of a loaded module that are both writable and executable.

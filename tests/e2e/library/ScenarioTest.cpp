@@ -9,7 +9,7 @@ constexpr std::uint32_t kPeer[]{0x64400009};
 constexpr std::uint32_t kOtherPeers[]{0x6440000a, 0x6440000b};
 constexpr std::uint32_t kPermitted[]{0xcb007105};
 
-/// A host that uses everything.
+/// A host that uses all features.
 class LibraryScenario : public LibraryTest {
  protected:
   LibraryScenario() {

@@ -9,13 +9,13 @@ constexpr const wchar_t* kApps[]{L"C:\\a.exe"};
 constexpr std::uint32_t kAddresses[]{0x64400009, 0xcb007105, 0xffffffff};
 constexpr std::size_t kKibibyte = 1024;
 
-/// What the process holds of the system.
+/// The handles and the heap memory of this process.
 struct Footprint {
   std::size_t handles = 0;
   std::size_t heapBytes = 0;
 };
 
-/// Asks for each handle there can be, as Wine has no count of them.
+/// Tries each possible handle, because Wine does not count them.
 std::size_t CountHandles() {
   constexpr std::uintptr_t kStep = 4;
   constexpr std::uintptr_t kEnd = 0x10000;
@@ -47,7 +47,7 @@ Footprint MeasureProcess() {
   return footprint;
 }
 
-/// Gives random commands; the same ones in each run.
+/// Calls random commands; each run calls the same ones.
 class LibrarySoak : public LibraryTest {
  protected:
   LibrarySoak() {
@@ -74,8 +74,9 @@ class LibrarySoak : public LibraryTest {
            library_->DisableSkeinFirewallRules();
   }
 
-  /// Switched on beside other filters, leak protection keeps the engine's answer that its copies point
-  /// into, deliberately and for good. Beside none there is no such answer.
+  /// If the engine has filters when leak protection is switched on, the library keeps the list of them until
+  /// the process ends, because its copies of application blocks point into it. The heap would then grow, so
+  /// all other filters are removed first.
   std::uint64_t EnableLeakProtection() {
     const std::uint64_t off = library_->IsLeakProtectionEnabled() == 0 ? SwitchOthersOff() : 0;
     return off | library_->EnableLeakProtection("198.51.100.7", Log, nullptr, 0, 1 + Random(3), kAddresses,
@@ -135,7 +136,7 @@ TEST_F(LibrarySoak, EndsTenThousandCommandsAsItBegan) {
   EXPECT_EQ(lateOutstanding.enumHandles, 0U);
   EXPECT_EQ(lateOutstanding.memoryBlocks, 0U);
   EXPECT_EQ(late.handles, early.handles);
-  // A few bytes lost in one of the thirteen commands would show.
+  // Small enough that a command which leaks a few bytes per call fails the test.
   EXPECT_LT(late.heapBytes, early.heapBytes + 4 * kKibibyte);
 }
 

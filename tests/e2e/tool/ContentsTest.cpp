@@ -22,7 +22,7 @@ constexpr GUID kUnknownSublayer{0xf0000000, 0, 0, {0, 0, 0, 0, 0, 0, 0, 3}};
 constexpr GUID kAleAuthConnectV4{
     0xc38d57d1, 0x05a7, 0x4c33, {0x90, 0x4f, 0x7f, 0xbc, 0xee, 0xe6, 0x0e, 0x82}};
 
-/// An emulated engine that this process is bound to, with a session that fills it.
+/// The emulated engine, loaded in this process, with a session that adds objects.
 class ContentsOfEngine : public testing::Test {
  protected:
   ContentsOfEngine() {

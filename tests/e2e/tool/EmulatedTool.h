@@ -14,8 +14,8 @@ ToolRun RunEmulated(std::vector<std::wstring> arguments);
 /// A text with "filter #" in place of each filter's id.
 std::string WithoutIds(const std::string& text);
 
-/// The document that a run with --json has written. It must be one by the schema in docs/json.
+/// The document that a run with --json has written, checked with the schema in docs/json.
 Json DocumentOf(const ToolRun& run);
 
-/// The last step of the document that a run which succeeds writes with --json.
+/// Runs the tool with --json, expects success, and gives the last step of the document.
 Json LastStep(std::vector<std::wstring> arguments);

@@ -8,7 +8,7 @@ using testing::HasSubstr;
 
 constexpr const char* kHolds = "press Enter or Ctrl+C";
 
-/// The tool in a folder where the emulator passes for the system's own engine.
+/// The tool in a folder with the emulator, which it loads as if it were the system's own engine.
 class Hold : public testing::Test {
  protected:
   Hold() {

@@ -12,7 +12,7 @@ namespace {
 
 using Adapter = valijson::adapters::NlohmannJsonAdapter;
 
-/// A schema of docs/json by its file's name.
+/// The schema with this file name in docs/json.
 const nlohmann::json& FileNamed(const std::string& name) {
   static std::map<std::string, nlohmann::json> files;
   const auto [file, isNew] = files.try_emplace(name);

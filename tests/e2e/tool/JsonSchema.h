@@ -3,5 +3,5 @@
 #include <nlohmann/json.hpp>
 #include <string>
 
-/// What the schema in docs/json has against a document of the tool's, a line each; empty if nothing.
+/// The errors that the schema in docs/json finds in a document of the tool, one in each line; empty if none.
 std::string FaultsOf(const nlohmann::json& document);

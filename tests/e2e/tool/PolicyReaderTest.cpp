@@ -19,7 +19,7 @@ namespace {
 using Catalog::operator""_guid;
 using testing::ElementsAre;
 
-/// An emulated engine that this process is bound to.
+/// The emulated engine, loaded in this process.
 class PolicyReader : public testing::Test {
  protected:
   PolicyReader() { Find<decltype(&::EngineEmulatorReset)>("EngineEmulatorReset")(); }
@@ -111,7 +111,7 @@ constexpr GUID kConnectV6 = "4a72393b-319f-44bc-84c3-ba54dcb3b6b4"_guid;
 constexpr GUID kReceiveAcceptV4 = "e1cd9fe7-f4b5-4273-96c0-592e487b8650"_guid;
 constexpr GUID kReceiveAcceptV6 = "a3b42c97-9f04-4672-b87e-cee9c483257f"_guid;
 
-/// A block of an application that nobody owns.
+/// A block of an application, without a provider.
 Policy::Filter BlockOf(const std::string& application, const GUID& layer = kConnectV4) {
   Policy::Filter filter{};
   filter.id = 1;

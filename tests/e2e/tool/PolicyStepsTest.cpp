@@ -75,7 +75,7 @@ TEST(Prove, PromisesNothingWhenNothingIsOn) {
   }
 }
 
-/// What the last step, prove, tells of each promise.
+/// The state of each promise, from the last step, prove.
 std::vector<std::string> StatesAfter(const std::vector<std::wstring>& arguments) {
   std::vector<std::string> states;
   const Json step = LastStep(arguments);
@@ -195,7 +195,7 @@ TEST(Report, FolderOfThatNameIsAFailure) {
 
 class StepOfTheSystem : public testing::TestWithParam<std::vector<std::wstring>> {};
 
-/// The tool in a folder where the emulator passes for the system's own engine.
+/// The tool in a folder with the emulator, which it loads as if it were the system's own engine.
 TEST_P(StepOfTheSystem, ReadsOnlyAndDoesNotHold) {
   const TemporaryFolder folder;
   folder.Copy("corvane-firewall.exe", "corvane-firewall.exe");

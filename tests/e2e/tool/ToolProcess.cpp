@@ -24,7 +24,7 @@ void LetChildInherit(const Handle& handle) {
   SetHandleInformation(handle.get(), HANDLE_FLAG_INHERIT, HANDLE_FLAG_INHERIT);
 }
 
-/// Under Wine a start fails once in a great while, and works when tried again.
+/// Tries again if the start fails: under Wine this happens very rarely, and the second try succeeds.
 PROCESS_INFORMATION Start(const std::wstring& program, std::wstring commandLine, STARTUPINFOW& startup) {
   PROCESS_INFORMATION process{};
   for (int attempt = 0; attempt < 3; ++attempt) {

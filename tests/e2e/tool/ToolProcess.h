@@ -13,26 +13,26 @@ struct CloseHandleOf {
 };
 using Handle = std::unique_ptr<std::remove_pointer_t<HANDLE>, CloseHandleOf>;
 
-/// The folder of the test program, which is also that of the tool.
+/// The folder of the test program, in which the tool is too.
 std::filesystem::path ProgramFolder();
 
-/// The tool as a child process, with its three streams in pipes.
+/// The tool as a child process, with pipes for stdin, stdout and stderr.
 class ToolProcess {
  public:
-  /// @param arguments none may hold a double quote or end with a backslash.
+  /// @param arguments must not contain a double quote or end with a backslash.
   explicit ToolProcess(const std::vector<std::wstring>& arguments,
                        const std::filesystem::path& folder = ProgramFolder());
 
-  /// What it writes to stdout until it closes it.
+  /// Reads stdout until the tool closes it.
   [[nodiscard]] std::string ReadOutput() const;
-  /// What it writes to stderr until it closes it.
+  /// Reads stderr until the tool closes it.
   [[nodiscard]] std::string ReadErrors() const;
-  /// What it writes to stderr up to a text, or until it closes it.
+  /// Reads stderr up to a text, or until the tool closes it.
   [[nodiscard]] std::string ReadErrorsUpTo(const std::string& text) const;
   [[nodiscard]] bool IsRunning() const;
   void PressEnter() const;
   void CloseInput() { input_.reset(); }
-  /// Waits for its end. @returns the exit code.
+  /// Waits until the process ends. @returns its exit code.
   [[nodiscard]] DWORD Wait() const;
 
  private:
@@ -42,7 +42,7 @@ class ToolProcess {
   Handle errors_;
 };
 
-/// One finished run without any input; the texts have "\n" for line ends.
+/// The result of a run without input. Lines end with "\n".
 struct ToolRun {
   DWORD exitCode;
   std::string output;
@@ -52,7 +52,7 @@ struct ToolRun {
 ToolRun RunTool(const std::vector<std::wstring>& arguments,
                 const std::filesystem::path& folder = ProgramFolder());
 
-/// A folder of its own for a test, gone with the object.
+/// A new folder for a test, which the destructor removes.
 class TemporaryFolder {
  public:
   TemporaryFolder();
