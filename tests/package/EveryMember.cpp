@@ -1,5 +1,5 @@
-// A program on the installed classes that names every public member of each, and derives from each, so that
-// it links only while the library exports them all. It runs as well: the library tells apart values whose
+// Names every public member of each installed class, and derives from each class, so that this program links
+// only if the library exports them all. It also runs, to check that the library recognises values whose
 // classes are compiled into this program.
 #include <WfpFirewall.h>
 
@@ -20,11 +20,11 @@ constexpr GUID kKey{0xc0c00001, 0x5e1f, 0x4c6a, {0x8e, 0x11, 0x3a, 0x52, 0x90, 0
 const std::wstring kText = L"Text";
 const std::wstring kProgram = L"C:\\windows\\system32\\notepad.exe";
 
-/// Takes the functions' addresses, which the library has to export, and calls none of them.
+/// Takes the addresses of functions, which the library must export, but does not call them.
 template <class... Functions>
 void Name(Functions... /*functions*/) {}
 
-/// An object of the class, and one of a class derived from it: they call different exports.
+/// Makes an object of the class and one of a derived class: the two call different exported constructors.
 template <class Class, class... Arguments>
 void Construct(Arguments&&... arguments) {
   struct Derived : Class {
@@ -45,7 +45,7 @@ void NameAddresses() {
   Name(&IpV6Address::GetAddressBytes, &IpV6Address::GetAddressString);
 }
 
-/// Those with constructors in the library; the others are compiled into their clients.
+/// The value classes with constructors in the library. The others have all code in their headers.
 void NameValues() {
   const std::string address = "192.0.2.0";
   const std::string mask = "255.255.255.0";
@@ -95,7 +95,7 @@ void NameFilters() {
 void NameEngine() {
   Construct<FirewallException>("Text", 5U);
   Construct<FirewallException>("Text");
-  // By reference, which wants its address.
+  // By reference, so that the library must export the constant.
   Construct<FirewallException>("Text", std::cref(kNoEngineCode));
   Name(&FirewallException::GetErrorCode);
 
@@ -155,7 +155,7 @@ void NameHelpers() {
   Name(&NetworkInfoException::GetErrorCode);
 }
 
-/// The field and the type that the library sees in a value, or why it refuses it.
+/// Prints the field and the type that the library recognises in a value, or why it refuses the value.
 void Show(const char* name, BaseValue* value) {
   Filter filter(Action::Block);
   filter.SetLayer(LayerType::AleAuthConnectV4);

@@ -1,9 +1,9 @@
-/* The C interface as a library of this machine's: prints what it is called with. Shows that a host's
- * declarations in another language pass what the header asks for. */
+/* The C interface, built as a library for the machine that runs the test. It prints its arguments, which
+ * shows whether a host in another language declares the functions as the header does. */
 #include <corvane/native_firewall.h>
 #include <stdio.h>
 
-/* Wide texts are UTF-16; those of the tests stay below U+0800. */
+/* Prints UTF-16 as UTF-8. The texts of the tests have only characters below U+0800. */
 static void PrintWide(const wchar_t* text) {
   const uint16_t* units = (const uint16_t*)text;
   putchar('"');
@@ -47,7 +47,7 @@ static void PrintAddresses(const uint32_t* addresses, uint64_t count) {
   printf(" ]");
 }
 
-/* Ends the line, and logs one that is not ASCII. */
+/* Ends the printed line, and logs a line that is not ASCII. */
 static uint64_t Finish(LogCallback log) {
   printf("\n");
   fflush(stdout);
@@ -101,7 +101,7 @@ uint64_t CORVANE_CALL DisableInternet(const wchar_t* const* apps, uint32_t appCo
   return Finish(log);
 }
 
-/* The one that fails. */
+/* The only command that fails. */
 uint64_t CORVANE_CALL EnableInternet(void) {
   printf("EnableInternet");
   Finish(NULL);

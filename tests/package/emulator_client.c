@@ -1,5 +1,5 @@
-/* A program on the emulator as it is installed: the keys that MinGW-w64 lacks come from the catalog's header,
- * and the emulator's import library brings its control functions besides the platform's. */
+/* Uses the installed emulator. The keys that MinGW-w64 does not have come from the installed header of the
+ * catalog; the emulator's import library has its control functions and those of the platform. */
 #define INITGUID
 #include <catalog/FwpmKeys.h>
 #include <emulator/ControlExports.h>

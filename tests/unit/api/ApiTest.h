@@ -20,17 +20,17 @@ constexpr GUID kSkeinKey{0xc0de0000, 0x0008, 0x4008, {0x80, 0, 0, 0, 0, 0, 0, 8}
 
 using Texts = std::vector<std::string>;
 
-/// The exported functions as in a process that has just loaded the library, over a fresh engine and a
-/// machine without network adapters.
+/// The state of a process that has just loaded the library, with a fresh engine and a machine without network
+/// adapters.
 class ModuleTest : public EngineTest {
  protected:
   void SetUp() override;
   void TearDown() override;
 
-  /// Hands over the keys above, each with a name and a description of its own.
+  /// Calls Initialize with the keys above, each with a name and a description of its own.
   static void InitializeModule();
 
-  /// The callback for commands.
+  /// The log callback that the tests give to commands.
   static std::uint64_t CORVANE_CALL Log(const char* line);
   /// The lines logged since the last call.
   static Texts TakeLog();
@@ -40,13 +40,13 @@ class ModuleTest : public EngineTest {
   static Texts TakeCalls();
 };
 
-/// The same after Initialize.
+/// As ModuleTest, after Initialize.
 class InitializedModuleTest : public ModuleTest {
  protected:
   void SetUp() override;
 };
 
-/// How a code that an engine call gives comes out of a command and in the log.
+/// A code of an engine call, with the result of the command and the text in the log that it leads to.
 struct CodeExample {
   DWORD code;
   std::uint64_t result;

@@ -135,7 +135,7 @@ TEST_F(InitializeCommand, OnceMoreSwitchesEveryFeatureOff) {
   ASSERT_EQ(IsLeakProtectionEnabled(), 1U);
   ASSERT_EQ(DisableLocalNetwork(Log), 0U);
   ASSERT_EQ(EnableSkeinFirewallRules(Log, nullptr, 0, 7, nullptr, 0), 0U);
-  ExpectOutstandingMemory(1);  // the array of leak protection's enumeration
+  ExpectOutstandingMemory(1);  // the list that leak protection's copies point into
 
   InitializeModule();
 

@@ -17,7 +17,7 @@ class InternetCommands : public InitializedModuleTest {
  protected:
   static std::uint64_t Disable() { return DisableInternet(nullptr, 0, nullptr, 0, Log); }
 
-  /// Two files that the engine knows.
+  /// Two files that exist for the engine.
   static constexpr const wchar_t* kApps[]{L"C:\\Apps\\B.exe", L"C:\\Apps\\A.exe"};
   void SetUp() override {
     InitializedModuleTest::SetUp();

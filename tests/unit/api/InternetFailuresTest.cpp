@@ -87,7 +87,7 @@ TEST_P(ReplacementFailure, KeepsTheTransactionAsTheEngineLeavesItAndTheKillSwitc
                                      "NATIVE: Error applying firewall.", example.logged));
   EXPECT_STREQ(GetErrorText(), fault.message);
   EXPECT_EQ(IsInternetEnabled(), 0U);
-  // The engine itself ends a transaction that it could not commit.
+  // If the commit fails, the emulated engine ends the transaction.
   const bool endedByEngine = fault.function == std::string_view("FwpmTransactionCommit0");
   EXPECT_EQ(EngineEmulator::CountOutstanding().openTransactions, endedByEngine ? 0U : 1U);
 }
@@ -156,7 +156,7 @@ TEST_F(InternetFailures, AProviderThatCannotBeAddedIsOneOfCodeOne) {
   EXPECT_EQ(IsInternetEnabled(), 0U);
 }
 
-/// Adds a provider of the library's key, as an earlier process might have left one.
+/// Adds a provider with the library's key, such as an earlier process may have left.
 class ForeignProvider {
  public:
   ForeignProvider() {
@@ -315,7 +315,7 @@ TEST_F(InternetFailures, AReplacementThatCannotOpenTheSessionKeepsTheKillSwitchR
   EXPECT_EQ(IsInternetEnabled(), 0U);
 }
 
-/// Logs, and fails at one line as an exhausted process might.
+/// Its callback throws an exception at one line of the log.
 class ThrowingLog : public InitializedModuleTest {
  protected:
   void SetUp() override {

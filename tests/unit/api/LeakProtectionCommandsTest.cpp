@@ -217,8 +217,8 @@ TEST_F(LeakProtection, EndsWithASecondInitialize) {
   EXPECT_EQ(Installed(), "");
 }
 
-/// A sublayer of another program, which has it as long as the result lives. Until then the engine takes none
-/// of our filters for that key.
+/// Adds a sublayer for another program, which is removed when the result is destroyed. As long as it exists,
+/// the engine refuses the library's filters for this key.
 std::shared_ptr<void> OccupySublayer(const GUID& key) {
   std::shared_ptr<void> session = WfpFirewall::Engine::OpenEngine();
   WfpFirewall::Sublayer(key, L"Another program's", L"").Apply(session.get(), {kProviderKey, L"", L"", L""});
@@ -232,7 +232,7 @@ TEST_F(LeakProtection, ReadsThePermittedAddressesOnlyDuringTheCall) {
   ASSERT_EQ(Installed(), "dns 12, copy 1, interface 0");
   std::ranges::fill(addresses, 1);
   otherProgram.reset();
-  ASSERT_EQ(EnableDhcp(Log), 0U);  // installs what is registered
+  ASSERT_EQ(EnableDhcp(Log), 0U);  // installs everything that is registered
   EXPECT_THAT(
       ListedAddresses(),
       ElementsAre(EndsWith("| IP_REMOTE_ADDRESS EQUAL UINT32 255.255.255.255 & IP_REMOTE_ADDRESS EQUAL "

@@ -93,7 +93,7 @@ TEST_P(RuleSetFailure, OfTheCopyIsLoggedTwiceWhenAnEarlierOneCannotBeRemoved) {
   EXPECT_STREQ(GetErrorText(), "");
 }
 
-/// Adds a sublayer of the interface rules' key, as another process might.
+/// Adds a sublayer with the key of the interface rules, as another process may do.
 void AddForeignInterfaceRules() {
   HANDLE engine = nullptr;
   std::wstring name = L"foreign";
@@ -106,8 +106,8 @@ void AddForeignInterfaceRules() {
 }
 
 TEST_P(RuleSetFailure, OfTheInterfaceRulesIsLoggedTwiceWhenTheirKeyCannotBeRemoved) {
-  // Only a host that gives the DNS rules the same key can come here, where the session is open and that
-  // key taken.
+  // The session must be open and the key of the interface rules in use. This only happens if a host gives the
+  // DNS rules the same key.
   Initialize(&kProviderKey, L"n", L"d", &kKillSwitchKey, L"n", L"d", &kLocalNetworkKey, L"n", L"d", &kDhcpKey,
              L"n", L"d", &kInterfaceLeakKey, L"n", L"d", &kInterfaceLeakKey, L"n", L"d", &kFirewallCopyKey,
              L"n", L"d", &kSkeinKey, L"n", L"d", L"C:\\dns.exe");
@@ -219,7 +219,7 @@ TEST_F(LeakProtectionFailures, OfTheEnumerationGiveAnEmptyCopy) {
   }
 }
 
-/// Logs, and fails at one line as an exhausted process might.
+/// Its callback throws an exception at one line of the log.
 class ThrowingLeakProtectionLog : public LeakProtectionTest {
  protected:
   static std::uint64_t CORVANE_CALL LogAndThrow(const char* line) {

@@ -1,5 +1,5 @@
-// What becomes of leak protection after a failure that ends the command, and from the states between on
-// and off.
+// Leak protection after a failure that ends the command, and commands that start when only a part of leak
+// protection is there.
 #include <WfpPlatform.h>
 #include <gmock/gmock.h>
 
@@ -131,7 +131,7 @@ TEST_P(LeakStepFailure, OfTheCommitLeavesTheInterfaceRulesThatTheEngineBroughtBa
                                      "NATIVE: LeakProtection already enabled - changing only whitelisted IP.",
                                      "NATIVE: LeakProtection - apply firewall.",
                                      "NATIVE: LeakProtection - transaction commit."));
-  // Their filters are not those of the replacement, which the removal knows.
+  // The removal knows the ids of the replacement only, so these earlier filters remain.
   EXPECT_EQ(Registered(), "interface");
   EXPECT_EQ(Installed(), "interface 20");
   EXPECT_FALSE(TransactionIsOpen());
@@ -141,7 +141,7 @@ TEST_P(LeakStepFailure, OfTheCommitLeavesTheInterfaceRulesThatTheEngineBroughtBa
 TEST_P(LeakStepFailure, OfTheApplyIsTheResultWhateverBecomesOfTheRemovals) {
   TurnOn();
   EngineEmulator::FailCall("FwpmFilterAdd0", 5, GetParam().code);
-  // The first removal is the replacement's own.
+  // The first call is the replacement's own removal; the rollback begins with the second.
   EngineEmulator::FailCall("FwpmSubLayerDeleteByKey0", 2, 1753);
   EngineEmulator::FailCall("FwpmSubLayerDeleteByKey0", 3, 5);
   EXPECT_EQ(Enable(), GetParam().result);
@@ -252,7 +252,7 @@ TEST_F(PartialLeakProtection, WithoutInterfaceRulesAddsASecondCopyOfWhatIsStillT
   EXPECT_EQ(Enable(), 0U);
   EXPECT_EQ(IsLeakProtectionEnabled(), 1U);
   EXPECT_FALSE(TransactionIsOpen());
-  // The sublayer is still in the engine, so neither entry is installed anew.
+  // The sublayer is still in the engine, so neither of the two entries is installed again.
   EXPECT_EQ(Installed(), "dns 0, copy 1, interface 20");
   TakeCalls();
   EXPECT_EQ(DisableLeakProtection(), 0U);

@@ -28,7 +28,7 @@ TEST_F(SkeinBeforeInitialize, DisableHasNothingToDo) {
 
 class SkeinCommands : public InitializedModuleTest {
  protected:
-  /// By LUID, which spares the search.
+  /// By LUID, so that the adapters are not searched.
   static std::uint64_t Enable(std::uint64_t luid) {
     return EnableSkeinFirewallRules(Log, nullptr, 0, luid, kPeers, 2);
   }
@@ -138,7 +138,7 @@ TEST_F(SkeinCommands, ThePeersMayGoWhenEnableReturns) {
   ASSERT_EQ(EnableSkeinFirewallRules(Log, nullptr, 0, 7, peers.get(), 2), 1753U);
   peers[0] = 0;
   peers.reset();
-  EXPECT_EQ(EnableDhcp(Log), 0U);  // applies what the failure left registered
+  EXPECT_EQ(EnableDhcp(Log), 0U);  // installs what the failure left registered
   EXPECT_EQ(FilterTexts().at(1), kPermitOn7);
 }
 

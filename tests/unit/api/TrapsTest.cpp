@@ -1,4 +1,4 @@
-// Ways to be unprotected of which no result tells; those that a failure of the engine makes are elsewhere.
+// Ways to be unprotected that no result shows. Those after a failure of the engine are in other files.
 #include <WfpPlatform.h>
 #include <gmock/gmock.h>
 
@@ -50,7 +50,7 @@ TEST_F(LeakProtectionTraps, AnEmptyInterfaceTextAllowsEveryAdapter) {
                             "IP_REMOTE_PORT EQUAL UINT16 53 & IP_LOCAL_INTERFACE EQUAL UINT64 8"}));
 }
 
-/// A process with the same keys, which has its kill switch on.
+/// Another process with the same keys, which has its kill switch on.
 class OtherProcess {
  public:
   OtherProcess() {

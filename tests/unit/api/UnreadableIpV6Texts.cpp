@@ -32,14 +32,14 @@ UnreadableIpV6Texts::UnreadableIpV6Texts() { unreadable = true; }
 
 UnreadableIpV6Texts::~UnreadableIpV6Texts() { unreadable = false; }
 
-// In the place of the platform's function.
+// Replaces the platform's function.
 extern "C" {
 
 #if defined(_WIN32)
 static int WSAAPI ReadForWindows(int family, const char* text, void* address) {
   return Read(family, text, address);
 }
-// Callers go through this pointer; see FakePlatform.
+// Callers use this pointer; see FakePlatform.
 decltype(&inet_pton) __imp_inet_pton = &ReadForWindows;
 #else
 int inet_pton(int family, const char* text, void* address) noexcept { return Read(family, text, address); }

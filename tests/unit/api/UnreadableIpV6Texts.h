@@ -1,7 +1,7 @@
 #pragma once
 
-/// As long as it lives, no text of an IPv6 address can be read. Rule sets with fixed addresses fail in no
-/// other way.
+/// As long as this object lives, no text of an IPv6 address can be read. A rule set with fixed addresses
+/// cannot be made to fail in another way.
 class UnreadableIpV6Texts {
  public:
   UnreadableIpV6Texts();

@@ -10,11 +10,11 @@
 #include "catalog/Layers.h"
 #include "catalog/Sublayers.h"
 
-// The Windows SDK has the keys itself.
+// The header is not for the Windows SDK, which has the keys itself.
 #ifndef _MSC_VER
 namespace {
 
-/// What the header defines, by name.
+/// The keys that the header defines, by name.
 std::map<std::string, GUID, std::less<>>& Keys() {
   static std::map<std::string, GUID, std::less<>> keys;
   return keys;
@@ -35,7 +35,7 @@ struct DefinedKey {
 namespace Catalog {
 namespace {
 
-/// The keys of the names with a prefix, which the names here lack.
+/// The keys whose names have a prefix, by their names without it.
 std::map<std::string, GUID> KeysOf(std::string_view prefix) {
   std::map<std::string, GUID> keys;
   for (const auto& [name, key] : Keys()) {

@@ -209,7 +209,7 @@ TEST(LayerFields, AreInTheEnginesOrder) {
   }
 }
 
-/// What a layer has beyond the fields that it shares with Windows 11 before 24H2.
+/// The fields of a layer that follow those of Windows 11 before 24H2.
 std::string Added(const Layer& layer) {
   const std::string common = FieldNames(*FindLayer(layer.id, WindowsVersion::Windows11));
   const std::string all = FieldNames(layer);

@@ -14,7 +14,7 @@ DWORD Fail(const wchar_t* path) {
   return result;
 }
 
-/// The id as text, its terminating zero included.
+/// The id as text, with its terminating zero.
 std::u16string Get(const wchar_t* path) {
   EngineEmulator::PretendFileExists(path);
   FWP_BYTE_BLOB* blob = nullptr;
@@ -60,7 +60,8 @@ TEST_F(ApplicationId, LowersTheCaseOfOtherAlphabets) {
 
 TEST_F(ApplicationId, LowersTheCaseOfEveryAlphabetThatHasTwo) {
   using namespace std::string_literals;
-  // Accents, Latin letters apart from their lower case, Greek, Cyrillic, Armenian, Georgian, full width.
+  // Accents, Latin letters whose lower case is not next to them, Greek, Cyrillic, Armenian, Georgian, full
+  // width.
   EXPECT_EQ(
       Get(L"C:\\AZ\u00C0\u00D6\u00D8\u00DE\u0100\u012E\u0132\u0139\u0147\u014A\u0176\u0178\u0179\u017D"
           L"\u0181\u0186\u018F\u01C4\u01F1\u0220\u023A\u0386\u0388\u038A\u038C\u038E\u038F\u0391\u03A1"
@@ -72,7 +73,8 @@ TEST_F(ApplicationId, LowersTheCaseOfEveryAlphabetThatHasTwo) {
       u"\u1EA1\u1F00\u2170\uFF41\uFF5A\0"s);
 }
 
-/// Two letters have the lower case "i", three "\u01C6": only one of them can be meant by it.
+/// Two letters have the lower case "i", and three have "\u01C6". A letter is changed only if it is the upper
+/// case of its lower case.
 TEST_F(ApplicationId, LeavesLettersAloneThatTheirLowerCaseDoesNotLeadBackTo) {
   using namespace std::string_literals;
   EXPECT_EQ(Get(L"C:\\\u0130\u01C5\u01C8\u01CB\u01F2\u03F4\u1E9E\u2126\u212A\u212B"),
@@ -98,7 +100,7 @@ TEST_F(ApplicationId, TakesAPretendedFileInAnyCase) {
   Free(blob);
 }
 
-#if defined(_WIN32)  // Other systems have no file with a drive letter.
+#if defined(_WIN32)  // Other systems have no drive letters.
 TEST_F(ApplicationId, TakesAFileThatIsThere) {
   std::array<wchar_t, 1024> program{};
   ASSERT_NE(GetModuleFileNameW(nullptr, program.data(), static_cast<DWORD>(program.size())), 0U);

@@ -56,8 +56,6 @@ class ConditionChecks : public EngineTest {
     value_.rangeValue = &range_;
   }
 
-  /// What is said of a range of ports that are of a type of their own.
-
   FWPM_FILTER0 filter_ = FilterRecord();
   FWPM_FILTER_CONDITION0 conditions_[2]{};
   FWP_CONDITION_VALUE0 value_{};

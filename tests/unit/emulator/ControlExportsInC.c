@@ -1,4 +1,4 @@
-/* The header must serve a program in C. */
+/* Checks that the header compiles in C. */
 #include "emulator/ControlExports.h"
 
 size_t CountOpenSessionsInC(void);

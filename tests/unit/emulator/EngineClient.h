@@ -1,6 +1,6 @@
 /**
  * @file
- * What tests of the emulator have in common: codes as numbers, sessions, records.
+ * Codes as numbers, sessions and records for the tests of the emulator.
  */
 #pragma once
 
@@ -66,7 +66,7 @@ inline constexpr GUID kUserId{0xaf043a0a, 0xb34d, 0x4f86, {0x97, 0x9c, 0xc9, 0x0
 inline constexpr GUID kRemotePort{
     0xc35a604d, 0xd22b, 0x4e1a, {0x91, 0xb4, 0x68, 0xf6, 0x74, 0xee, 0x67, 0x4b}};
 
-/// A session that lasts as long as the object.
+/// A session that the destructor closes.
 class TestSession {
  public:
   explicit TestSession(UINT32 flags = 0, UINT32 lockWaitMilliseconds = 0) {
@@ -79,14 +79,14 @@ class TestSession {
   TestSession(const TestSession&) = delete;
   TestSession& operator=(const TestSession&) = delete;
 
-  // NOLINTNEXTLINE(google-explicit-constructor): stands for its handle in calls.
+  // NOLINTNEXTLINE(google-explicit-constructor): calls take the session as its handle.
   operator HANDLE() const { return handle_; }
 
  private:
   HANDLE handle_ = nullptr;
 };
 
-/// MinGW-w64's header lacks it.
+/// Not in the headers of MinGW-w64.
 extern "C" DWORD WINAPI FwpmSubLayerSetSecurityInfoByKey0(HANDLE engineHandle, const GUID* key,
                                                           SECURITY_INFORMATION securityInfo,
                                                           const SID* sidOwner, const SID* sidGroup,
@@ -109,7 +109,7 @@ inline FWPM_SUBLAYER0 SublayerRecord(const GUID& key = kSublayerKey) {
   return sublayer;
 }
 
-/// Blocks every connection; in the layer's own sublayer.
+/// A block without conditions, in the layer's default sublayer.
 inline FWPM_FILTER0 FilterRecord(const GUID& key = kFilterKey) {
   FWPM_FILTER0 filter{};
   filter.filterKey = key;

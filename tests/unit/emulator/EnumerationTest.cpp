@@ -22,7 +22,7 @@ class Enumeration : public EngineTest {
     }
   }
 
-  /// The weight ranges of one page.
+  /// The weights of the filters in one page.
   static std::vector<int> Page(HANDLE session, HANDLE enumHandle, UINT32 requested) {
     FWPM_FILTER0** entries = nullptr;
     UINT32 returned = 0;
@@ -35,7 +35,7 @@ class Enumeration : public EngineTest {
     return weights;
   }
 
-  /// The weight ranges of all filters that a template selects.
+  /// The weights of all filters that a template selects.
   static std::vector<int> Selected(HANDLE session, const FWPM_FILTER_ENUM_TEMPLATE0& criteria) {
     HANDLE enumHandle = nullptr;
     EXPECT_EQ(FwpmFilterCreateEnumHandle0(session, &criteria, &enumHandle), kSuccess);

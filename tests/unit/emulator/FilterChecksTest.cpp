@@ -2,7 +2,7 @@
 
 namespace {
 
-/// Each test breaks one thing in a filter that is sound otherwise.
+/// Each test spoils one thing in a filter that the engine would accept.
 class FilterChecks : public EngineTest {
  protected:
   DWORD Check() const {

@@ -24,7 +24,8 @@ FWPM_FILTER_CONDITION0 Condition(const GUID& field, FWP_MATCH_TYPE match, FWP_DA
   return condition;
 }
 
-/// Adds a filter with these conditions, spoils them with `spoil`, and gives what the engine has.
+/// Adds a filter with these conditions, then clears them and lets `spoil` change what they pointed at. Gives
+/// the filter as it is in the engine.
 template <std::size_t kCount, class Spoil>
 FWPM_FILTER0* AddAndGet(HANDLE engine, const GUID& layer,
                         std::array<FWPM_FILTER_CONDITION0, kCount> conditions, Spoil spoil) {

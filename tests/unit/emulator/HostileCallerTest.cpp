@@ -1,4 +1,4 @@
-// Callers that get everything wrong learn so from a code.
+// Calls with invalid arguments give a code and do not crash.
 #include <limits>
 #include <string>
 

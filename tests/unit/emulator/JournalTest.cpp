@@ -13,7 +13,7 @@ namespace {
 
 using Journal = EngineTest;
 
-/// Null handles and pointers, and zeros.
+/// A call with null handles, null pointers and zeros.
 template <class... Arguments>
 void CallWithZeros(DWORD(WINAPI* function)(Arguments...)) {
   function(Arguments{}...);
@@ -139,7 +139,7 @@ TEST_F(Journal, HoldsEveryFunctionThatTheDllExports) {
   EXPECT_THAT(names, testing::UnorderedElementsAreArray(kEmulatedFunctions));
 }
 
-/// What the journal makes of a file's name, given by its characters or their halves.
+/// A file name as the journal shows it. @param units its UTF-16 units.
 std::string Written(std::initializer_list<unsigned> units) {
   std::wstring name;
   for (const unsigned unit : units) name += static_cast<wchar_t>(unit);

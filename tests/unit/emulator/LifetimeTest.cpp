@@ -1,4 +1,4 @@
-// Which objects may refer to which, and who may delete them.
+// Which objects may refer to which others, and which sessions may delete them.
 #include "EngineClient.h"
 
 namespace {

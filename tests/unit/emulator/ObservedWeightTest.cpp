@@ -1,4 +1,4 @@
-// Weights as live engines give them, and what holds of any.
+// Weights that live engines give, and properties of all weights.
 #include <algorithm>
 #include <array>
 #include <random>
@@ -17,7 +17,7 @@ class ObservedWeight : public EngineTest {
   static void SetBuild(UINT32 build) { EngineEmulatorSetRule("windowsBuild", build); }
 };
 
-/// @returns how many rows there were.
+/// @returns the number of rows.
 int ExpectRows(const char* table) {
   std::istringstream lines(table);
   int count = 0;
@@ -41,7 +41,7 @@ TEST_F(ObservedWeight, IsGivenInEveryCase) {
   EXPECT_EQ(ExpectRows(kObservedWeights1) + ExpectRows(kObservedWeights2), 249);
 }
 
-/// Layers where conditions have a weight that is known.
+/// The layers at which the weights of conditions are known.
 constexpr std::array<std::string_view, 11> kFamilies{"ALE_AUTH_CONNECT",
                                                      "ALE_AUTH_RECV_ACCEPT",
                                                      "ALE_AUTH_LISTEN",
@@ -61,7 +61,7 @@ const Catalog::Layer& LayerOf(std::string_view family, const char* suffix, UINT3
 std::string ConditionOnEach(const Catalog::Layer& layer) {
   std::string text;
   for (const Catalog::LayerField& field : layer.fields) {
-    // No client's header has a type for them.
+    // No public header has a type for values of the BITMAP fields.
     if (!field.field->name.starts_with("BITMAP")) {
       text.append(field.field->name).append(" ");
     }
@@ -119,7 +119,7 @@ TEST_F(ObservedWeight, OfFieldsOfDifferentClassesNeverOverlaps) {
   }
 }
 
-/// A condition of random width on a field, and one that pins down more.
+/// A condition of random width on a field, and one that pins down more bits.
 std::pair<std::string, std::string> Narrowed(const Catalog::LayerField& field, std::mt19937& random) {
   const std::string name(field.field->name);
   const int bits = field.dataType == FWP_UINT8               ? 8

@@ -1,9 +1,10 @@
 /**
  * @file
- * Weights that live engines have given: layer, build of Windows, range asked for (- for none), effective
- * weight, conditions. A condition is a field, and what it asks for: nothing after it EQUAL, ! NOT_EQUAL,
- * & FLAGS_ALL_SET, ~ FLAGS_NONE_SET, = an exact number, /24 a range of all values with the same 24 upper
- * bits, #12 a range of twelve values, #2^6.5 one of so many.
+ * Weights that live engines gave. Each row has the layer, the build of Windows, the 8-bit weight asked for
+ * (- for none), the effective weight and the conditions. A condition is the name of a field and a sign:
+ * none for EQUAL, ! for NOT_EQUAL, & for FLAGS_ALL_SET, ~ for FLAGS_NONE_SET, = for an exact number, /24 for
+ * a range of all values with the same upper 24 bits, #12 for a range of twelve values, #2^6.5 for a range of
+ * 2^6.5 values, rounded down.
  */
 #pragma once
 

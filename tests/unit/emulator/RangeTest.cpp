@@ -1,4 +1,5 @@
-// Ranges of every type that has an order. Where no field has the type, the range is refused for that alone.
+// Ranges of every type that has an order. If no field has the type, that is the only reason to refuse the
+// range.
 #include "EngineClient.h"
 
 namespace {

@@ -1,4 +1,4 @@
-// Values of types that no field of a layer has, so that no filter brings them to the engine.
+// Values of types that no field has. No filter can have them, so they are tested here.
 #include "emulator/Records.h"
 
 #include <gtest/gtest.h>
@@ -9,7 +9,7 @@ using namespace EngineEmulator;
 
 class Records : public testing::Test {
  protected:
-  /// A deep copy of a filter with one condition of this value; the value stays valid.
+  /// Copies a filter that has one condition with this value. The result is valid as long as block_.
   FWP_CONDITION_VALUE0 Copy(const FWP_CONDITION_VALUE0& value) {
     FWPM_FILTER_CONDITION0 condition{};
     condition.conditionValue = value;

@@ -1,4 +1,4 @@
-// What the emulator says of each thing that it refuses, in full.
+// The full text of the reason for each record that the emulator refuses.
 #include <string>
 #include <vector>
 
@@ -23,7 +23,7 @@ DWORD Add(HANDLE engine, const FWPM_CALLOUT0& callout) {
 
 class Refusal : public EngineTest {
  protected:
-  /// Why a record is refused.
+  /// The reason why a record is refused.
   template <class Record>
   static std::string Of(const Record& record) {
     const TestSession session;
@@ -31,7 +31,7 @@ class Refusal : public EngineTest {
     return EngineEmulator::LastRefusal();
   }
 
-  /// Why a filter is refused that is sound but for its conditions.
+  /// The reason why a filter is refused of which only the conditions are wrong.
   static std::string OfFilterWith(std::vector<FWPM_FILTER_CONDITION0> conditions) {
     FWPM_FILTER0 filter = FilterRecord();
     filter.numFilterConditions = static_cast<UINT32>(conditions.size());
@@ -46,7 +46,7 @@ class Refusal : public EngineTest {
   }
 };
 
-/// One thing that is wrong with a record that is sound otherwise.
+/// One fault in a record that the engine would otherwise accept.
 template <class Record>
 struct Fault {
   const char* reason;
@@ -248,7 +248,7 @@ TEST_F(Refusal, OfWhatMayOutlastItsProvider) {
   EXPECT_EQ(Of(sublayer), "the provider 0a000001-0000-0000-0000-000000000000 may end before the object");
 }
 
-/// Gives a range its type and ends.
+/// A range with these types and ends.
 FWP_RANGE0 RangeOf(FWP_DATA_TYPE lowType, UINT16 low, FWP_DATA_TYPE highType, UINT16 high) {
   FWP_RANGE0 range{};
   range.valueLow.type = lowType;

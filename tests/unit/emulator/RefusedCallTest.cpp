@@ -1,4 +1,4 @@
-// What the emulator says of calls that it refuses whatever record they bring, in full.
+// The full text of the reason for calls that the emulator refuses, whatever the record.
 #include <string>
 
 #include "EngineClient.h"
@@ -9,7 +9,7 @@ using RefusedCall = EngineTest;
 
 constexpr GUID kMissingKey{0x0e000001, 0, 0, {}};
 
-/// Why a call was refused.
+/// The reason why a call was refused.
 std::string Reason(DWORD result) {
   EXPECT_NE(result, kSuccess);
   return EngineEmulator::LastRefusal();
@@ -139,7 +139,7 @@ TEST_F(RefusedCall, OfSubscriptions) {
 
 TEST_F(RefusedCall, OfAddingMoreSublayersThanThereIsRoomFor) {
   const TestSession session;
-  // Eighteen are built in.
+  // 65,518 and the 18 built-in sublayers are 65,536, the most that the engine takes.
   for (int count = 0; count < 65'518; ++count) {
     ASSERT_EQ(Add(session, SublayerRecord(GUID{})), kSuccess);
   }

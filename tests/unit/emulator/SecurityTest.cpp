@@ -123,7 +123,7 @@ TEST_F(Security, MustHoldItsParts) {
     return Add(session, record);
   };
   EXPECT_EQ(check(40), kSuccess);
-  EXPECT_EQ(check(39), kInvalidSecurityDescriptor);  // of the list, the last byte is missing
+  EXPECT_EQ(check(39), kInvalidSecurityDescriptor);  // the last byte of the list is missing
   descriptor.dacl.AclSize = 7;
   EXPECT_EQ(check(40), kInvalidSecurityDescriptor);
   descriptor.dacl.AclSize = 9;

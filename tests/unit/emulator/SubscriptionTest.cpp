@@ -13,7 +13,7 @@ constexpr UINT32 kOnAdd = 1;
 constexpr UINT32 kOnDelete = 2;
 constexpr UINT32 kOnBoth = 3;
 
-/// Collects what a callback is told.
+/// Collects the changes that a callback gets.
 class Listener {
  public:
   template <class Change>
@@ -28,7 +28,7 @@ class Listener {
     heard_.notify_all();
   }
 
-  /// Waits for so many changes.
+  /// Waits until there are `count` changes.
   std::vector<std::string> Await(std::size_t count) {
     std::unique_lock lock(mutex_);
     heard_.wait(lock, [&] { return changes_.size() >= count; });
@@ -179,7 +179,7 @@ TEST_F(Subscription, EndsWithTheEngine) {
   EXPECT_EQ(EngineEmulator::CountOutstanding().subscriptions, 0U);
 }
 
-/// What a callback needs to end its own subscription.
+/// The data that a callback needs to end its own subscription.
 struct SelfEnder {
   HANDLE session;
   HANDLE handle;

@@ -99,7 +99,7 @@ TEST_F(Switches, CanLetATemplateGoWithoutALayer) {
   FwpmFilterDestroyEnumHandle0(session, enumHandle);
 }
 
-/// The weight ranges of all filters at a layer, as an enumeration gives them.
+/// The weights of all filters at a layer, in the order of an enumeration.
 std::vector<UINT8> WeightsInOrder(HANDLE session, UINT32 flags) {
   FWPM_FILTER_ENUM_TEMPLATE0 criteria{};
   criteria.layerKey = kConnectV4;

@@ -1,6 +1,6 @@
 /**
  * @file
- * Filters whose weight the engine chooses, with conditions written as ObservedWeights.h has them.
+ * Filters whose weight the engine chooses, with conditions written as in ObservedWeights.h.
  */
 #pragma once
 
@@ -18,7 +18,7 @@
 /// A filter's layer and conditions, with the data that they point at.
 class WeighedFilter {
  public:
-  /// @param build of Windows, whose layers have other types for some fields.
+  /// @param build of Windows; some fields have another type in other builds.
   WeighedFilter(std::string_view layer, UINT32 build, const std::string& conditions)
       : layer_(*Catalog::FindLayer(layer, Catalog::VersionOfBuild(build))) {
     std::istringstream stream(conditions);
@@ -27,8 +27,8 @@ class WeighedFilter {
     }
   }
 
-  /// What the engine makes of it.
-  /// @param range -1 for none.
+  /// The effective weight that the engine gives to the filter.
+  /// @param range the 8-bit weight asked for; -1 for none.
   UINT64 Weight(int range = -1) {
     const TestSession session(kDynamic);
     FWPM_FILTER0 filter = FilterRecord();
@@ -73,7 +73,7 @@ class WeighedFilter {
     return type == FWP_UINT8 ? 8 : type == FWP_UINT16 ? 16 : type == FWP_UINT32 ? 32 : 128;
   }
 
-  /// How many values a range has, which a double holds to 53 bits.
+  /// The number of values in a range, exact to 53 bits.
   static double CountOf(const std::string& width, FWP_DATA_TYPE type) {
     if (width.starts_with("/")) {
       return std::exp2(BitsOf(type) - std::stoi(width.substr(1)));
@@ -99,7 +99,7 @@ class WeighedFilter {
     condition.conditionValue.rangeValue = &range;
   }
 
-  /// The last of so many addresses from :: on.
+  /// The last of `count` addresses, of which the first is "::".
   static FWP_BYTE_ARRAY16 HighestOf(double count) {
     FWP_BYTE_ARRAY16 address{};
     for (int i = 0; i < 16; ++i) {
@@ -108,7 +108,7 @@ class WeighedFilter {
       count -= digit * unit;
       address.byteArray16[i] = static_cast<UINT8>(digit);
     }
-    // One less.
+    // Subtract 1, because the first address is 0.
     for (int i = 15; i >= 0 && address.byteArray16[i]-- == 0; --i) {
     }
     return address;
@@ -148,6 +148,6 @@ class WeighedFilter {
   UINT8 bytes_[2]{'a', 0};
   FWP_BYTE_BLOB blob_{sizeof(bytes_), bytes_};
   SID sid_{1, 1, {{0, 0, 0, 0, 0, 5}}, {18}};
-  UINT8 descriptorBytes_[20]{1, 0, 0, 0x80};  // self-relative, of nobody
+  UINT8 descriptorBytes_[20]{1, 0, 0, 0x80};  // self-relative, without an owner
   FWP_BYTE_BLOB descriptor_{sizeof(descriptorBytes_), descriptorBytes_};
 };

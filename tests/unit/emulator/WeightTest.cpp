@@ -1,4 +1,4 @@
-// The weights that the engine chooses, in short; ObservedWeightTest.cpp has many cases.
+// The main properties of the weights that the engine chooses; ObservedWeightTest.cpp has many cases.
 #include <set>
 #include <vector>
 
@@ -24,7 +24,7 @@ class Weight : public EngineTest {
   }
   static UINT64 Of(const std::vector<FWPM_FILTER_CONDITION0>& conditions) { return Of({}, conditions); }
 
-  /// Of one condition each, on every field of a layer in turn.
+  /// The weight of one condition on each field of a layer, in the order of the fields.
   static std::vector<UINT64> OfEachField() {
     const TestSession session;
     FWPM_LAYER0* layer = nullptr;
@@ -184,7 +184,7 @@ FWPM_FILTER_CONDITION0 WithMatch(FWPM_FILTER_CONDITION0 condition, FWP_MATCH_TYP
 }
 
 TEST_F(Weight, OfMatchesThatNobodyHasSeenIsByTheValuesTheyLeave) {
-  // Of the three bits of a port 16 bits pinned down are 7.
+  // The slot of a port has three bits; all 16 bits of the port pinned down give the highest value, 7.
   EXPECT_EQ(Of({Port(53)}), UINT64{7} << 39);
   EXPECT_EQ(Of({WithMatch(Port(53), FWP_MATCH_NOT_EQUAL)}), UINT64{1} << 39);
   EXPECT_EQ(Of({WithMatch(Port(0xFFFE), FWP_MATCH_GREATER)}), UINT64{7} << 39);

@@ -60,7 +60,7 @@ TEST_F(WriteLock, IsNotHeldByATransactionThatOnlyReads) {
   EXPECT_EQ(FwpmTransactionCommit0(reader), kSuccess);
 }
 
-/// Lets another thread ask for the lock, then ends the holder's claim.
+/// Lets another thread wait for the lock that `holder` has, then calls `endClaim`, which must release it.
 template <class EndClaim>
 DWORD AddWhileHeld(HANDLE holder, EndClaim endClaim) {
   const TestSession patient(kDynamic, kOneMinute);

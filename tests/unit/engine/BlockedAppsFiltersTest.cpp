@@ -20,12 +20,12 @@ using testing::SizeIs;
 
 constexpr GUID kConnectV4Discard{
     0xd632a801, 0xf5ba, 0x4ad6, {0x96, 0xe3, 0x60, 0x70, 0x17, 0xd9, 0x83, 0x6a}};
-/// FWP_MATCH_PREFIX, which older headers lack.
+/// FWP_MATCH_PREFIX, which is not in older headers.
 constexpr auto kMatchPrefix = static_cast<FWP_MATCH_TYPE>(11);
 
 class BlockedAppsFilters : public EngineTest {
  protected:
-  /// The copies, installed in a sublayer and read back in words, in the order of the engine.
+  /// The copies as texts, installed in a sublayer and read back in the order of the engine.
   std::vector<std::string> Copies() {
     Sublayer sublayer = Samples::Empty(Samples::kFirstKey);
     sublayer.AddFilters(Copy());

@@ -1,4 +1,4 @@
-// What the engine is given, to the fields that it keeps to itself and the emulated one does not show. This
+// The arguments of engine calls, with the fields that cannot be read back from the emulated engine. This
 // program has its own engine functions.
 #include <gmock/gmock.h>
 
@@ -19,7 +19,7 @@ struct Opening {
   FWPM_SESSION0 session;
 };
 
-/// What was given with an object, other than its own fields.
+/// The security descriptor and the provider data that were given with an object.
 struct Attachments {
   const void* securityDescriptor;
   FWP_BYTE_BLOB providerData;
@@ -43,7 +43,7 @@ bool memoryHasEnded = false;
 }  // namespace
 
 void* operator new(std::size_t size) {
-  // NOLINTNEXTLINE(cppcoreguidelines-no-malloc): beneath operator new.
+  // NOLINTNEXTLINE(cppcoreguidelines-no-malloc): this is operator new.
   void* memory = memoryHasEnded ? nullptr : std::malloc(size);
   if (memory == nullptr) {
     throw std::bad_alloc();
@@ -52,7 +52,7 @@ void* operator new(std::size_t size) {
 }
 
 void operator delete(void* memory) noexcept {
-  std::free(memory);  // NOLINT(cppcoreguidelines-no-malloc): beneath operator delete.
+  std::free(memory);  // NOLINT(cppcoreguidelines-no-malloc): this is operator delete.
 }
 
 void operator delete(void* memory, std::size_t) noexcept { operator delete(memory); }
@@ -132,7 +132,7 @@ class EngineRecords : public testing::Test {
  protected:
   EngineRecords() { given = {}; }
 
-  /// Three filters in one sublayer, and their provider.
+  /// Installs three filters in one sublayer, and their provider.
   static void Install() {
     Firewall firewall(Samples::MakeProvider());
     Sublayer sublayer = Samples::ThreeFilters();
@@ -188,7 +188,7 @@ TEST_F(EngineRecords, FilterNeverStaysInTheEngineWithoutItsId) {
   try {
     sublayer.Apply(&engineHandle, Samples::MakeProvider());
   } catch (const std::bad_alloc&) {
-    // Whatever was added must be known.
+    // The filters that were added must still be known, so that Destroy removes them.
   }
   memoryEndsWithAFilter = false;
   memoryHasEnded = false;

@@ -1,4 +1,4 @@
-// What an engine may hand out that the emulated one never does. This program has its own engine functions.
+// Results of an enumeration that the emulated engine never gives. This program has its own engine functions.
 #include <gmock/gmock.h>
 
 #include <array>
@@ -9,7 +9,7 @@
 
 namespace {
 
-/// What FwpmFilterEnum0 answers, and what it was asked.
+/// The answer of FwpmFilterEnum0, and the arguments that it got.
 struct Enumeration {
   DWORD result = ERROR_SUCCESS;
   FWPM_FILTER0** records = nullptr;
@@ -157,7 +157,7 @@ TEST_F(EnumerationResult, GivesTheFirstByteOfAWeightOfAnyType) {
   EXPECT_EQ(weight.type, FWP_UINT8);
   EXPECT_EQ(weight.uint8, 2);
 
-  // A weight of 64 bits is a pointer: its lowest byte counts, and it is not followed.
+  // A weight of 64 bits is a pointer. The library takes its lowest byte as the weight and does not follow it.
   record_.weight.type = FWP_UINT64;
   record_.weight.uint64 = reinterpret_cast<UINT64*>(std::uintptr_t{0x1230});
   filters = Engine::GetAllBlockedAppsFilters();

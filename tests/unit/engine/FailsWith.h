@@ -7,7 +7,7 @@
 
 #include "engine/FirewallException.h"
 
-/// The code of a failure that no engine call reported.
+/// The code of a failure that is not that of an engine call.
 inline constexpr std::uint32_t kNoCode = 1;
 
 /// Matches a callable that throws a FirewallException of exactly this text and code.

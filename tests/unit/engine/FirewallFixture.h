@@ -9,7 +9,7 @@
 #include "support/EngineTest.h"
 #include "unit/engine/Samples.h"
 
-/// A firewall that has not done anything yet.
+/// A new firewall.
 class FirewallFixture : public EngineTest {
  protected:
   void TearDown() override {

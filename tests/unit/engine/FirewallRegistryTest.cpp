@@ -168,7 +168,7 @@ TEST_F(FirewallRegistry, RemoveAfterAFailedOneDeletesTheFilterThatStayed) {
   EXPECT_THAT(FilterTexts(), SizeIs(1));
   TakeCalls();
   firewall_->RemoveSublayer(kFirstKey);
-  // The entry has kept all of its filter ids, those of deleted filters included.
+  // The entry still has all of its filter ids, also those of deleted filters.
   EXPECT_THAT(TakeCalls(),
               ElementsAre("FwpmSubLayerGetByKey0", "FwpmFreeMemory0", "FwpmFilterDeleteById0",
                           "FwpmFilterDeleteById0", "FwpmFilterDeleteById0", "FwpmSubLayerDeleteByKey0"));

@@ -16,7 +16,7 @@ using testing::HasSubstr;
 using testing::IsEmpty;
 using testing::SizeIs;
 
-/// Lets the engine have the provider before the firewall comes. It stays until the test's end.
+/// Adds the provider to the engine before the firewall is used. It stays until the end of the test.
 void InstallProvider() {
   HANDLE handle = nullptr;
   ASSERT_EQ(FwpmEngineOpen0(nullptr, RPC_C_AUTHN_WINNT, nullptr, nullptr, &handle), DWORD{ERROR_SUCCESS});
@@ -68,7 +68,7 @@ TEST_F(FirewallSession, PersistentProviderIsGivenToTheEngineAsSuch) {
   Provider provider = Samples::MakeProvider();
   provider.MakePersistent();
   Firewall firewall(provider);
-  // A dynamic session cannot hold lasting objects, so the engine refuses.
+  // A dynamic session cannot add persistent objects, so the engine refuses.
   EXPECT_THAT([&] { firewall.Apply(); }, FailsWith("Failed to add provider"));
   const auto journal = EngineEmulator::Journal();
   ASSERT_THAT(journal, SizeIs(3));
@@ -83,7 +83,7 @@ TEST_F(FirewallSession, ExistingProviderIsLeftAsItIs) {
   const auto providers = TakeSnapshot().providers;
   ASSERT_THAT(providers, SizeIs(1));
   EXPECT_EQ(providers[0].name, L"Somebody's");
-  ExpectOutstandingMemory(1);  // the record that the engine handed out
+  ExpectOutstandingMemory(1);  // the record of the provider, which the library never frees
 }
 
 TEST_F(FirewallSession, ProviderIsAddedWhateverTheLookUpAnswers) {

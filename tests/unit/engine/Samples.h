@@ -9,7 +9,7 @@
 #include "filtering/FilterBuilder.h"
 #include "filtering/Values.h"
 
-// What the tests of providers, sublayers and firewalls work with.
+// Objects for the tests of providers, sublayers and firewalls.
 namespace Samples {
 
 inline constexpr GUID kProviderKey{0x10000000, 0x0001, 0x4001, {0x80, 0, 0, 0, 0, 0, 0, 1}};
@@ -21,7 +21,7 @@ inline WfpFirewall::Provider MakeProvider() {
   return {kProviderKey, L"CorvaneService", L"Corvane", L"Corvane firewall provider"};
 }
 
-/// A block of the outbound IPv4 connect layer for one remote port.
+/// A block of one remote port at the outbound IPv4 connect layer.
 inline WfpFirewall::Filter BlockPort(std::uint16_t port) {
   using namespace WfpFirewall;
   return FilterBuilder()
@@ -39,7 +39,7 @@ inline WfpFirewall::Sublayer ThreeFilters(const GUID& key = kFirstKey) {
   return sublayer;
 }
 
-/// Has no filters.
+/// A sublayer without filters.
 inline WfpFirewall::Sublayer Empty(const GUID& key) { return {key, L"Empty", L"Holds nothing"}; }
 
 }  // namespace Samples

@@ -17,7 +17,7 @@ using testing::SizeIs;
 
 constexpr DWORD kInUse = 0x8032000A;
 
-/// Three filters of a sublayer are in the engine.
+/// The engine has a sublayer with three filters.
 class SublayerDestroy : public SublayerFixture {
  protected:
   void SetUp() override {

@@ -14,7 +14,7 @@
 namespace WfpFirewall {
 namespace {
 
-/// The ports of filters that have one condition each, on a port.
+/// The ports of a sublayer's filters, each of which has one condition, on a port.
 std::vector<int> Ports(const Sublayer& sublayer) {
   std::vector<int> ports;
   for (const Filter& filter : sublayer.GetFilters()) {

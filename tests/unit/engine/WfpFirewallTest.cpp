@@ -1,4 +1,4 @@
-// First, to show that it needs no other header before it.
+// Included first, to show that it needs no other header before it.
 #include <WfpFirewall.h>
 #include <gtest/gtest.h>
 

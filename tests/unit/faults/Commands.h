@@ -44,27 +44,28 @@ constexpr unsigned kAllCommands = kModule | kInternet | kDhcp | kLeakProtection 
 
 enum class When { Always, Registered, NotRegistered };
 
-/// @param when the line is logged, by the command's rule set before the command.
+/// A line of a command's log. `when` says whether it depends on the command's rule set being registered
+/// before the command.
 struct LogLine {
   const char* text;
   When when = When::Always;
 };
 
-/// In a command's failure log: the place of the code in signed decimal, and of the message.
+/// In a command's failure log, these lines stand for the code in signed decimal, and for the message.
 constexpr const char* kCodeLine = "{code}";
 constexpr const char* kMessageLine = "{message}";
 
 struct Command {
-  const char* name;      ///< of the test
-  const char* function;  ///< exported
+  const char* name;      ///< in the name of the test
+  const char* function;  ///< the exported function
   unsigned bit;
-  std::uint64_t (*run)(LogCallback log);  ///< what a query answers does not count as a result
-  RuleSetFacts Facts::*ruleSet;           ///< which it switches
-  int filters;                            ///< which that rule set has
+  std::uint64_t (*run)(LogCallback log);  ///< gives the result; 0 for a query, whatever it answers
+  RuleSetFacts Facts::*ruleSet;           ///< the rule set that it switches
+  int filters;                            ///< the number of filters in that rule set
   std::vector<LogLine> log;               ///< of a success; only the last line is logged after the work
-  Texts failureLog;                       ///< what follows in place of the last line
-  bool logsBeforeWork = false;            ///< even the last line, which then stays before a failure log
-  bool keepsErrorText = false;            ///< also when it fails
+  Texts failureLog;                       ///< logged after a failure instead of the last line
+  bool logsBeforeWork = false;            ///< the last line too; a failure log then follows it
+  bool keepsErrorText = false;            ///< a failure does not change the error text
 };
 
 const std::vector<Command>& Commands();
@@ -73,5 +74,6 @@ constexpr std::uint64_t kSkeinLuid = 7;
 constexpr std::uint32_t kSkeinPeers[]{0x64400009};
 constexpr const wchar_t* kApps[]{L"C:\\a.exe", L"C:\\b.exe"};
 
-/// A machine with one adapter, on which the applications above exist and Windows Firewall blocks two more.
+/// Makes a machine with one adapter, on which the applications above exist and Windows Firewall blocks two
+/// others.
 void PrepareMachine();

@@ -3,7 +3,7 @@
 namespace {
 
 constexpr Rule kRules[]{
-    // EnableDhcp: registered whatever fails.
+    // EnableDhcp: the rule set is registered, whatever fails.
     {kEnableDhcp, kDhcpRegistered, nullptr, {}, kNothingHappens},
     {kEnableDhcp,
      kAllOff | kOtherInEngineFirst | kLeakProtectionOn,
@@ -88,7 +88,7 @@ constexpr Rule kRules[]{
       .session = true,
       .provider = true}},
 
-    // DisableDhcp, as EnableInternet.
+    // DisableDhcp, like EnableInternet.
     {kDisableDhcp, kAllStates & ~kDhcpRegistered, nullptr, {}, kNothingHappens},
     {kDisableDhcp, kDhcpRegistered, nullptr, {}, {.dhcp = {false, kAbsent}}},
     {kDisableDhcp, kDhcpUnopened, "FwpmSubLayerGetByKey0", kOnce, kHarmless},

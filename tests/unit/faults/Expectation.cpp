@@ -12,7 +12,7 @@ bool IsFor(const Rule& rule, const Occurrence& call, const Code& code) {
          call.nth <= rule.calls.last && (rule.onlyCode == 0 || rule.onlyCode == code.value);
 }
 
-/// The one rule, or the one for a certain code among several.
+/// The rule, if there is one; of several, the one for a certain code.
 std::optional<Rule> OnlyRule(std::vector<Rule> rules) {
   if (rules.size() > 1) {
     std::erase_if(rules, [](const Rule& rule) { return rule.onlyCode == 0; });

@@ -1,6 +1,6 @@
 /**
  * @file
- * From the rules to what one run of a command must show.
+ * What one run of a command must do, by the matrix's rules.
  */
 #pragma once
 
@@ -12,7 +12,7 @@
 #include "Rules.h"
 #include "StartingStates.h"
 
-/// A call during a command: the nth of its function, from 1.
+/// A call during a command: the nth call of a function, from 1.
 struct Occurrence {
   std::string function;
   std::size_t nth;
@@ -31,11 +31,11 @@ class Expectations {
  public:
   Expectations(const Command& command, const StartingState& state);
 
-  /// Fails the test and gives nothing unless there is just one rule without a fault.
+  /// If there is not exactly one rule without a fault, fails the test and gives nothing.
   [[nodiscard]] std::optional<Expectation> WithoutFault() const;
   /// The same for a call that fails.
   [[nodiscard]] std::optional<Expectation> WithFault(const Occurrence& call, const Code& code) const;
-  /// Fails the test for every rule that names calls which the command does not make.
+  /// Fails the test for each rule about a call that the command does not make.
   void ExpectCallsOfEveryRule(const std::vector<Occurrence>& calls) const;
 
  private:

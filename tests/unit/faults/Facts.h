@@ -1,6 +1,6 @@
 /**
  * @file
- * What can be seen of the module from outside between two commands.
+ * The state of the library and the engine between two commands, as far as it can be observed from outside.
  */
 #pragma once
 
@@ -10,7 +10,7 @@
 #include "corvane/native_firewall.h"
 #include "unit/api/ApiTest.h"
 
-/// A number of filters: the engine does not even have the sublayer.
+/// As a number of filters: the engine does not have the sublayer either.
 constexpr int kAbsent = -1;
 
 struct RuleSetFacts {
@@ -20,7 +20,7 @@ struct RuleSetFacts {
 
 struct Facts {
   bool session = false;
-  bool provider = false;     ///< in the engine, whosever it is
+  bool provider = false;     ///< in the engine, whoever added it
   bool transaction = false;  ///< left open
   const char* errorText = "";
   RuleSetFacts killSwitch = {};
@@ -48,5 +48,5 @@ constexpr RuleSet kRuleSets[]{
     {"Skein rules", kSkeinKey, &Facts::skein},
 };
 
-/// The filters of another owner that the engine has throughout: blocks of one application each.
+/// The number of filters of another owner, which the engine always has. Each blocks one application.
 constexpr int kForeignBlocks = 2;

@@ -38,7 +38,8 @@ const std::vector<CommandAndState>& Pairs() {
   return pairs;
 }
 
-/// FwpmFreeMemory0 has no result and so cannot fail.
+/// The calls that can fail, numbered for each function. FwpmFreeMemory0 is left out, because it has no
+/// result.
 std::vector<Occurrence> Count(const std::vector<EngineEmulator::Call>& calls) {
   std::map<std::string, std::size_t> counts;
   std::vector<Occurrence> occurrences;
@@ -76,7 +77,7 @@ class FaultMatrix : public ModuleTest, public testing::WithParamInterface<Comman
  protected:
   void TearDown() override;
 
-  /// Gives the calls that the command makes.
+  /// @returns the calls that the command makes.
   std::vector<Occurrence> RunWithoutFault();
   void RunWithFault(const Occurrence& call, const Code& code);
 
@@ -99,7 +100,7 @@ void FaultMatrix::TearDown() {
   ModuleTest::TearDown();
 }
 
-/// A fresh module, brought into the starting state.
+/// Initialises the library afresh and brings it into the starting state.
 void FaultMatrix::Enter() {
   Module() = {};
   ModuleTest::SetUp();
@@ -129,7 +130,7 @@ void FaultMatrix::Expect(const Facts& facts, bool leaksReadingSession) const {
   EXPECT_EQ(outstanding.enumHandles, 0U);
 }
 
-/// Gives the calls that the command made.
+/// @returns the calls that the command made.
 std::vector<EngineEmulator::Call> FaultMatrix::RunAndExpect(const Expectation& expected) {
   const auto callsBefore = static_cast<std::ptrdiff_t>(EngineEmulator::Journal().size());
   EXPECT_EQ(command_.run(Log), expected.result);
@@ -140,8 +141,8 @@ std::vector<EngineEmulator::Call> FaultMatrix::RunAndExpect(const Expectation& e
   return {journal.begin() + callsBefore, journal.end()};
 }
 
-/// A new Initialize drops the firewall of the one before. Only records of providers that were found and
-/// arrays of enumerated filters are kept for good.
+/// A new Initialize closes the session. Only the records of providers that were found and the lists of
+/// enumerated filters are never freed.
 void FaultMatrix::CloseAndExpectNothingLeft(const Expectation& expected) const {
   InitializeModule();
   const testing::ScopedTrace trace(__FILE__, __LINE__, "after closing");
@@ -191,7 +192,7 @@ void FaultMatrix::TearDownTestSuite() {
   RecordProperty("cases", std::to_string(cases_));
   std::cout << "Fault matrix: " << cases_ << " cases of command, state, call and code; " << pairs_
             << " pairs of command and state\n";
-  // A run of a few chosen pairs may have none; a shard has fifty for each of its pairs.
+  // A shard has at least fifty cases for each of its pairs. A run of a few chosen pairs may have fewer.
   constexpr std::size_t kShards = 4;
   if (pairs_ >= Pairs().size() / kShards) {
     EXPECT_GE(cases_, 50 * pairs_);
@@ -205,7 +206,7 @@ TEST_P(FaultMatrix, FollowsTheRulesWhicheverCallFails) {
     for (const Code& code : kCodes) {
       RunWithFault(call, code);
       if (HasFailure()) {
-        return;  // One failure says it all; the hundreds like it would bury it.
+        return;  // The next cases would probably fail in the same way, with hundreds of messages.
       }
     }
   }

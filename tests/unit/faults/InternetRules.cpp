@@ -3,8 +3,9 @@
 namespace {
 
 constexpr Rule kRules[]{
-    // EnableInternet: a sublayer that cannot be looked up counts as not there. A filter that cannot be
-    // deleted is passed over, but keeps its sublayer.
+    // EnableInternet: a sublayer that cannot be looked up counts as not there. A failure to delete a filter
+    // is
+    // ignored, but the sublayer of this filter then cannot be deleted.
     {kEnableInternet, kAllStates & ~kKillSwitchRegistered, nullptr, {}, kNothingHappens},
     {kEnableInternet, kKillSwitchRegistered, nullptr, {}, {.killSwitch = {false, kAbsent}}},
     {kEnableInternet, kKillSwitchStillToAdd, "FwpmSubLayerGetByKey0", kOnce, kHarmless},
@@ -18,7 +19,7 @@ constexpr Rule kRules[]{
      "FwpmFilterDeleteById0",
      kEach,
      {.message = kRemovalFails, .code = &kInUse, .killSwitch = {.filters = 1}}},
-    // After a failed removal all filters are deleted once more. Only the second is still there.
+    // After a failed removal all filters are deleted again. Only the second still exists.
     {kEnableInternet, kKillSwitchHalfRemoved, "FwpmFilterDeleteById0", kOnce, kHarmless},
     {kEnableInternet,
      kKillSwitchHalfRemoved,
@@ -54,8 +55,8 @@ constexpr Rule kRules[]{
      nullptr,
      {},
      {.message = kBeginFails, .code = &kTransactionInProgress, .lastLine = kRemoveLine}},
-    // Opening the session: late without a kill switch, before the transaction with one. A provider that
-    // cannot be looked up counts as not there.
+    // Opening the session: with a kill switch before the transaction, without one when it is installed. A
+    // provider that cannot be looked up counts as not there.
     {kDisableInternet,
      kWithoutSession & ~kKillSwitchUnopened,
      "FwpmEngineOpen0",
@@ -82,7 +83,7 @@ constexpr Rule kRules[]{
      "FwpmProviderAdd0",
      kOnce,
      {.message = kProviderFails, .code = &kOne, .lastLine = kRemoveLine, .session = true}},
-    // Removing a kill switch. From here on failures leave the transaction open.
+    // Removing a kill switch. From here on a failure leaves the transaction open.
     {kDisableInternet,
      kKillSwitchRegistered,
      "FwpmTransactionBegin0",
@@ -111,14 +112,14 @@ constexpr Rule kRules[]{
      "FwpmSubLayerDeleteByKey0",
      kOnce,
      {.message = kRemovalFails, .lastLine = kRemoveLine, .killSwitch = {.filters = 0}, .transaction = true}},
-    // The empty sublayer stays, so the new filters are taken to be in it already.
+    // The empty sublayer stays, so the library takes the new filters for installed.
     {kDisableInternet,
      kKillSwitchInEngine,
      "FwpmSubLayerDeleteByKey0",
      kOnce,
      {.killSwitch = {.filters = 0}},
      kProviderNotFound.value},
-    // Building: two applications at six layers.
+    // Building the filters of two applications at six layers.
     {kDisableWithApps,
      kAllStates & ~kKillSwitchRegistered,
      "FwpmGetAppIdFromFileName0",
@@ -134,7 +135,7 @@ constexpr Rule kRules[]{
       .session = true,
       .provider = true,
       .transaction = true}},
-    // Applying, first what was registered before.
+    // Applying: rule sets that were registered before come first.
     {kDisableInternet, kAllOff, "FwpmSubLayerGetByKey0", kOnce, kHarmless},
     {kDisableInternet,
      kLeakProtectionOn,

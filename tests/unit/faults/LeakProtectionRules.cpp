@@ -11,7 +11,7 @@ constexpr const char* kCommitLine = "NATIVE: LeakProtection - transaction commit
 constexpr LogChange kWithoutDnsRules{kDnsLine, false, "NATIVE: DNS leak FirewallException"};
 constexpr LogChange kWithoutCopy{kDnsLine, true, "NATIVE: Win Firewall Copy FirewallException"};
 
-/// Nothing of leak protection is registered, and there is nothing to install but it.
+/// Nothing of leak protection is registered, and no other rule set is still to be installed.
 constexpr unsigned kJustLeakProtection = kAllOff | kKillSwitchOn;
 constexpr unsigned kFirst = kJustLeakProtection | kKillSwitchStillToAdd | kOnlyDnsRulesLeft;
 constexpr unsigned kReplacing = kLeakProtectionOn | kFirewallCopyMissing | kOnlyInterfaceRulesLeft;
@@ -19,14 +19,15 @@ constexpr unsigned kInterfaceRulesWhole = kLeakProtectionOn | kFirewallCopyMissi
 
 constexpr RuleSetChange kDns{true, 12};
 constexpr RuleSetChange kCopy{true, 2};
-/// In a transaction that is open, the enumeration's own session still sees the copies removed in it.
+/// The enumeration has a session of its own, so it still sees the copies that the open transaction has
+/// removed.
 constexpr RuleSetChange kCopyOfCopies{true, 4};
 constexpr RuleSetChange kEmpty{true, 0};
 constexpr RuleSetChange kInterface{true, 21};
 constexpr RuleSetChange kOneFilterLeft{.filters = 1};
 constexpr RuleSetChange kNoFilterLeft{.filters = 0};
 
-/// A first installation in which none or one of the rule sets could not be built.
+/// The end of a first installation that succeeds; one of the rule sets may be left out.
 constexpr Outcome Installed(const RuleSetChange& dns, const RuleSetChange& copy, const LogChange& log = {},
                             const RuleSetChange& killSwitch = {}) {
   return {.killSwitch = killSwitch,
@@ -38,7 +39,7 @@ constexpr Outcome Installed(const RuleSetChange& dns, const RuleSetChange& copy,
           .log = log};
 }
 
-/// The end of a first installation: nothing of it stays.
+/// The end of a first installation that fails: nothing of it stays.
 constexpr Outcome NotInstalled(const char* message, const Code* code = nullptr,
                                const RuleSetChange& killSwitch = {}) {
   return {.message = message,
@@ -50,7 +51,7 @@ constexpr Outcome NotInstalled(const char* message, const Code* code = nullptr,
           .provider = true};
 }
 
-/// The end of a replacement: nothing stays.
+/// The end of a replacement that fails: nothing stays.
 constexpr Outcome NotReplaced(const char* message, const char* lastLine, const Code* code = nullptr) {
   return {.message = message,
           .code = code,
@@ -61,7 +62,7 @@ constexpr Outcome NotReplaced(const char* message, const char* lastLine, const C
           .transaction = true};
 }
 
-/// All that there was is gone, except for what is said.
+/// The end of DisableLeakProtection: all rule sets are gone, unless given otherwise.
 constexpr Outcome Disabled(const RuleSetChange& interfaceRules, const RuleSetChange& dns = kGone,
                            const RuleSetChange& copy = kGone) {
   return {.dnsLeak = dns, .firewallCopy = copy, .interfaceLeak = interfaceRules};
@@ -71,11 +72,11 @@ constexpr RuleSetChange kKillSwitchAdded{true, 51};
 constexpr RuleSetChange kEmptyAndForgotten{false, 0};
 
 constexpr Rule kRules[]{
-    // EnableLeakProtection, first. A rule set that cannot be built is left out.
+    // EnableLeakProtection for the first time. A rule set that cannot be built is left out.
     {kEnableLeakProtection, kBothOff | kKillSwitchOn, nullptr, {}, Installed(kDns, kCopy)},
     {kEnableLeakProtection, kLeakReplacementFailed, nullptr, {}, Installed(kDns, kCopyOfCopies)},
     {kEnableLeakProtection, kKillSwitchStillToAdd, nullptr, {}, Installed(kDns, kCopy, {}, kKillSwitchAdded)},
-    // The sublayer that is still there is taken to be whole.
+    // The sublayer still exists, so the library takes all of its filters for installed.
     {kEnableLeakProtection, kOnlyDnsRulesLeft, nullptr, {}, Installed(kEmpty, kCopy)},
     {kEnableLeakProtection,
      kBothOff | kKillSwitchOn | kOnlyDnsRulesLeft,
@@ -98,7 +99,7 @@ constexpr Rule kRules[]{
      Installed(kDns, kGone, kWithoutCopy, kKillSwitchAdded)},
     {kEnableLeakProtection, kOnlyDnsRulesLeft, "FwpmEngineOpen0", kOnce,
      Installed(kEmpty, kGone, kWithoutCopy)},
-    // An enumeration that fails finds nothing to copy.
+    // If the enumeration fails, nothing is copied.
     {kEnableLeakProtection, kJustLeakProtection, "FwpmFilterCreateEnumHandle0", kOnce,
      Installed(kDns, kEmpty)},
     {kEnableLeakProtection, kJustLeakProtection, "FwpmFilterEnum0", kOnce, Installed(kDns, kEmpty)},
@@ -115,7 +116,7 @@ constexpr Rule kRules[]{
      "FwpmEngineClose0",
      kOnce,
      {.asWithoutFault = true, .leaksReadingSession = true}},
-    // Applying. What cannot be installed whole is removed again.
+    // Applying. If a part of a rule set cannot be installed, all of it is removed again.
     {kEnableLeakProtection,
      kWithoutSession,
      "FwpmEngineOpen0",
@@ -164,7 +165,7 @@ constexpr Rule kRules[]{
      {52, kLast},
      NotInstalled(kFilterFails, nullptr, kKillSwitchAdded)},
 
-    // EnableLeakProtection again: a transaction, which ends only if all three were registered.
+    // EnableLeakProtection again, in a transaction. It is only ended if all three rule sets were registered.
     {kEnableLeakProtection, kLeakProtectionOn, nullptr, {}, kNothingHappens},
     {kEnableLeakProtection, kFirewallCopyMissing, nullptr, {}, {.transaction = true}},
     {kEnableLeakProtection,
@@ -181,13 +182,13 @@ constexpr Rule kRules[]{
       .dnsLeak = kGone,
       .firewallCopy = kGone,
       .interfaceLeak = kGone}},
-    // What is not removed is taken to be installed already.
+    // A sublayer that was not removed counts as installed.
     {kEnableLeakProtection, kInterfaceRulesWhole, "FwpmSubLayerGetByKey0", kOnce, kHarmless},
     {kEnableLeakProtection, kOnlyInterfaceRulesLeft, "FwpmSubLayerGetByKey0", kOnce, {.transaction = true}},
-    // The filter that stayed goes with the removals that end the command.
+    // The filter that remained is deleted by the removals at the end of the command.
     {kEnableLeakProtection, kInterfaceRulesWhole, "FwpmFilterDeleteById0", kEach,
      NotReplaced(kRemovalFails, kReplaceLine, &kInUse)},
-    // These are gone, but an entry whose removal failed still knows them.
+    // These filters are gone, but the entry, whose removal failed before, still has their ids.
     {kEnableLeakProtection, kOnlyInterfaceRulesLeft, "FwpmFilterDeleteById0", kEach, kHarmless},
     {kEnableLeakProtection, kReplacing, "FwpmSubLayerDeleteByKey0", kOnce,
      NotReplaced(kRemovalFails, kReplaceLine)},
@@ -215,14 +216,14 @@ constexpr Rule kRules[]{
     {kEnableLeakProtection, kOnlyInterfaceRulesLeft, "FwpmSubLayerGetByKey0", kSecond, kHarmless},
     {kEnableLeakProtection, kReplacing, "FwpmSubLayerAdd0", kOnce, NotReplaced(kSublayerFails, kApplyLine)},
     {kEnableLeakProtection, kReplacing, "FwpmFilterAdd0", kEach, NotReplaced(kFilterFails, kApplyLine)},
-    // The engine then undoes the replacement, and the module does not know the filters that are back.
+    // The engine then undoes the replacement. The library does not have the ids of the filters that are back.
     {kEnableLeakProtection,
      kLeakProtectionOn,
      "FwpmTransactionCommit0",
      kOnce,
      {.message = kCommitFails, .lastLine = kCommitLine, .dnsLeak = kGone, .firewallCopy = kGone}},
 
-    // DisableLeakProtection removes what it can: interface rules, DNS rules, copy.
+    // DisableLeakProtection removes what it can, in this order: interface rules, DNS rules, copy.
     {kDisableLeakProtection, kAllStates, nullptr, {}, Disabled(kGone)},
     {kDisableLeakProtection, kReplacing, "FwpmSubLayerGetByKey0", kOnce, Disabled(kForgotten)},
     {kDisableLeakProtection, kInterfaceRulesWhole, "FwpmSubLayerGetByKey0", kSecond,

@@ -7,11 +7,11 @@ constexpr unsigned kLocalNetworkInEngine = kLocalNetworkOn | kLocalNetworkTorso;
 constexpr unsigned kSkeinInEngine = kSkeinOn | kSkeinTorso;
 constexpr unsigned kLocalNetworkRegistered = kLocalNetworkInEngine | kLocalNetworkUnopened;
 constexpr unsigned kSkeinRegistered = kSkeinInEngine | kSkeinUnopened;
-/// From here both install as if they had never been on.
+/// States from which both install as for the first time.
 constexpr unsigned kNotTheirs = kBothOff | kDhcpOn | kDhcpUnopened;
 
 constexpr Rule kRules[]{
-    // Installing: registered whatever fails.
+    // Installing: the rule set is registered, whatever fails.
     {kInstall,
      kBothOff | kDhcpOn,
      nullptr,
@@ -84,11 +84,12 @@ constexpr Rule kRules[]{
       .session = true,
       .provider = true}},
 
-    // DisableLocalNetwork leaves what is registered alone.
+    // DisableLocalNetwork does nothing if the rule set is registered.
     {kDisableLocalNetwork, kLocalNetworkRegistered, nullptr, {}, kNothingHappens},
 
-    // EnableSkeinFirewallRules removes what is registered, and goes on if that fails. As long as the
-    // sublayer is there, the new filters are taken to be in it already.
+    // EnableSkeinFirewallRules first removes the rule set if it is registered, and continues if that fails.
+    // If
+    // the sublayer still exists, the library takes the new filters for installed.
     {kAnyEnableSkein,
      kSkeinRegistered,
      nullptr,
@@ -131,7 +132,7 @@ constexpr Rule kRules[]{
      kEach,
      {.message = kFilterFails, .own = {true, kAddedSoFar}, .session = true, .provider = true}},
 
-    // Removing, as EnableInternet.
+    // Removing, like EnableInternet.
     {kEnableLocalNetwork, kAllStates & ~kLocalNetworkRegistered, nullptr, {}, kNothingHappens},
     {kEnableLocalNetwork, kLocalNetworkRegistered, nullptr, {}, {.own = {false, kAbsent}}},
     {kEnableLocalNetwork, kLocalNetworkUnopened, "FwpmSubLayerGetByKey0", kOnce, kHarmless},

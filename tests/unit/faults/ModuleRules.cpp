@@ -3,8 +3,7 @@
 namespace {
 
 constexpr Rule kRules[]{
-    // Initialize makes one call, to close the session before. The engine's refusal leaves the session to
-    // the engine.
+    // Initialize makes one call, to close the earlier session. If the engine refuses, the session stays open.
     {kInitialize,
      kAllStates & ~kOffBesideProvider,
      nullptr,

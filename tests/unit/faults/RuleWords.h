@@ -1,6 +1,6 @@
 /**
  * @file
- * What the tables of rules have in common: codes, texts, groups of states.
+ * Codes, texts and groups of states for the tables of rules.
  */
 #pragma once
 
@@ -35,13 +35,13 @@ constexpr unsigned kDhcpInEngine = kDhcpOn | kBothOn | kDhcpTorso;
 constexpr unsigned kDhcpRegistered = kDhcpInEngine | kDhcpUnopened;
 constexpr unsigned kWithoutSession =
     kOff | kOffBesideProvider | kKillSwitchUnopened | kDhcpUnopened | kLocalNetworkUnopened | kSkeinUnopened;
-/// DHCP was switched on before, and comes first when rule sets are applied.
+/// DHCP is in the engine, and so comes first when rule sets are applied.
 constexpr unsigned kDhcpInEngineFirst = kDhcpOn | kDhcpTorso;
-/// The same for what is not DHCP.
+/// The same for a rule set other than DHCP.
 constexpr unsigned kOtherInEngineFirst =
     kKillSwitchOn | kKillSwitchWithAppsOn | kKillSwitchTorso | kLocalNetworkOn | kSkeinOn;
 constexpr unsigned kKillSwitchStillToAdd = kKillSwitchUnopened | kReplacementFailed;
-/// Nothing is registered, in a session that a transaction may be open in.
+/// Nothing is registered. A transaction may be open.
 constexpr unsigned kAllOff = kBothOff | kLeakReplacementFailed;
 
 constexpr Range kOnce{1, 1};
@@ -51,7 +51,8 @@ constexpr Range kFourth{4, 4};
 constexpr Range kEach{1, kLast};
 
 constexpr RuleSetChange kGone{false, kAbsent};
-constexpr RuleSetChange kForgotten{.registered = false};  ///< but still in the engine, if it was
+constexpr RuleSetChange kForgotten{.registered =
+                                       false};  ///< no longer registered, but in the engine as before
 
 constexpr Outcome kNothingHappens{};
 constexpr Outcome kHarmless{.asWithoutFault = true};

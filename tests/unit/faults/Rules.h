@@ -1,6 +1,7 @@
 /**
  * @file
- * What the failure of an engine call does to a command: the rules of the library, told once more.
+ * The rules of the fault matrix: what the library must do after an engine call in a command fails. They are
+ * written independently of src/.
  */
 #pragma once
 
@@ -11,40 +12,40 @@
 #include <optional>
 #include <span>
 
-/// A code, and how the log has it.
+/// A code, and the text of it in the log.
 struct Code {
   DWORD value;
   const char* logged;
 };
 
-/// The one code that deleting a sublayer may give.
+/// The only failure of FwpmSubLayerDeleteByKey0 that the library accepts as success.
 constexpr Code kProviderNotFound{0x80320005, "-2144206843"};
 
-/// The codes that each call fails with.
+/// Each call is made to fail with each of these codes.
 constexpr Code kCodes[]{{0x80320012, "-2144206830"}, {1753, "1753"}, {5, "5"}, kProviderNotFound};
 
-/// Numbers of filters that depend on the command.
+/// For RuleSetChange::filters: numbers that depend on the command.
 constexpr int kAllOfCommand = -2;
-constexpr int kAddedSoFar = -3;  ///< as many as calls of the rule came before the one that failed
+constexpr int kAddedSoFar = -3;  ///< the number of the rule's calls before the one that failed
 
-/// Unset: as before the command.
+/// A member without a value: as before the command.
 struct RuleSetChange {
   std::optional<bool> registered = std::nullopt;
   std::optional<int> filters = std::nullopt;
 };
 
-/// What the failure of a step that the command does without changes in the log of a success.
+/// How the log of a success changes if a step fails that the command can do without.
 struct LogChange {
   const char* line = nullptr;
   bool stays = true;
-  const char* added = nullptr;  ///< behind that line
+  const char* added = nullptr;  ///< after that line
 };
 
 struct Outcome {
   const char* message = nullptr;     ///< of the failure; null: the command succeeds
   const Code* code = nullptr;        ///< of the failure; null: that of the call
   const char* lastLine = nullptr;    ///< before the failure log; null: all but the last of a success
-  const char* leavesText = nullptr;  ///< a success that replaces the error text
+  const char* leavesText = nullptr;  ///< the error text that a success sets
   RuleSetChange own = {};            ///< of the command's rule set
   RuleSetChange killSwitch = {};
   RuleSetChange dhcp = {};
@@ -56,9 +57,9 @@ struct Outcome {
   std::optional<bool> session = std::nullopt;
   std::optional<bool> provider = std::nullopt;
   std::optional<bool> transaction = std::nullopt;
-  bool asWithoutFault = false;       ///< the rest does not count
-  bool leaksSession = false;         ///< for good
-  bool leaksReadingSession = false;  ///< for good: that of an enumeration
+  bool asWithoutFault = false;       ///< as without the fault; all other members are ignored
+  bool leaksSession = false;         ///< the session is never closed
+  bool leaksReadingSession = false;  ///< the session of the enumeration is never closed
   LogChange log = {};
 };
 
@@ -76,10 +77,10 @@ struct Rule {
   const char* function;  ///< null: without a fault
   Range calls;
   Outcome outcome;
-  DWORD onlyCode = 0;  ///< comes before the rule for all codes
+  DWORD onlyCode = 0;  ///< if not 0, the rule is for this code only, and precedes one for all codes
 };
 
-/// By the commands' features.
+/// The rules for the commands of each feature.
 std::span<const Rule> ModuleRules();
 std::span<const Rule> InternetRules();
 std::span<const Rule> DhcpRules();

@@ -15,7 +15,7 @@ using EngineEmulator::FailCall;
 constexpr DWORD kAccessDenied = 5;
 constexpr std::uint32_t kPermitted[]{0x01020304};
 
-/// Where it makes no difference which kill switch is installed.
+/// For states in which all kinds of kill switch behave alike.
 constexpr unsigned kOneOfInternet = kEnableInternet | kDisablePlain;
 
 void Disable(LogCallback log) { DisableInternet(nullptr, 0, nullptr, 0, log); }
@@ -26,7 +26,7 @@ struct SessionCloser {
   void operator()(HANDLE engine) const { FwpmEngineClose0(engine); }
 };
 
-/// As an earlier process may have done.
+/// Leaves a provider in the engine, as an earlier process may do.
 void LeaveProvider(LogCallback) {
   HANDLE handle = nullptr;
   FwpmEngineOpen0(nullptr, RPC_C_AUTHN_WINNT, nullptr, nullptr, &handle);

@@ -1,6 +1,6 @@
 /**
  * @file
- * The states of the module from which the fault matrix starts its commands.
+ * The states in which the commands of the fault matrix start.
  */
 #pragma once
 
@@ -39,10 +39,10 @@ enum StateBits : unsigned {
 struct StartingState {
   const char* name;
   unsigned bit;
-  void (*enter)(LogCallback log);  ///< from Initialize
-  Facts facts;                     ///< thereafter
-  unsigned commands;               ///< to try: those of its features, and of others where they meet
-  bool besideProvider = false;     ///< the engine has the provider without the library
+  void (*enter)(LogCallback log);  ///< called after Initialize
+  Facts facts;                     ///< of the state
+  unsigned commands;               ///< to try: of the state's features, and of others that it affects
+  bool besideProvider = false;     ///< the engine has a provider that the library did not add
 };
 
 std::span<const StartingState> StartingStates();

@@ -19,7 +19,7 @@ using testing::ElementsAre;
 constexpr const char* kAddressKeys[]{kLocalAddressKey, kRemoteAddressKey, kDestinationAddressKey,
                                      kSourceAddressKey};
 
-/// A condition of the engine: an equality unless told otherwise.
+/// A native condition. It tests for equality unless the test changes it.
 FWPM_FILTER_CONDITION0 Native(const char* key, FWP_DATA_TYPE type) {
   FWPM_FILTER_CONDITION0 native{};
   native.fieldKey = GuidFromText(key);
@@ -28,7 +28,8 @@ FWPM_FILTER_CONDITION0 Native(const char* key, FWP_DATA_TYPE type) {
   return native;
 }
 
-/// The same for a number, in a union whose other bytes are not zero: they are no part of it.
+/// The same for a number. The other bytes of the union are not zero, because they do not belong to the
+/// number.
 FWPM_FILTER_CONDITION0 NativeNumber(const char* key, FWP_DATA_TYPE type) {
   FWPM_FILTER_CONDITION0 native = Native(key, type);
   std::memset(&native.conditionValue, 0xEE, sizeof(native.conditionValue));
@@ -36,7 +37,7 @@ FWPM_FILTER_CONDITION0 NativeNumber(const char* key, FWP_DATA_TYPE type) {
   return native;
 }
 
-/// The value read from a condition; null and a failure unless it is of exactly this class.
+/// The value read from a condition. If it is not of exactly this class, gives null and fails the test.
 template <typename ValueClass>
 std::shared_ptr<ValueClass> Read(FWPM_FILTER_CONDITION0& native) {
   const std::shared_ptr<BaseValue> value = Condition::FromNative(native).GetConditionValue();

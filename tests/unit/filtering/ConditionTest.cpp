@@ -14,7 +14,7 @@ namespace {
 using Values::LocalPort;
 using Values::RemotePort;
 
-/// Counts its own end.
+/// Counts how often an object is destroyed.
 class TrackedPort : public LocalPort {
  public:
   TrackedPort(std::uint16_t port, int& destroyed) : LocalPort(port), destroyed_(destroyed) {}

@@ -15,7 +15,7 @@ using Filtering::LayerType;
 using Filtering::Values::LocalPort;
 using Filtering::Values::Protocol;
 
-/// A permit of the outbound IPv4 connect layer.
+/// A permit at the outbound IPv4 connect layer.
 FWPM_FILTER0 NativePermit() {
   FWPM_FILTER0 native{};
   native.action.type = FWP_ACTION_PERMIT;
@@ -23,7 +23,7 @@ FWPM_FILTER0 NativePermit() {
   return native;
 }
 
-/// What is written for the filter that is read from a record.
+/// Reads a filter from a record, and writes it to a new record.
 FWPM_FILTER0 ReadAndWrite(FWPM_FILTER0 native) { return Filter::BuildFromNative(&native).ToNativeFilter(); }
 
 TEST(FilterFromNative, BlockIsReadAsBlock) {

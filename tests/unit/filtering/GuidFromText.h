@@ -5,7 +5,8 @@
 #include <stdexcept>
 #include <string_view>
 
-/// Parses "c38d57d1-05a7-4c33-904f-7fbceee60e82". Any other form is a mistake in the test.
+/// Parses a text such as "c38d57d1-05a7-4c33-904f-7fbceee60e82".
+/// @throws std::invalid_argument for any other form.
 inline GUID GuidFromText(std::string_view text) {
   std::string_view rest = text;
   const auto hex = [&](int digits) {

@@ -15,7 +15,7 @@ struct LayerRow {
   const char* key;
 };
 
-// clang-format off: one row a line, whatever its width.
+// clang-format off: each row is one line, even if it is long.
 const LayerRow kLayers[]{
     {LayerType::InboundIpPacketV4, 0, "FWPM_LAYER_INBOUND_IPPACKET_V4",
      "c86fd1bf-21cd-497e-a0bb-17425c885c58"},

@@ -19,7 +19,7 @@ TEST(NativeField, ClassDecidesFieldAndDataType) {
   constexpr FWP_V4_ADDR_AND_MASK kNetworkV4{};
   constexpr FWP_V6_ADDR_AND_MASK kNetworkV6{};
   struct Row {
-    BaseValue* value;  ///< the condition takes it over
+    BaseValue* value;  ///< the condition takes ownership
     const char* key;
     int type;  ///< the number of the FWP_DATA_TYPE
   };
@@ -59,7 +59,7 @@ TEST(NativeField, ProtocolIsWrittenAsItsByte) {
 
 TEST(NativeField, OnlyTheLowByteOfAProtocolIsWritten) {
   const NativeForm native({ConditionEqual(new Protocol(static_cast<IPPROTO>(0x111)))});
-  EXPECT_EQ(native.Condition().conditionValue.uint32, 0x11u);  // nothing beside the byte
+  EXPECT_EQ(native.Condition().conditionValue.uint32, 0x11u);  // the other bytes are zero
 }
 
 TEST(NativeField, LocalAddressTypeIsWrittenAsItsByte) {
@@ -155,11 +155,11 @@ TEST(NativeField, ClassesWithoutAFieldAreRefused) {
   ExpectRefused(new Unknown(), "Not supported condition value");
 }
 
-/// A value whose text, number or record another one has taken over.
+/// A value that was moved from.
 template <typename ValueClass>
 BaseValue* MovedFrom(ValueClass value) {
   const ValueClass heir = std::move(value);
-  return new ValueClass(std::move(value));  // NOLINT(bugprone-use-after-move): asked for.
+  return new ValueClass(std::move(value));  // NOLINT(bugprone-use-after-move): that is the test.
 }
 
 TEST(NativeField, ValuesThatWereMovedFromAreRefused) {

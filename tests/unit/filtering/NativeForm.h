@@ -7,8 +7,7 @@
 
 #include "filtering/FilterBuilder.h"
 
-/// A filter in the outbound IPv4 connect layer together with the engine's record of it, which points
-/// into the filter.
+/// A filter at the outbound IPv4 connect layer, and its native record, which points into the filter.
 struct NativeForm {
   explicit NativeForm(const std::vector<WfpFirewall::Filtering::Condition>& conditions) {
     filter.SetLayer(WfpFirewall::Filtering::LayerType::AleAuthConnectV4);

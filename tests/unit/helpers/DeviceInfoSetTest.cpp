@@ -37,7 +37,7 @@ class DeviceInfoSet : public testing::Test {
     EXPECT_EQ(FakePlatform::GetOpenHandles(), FakePlatform::OpenHandles{});
   }
 
-  /// Walks over the Ethernet device with another driver key.
+  /// The LUID of the Ethernet device if its driver key has these values.
   static std::uint64_t LuidWith(const FakePlatform::RegistryData& netLuidIndex,
                                 const FakePlatform::RegistryData& ifType) {
     FakePlatform::Device device = Ethernet();

@@ -17,7 +17,7 @@ RegistryProperty Decode(DWORD type, const Bytes& bytes) {
   return DecodeRegistryProperty(type, std::as_bytes(std::span(bytes)));
 }
 
-/// The characters as they lie in memory, zeros within `text` included, none added.
+/// The bytes of the characters. Zeros in `text` are kept, and none is added.
 Bytes Characters(std::wstring_view text) {
   const auto* first = reinterpret_cast<const std::uint8_t*>(text.data());
   return {first, first + text.size() * sizeof(wchar_t)};
@@ -165,7 +165,7 @@ TEST(RegistryDecoding, OtherTypesGiveNothing) {
   }
 }
 
-/// One device whose description and whose value "Value" hold the data of the test.
+/// One device; its description and its value "Value" have the data of the test.
 class RegistryReading : public testing::Test {
  protected:
   void SetUp() override {

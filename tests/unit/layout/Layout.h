@@ -1,7 +1,7 @@
 /**
  * @file
- * Expectations of records. The tests that use them are compiled with the platform's own headers and with
- * our declarations of them, so that neither can stray from the other.
+ * Expectations of the layout of records. The tests are compiled both with the platform's own headers and with
+ * those of sdk_subset, which must not differ.
  */
 #pragma once
 

@@ -1,4 +1,4 @@
-// clang-format off: these need the first.
+// clang-format off: the others need the first.
 #include <WfpPlatform.h>
 #include <iphlpapi.h>
 #include <setupapi.h>

@@ -6,7 +6,7 @@
 
 namespace {
 
-/// What the conversion gives, with the length that it announces.
+/// The converted text. Its length must be the one that the function gives when it is called without a buffer.
 std::string Convert(const std::wstring& text, DWORD flags = 0) {
   const int length = static_cast<int>(text.size());
   const int size = WideCharToMultiByte(CP_UTF8, flags, text.data(), length, nullptr, 0, nullptr, nullptr);

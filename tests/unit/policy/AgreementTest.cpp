@@ -1,4 +1,4 @@
-// A second telling of the engine's rules agrees with decisions and maps on random policies.
+// The naive engine, which is written independently, must agree with decisions and maps on random filters.
 #include <array>
 #include <deque>
 #include <random>
@@ -17,7 +17,7 @@ using Policy::World;
 constexpr int kPolicies = 250;
 constexpr int kConnectionsEach = 4'000;
 
-/// Makes policies and connections that often have to do with each other.
+/// Makes random filters and connections, with values from small sets, so that many connections match filters.
 class Dice {
  public:
   explicit Dice(unsigned seed) : engine_(seed) {}
@@ -144,7 +144,7 @@ class Dice {
   std::mt19937 engine_;
 };
 
-/// A random policy, in the engine and in the naive telling.
+/// The same random filters in the emulated engine and in the naive one.
 class AgreementTest : public PolicyTest {
  protected:
   void InstallRandom(Dice& dice, IpVersion version) {
@@ -163,7 +163,7 @@ class AgreementTest : public PolicyTest {
     }
   }
 
-  /// What only the engine knows of filters.
+  /// Takes the effective weights, which only the emulated engine can give, into the naive engine.
   void TakeWeights(const Policy::Snapshot& snapshot) {
     auto filter = snapshot.filters.begin();
     for (NaiveSublayer& sublayer : naive_) {

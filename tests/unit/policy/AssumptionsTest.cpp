@@ -1,4 +1,4 @@
-// Each assumption with a policy that shows it, and the arithmetic of worlds.
+// Each assumption with filters on which it makes a difference, and the arithmetic of worlds.
 #include "policy/Assumptions.h"
 
 #include "unit/policy/PolicyTest.h"
@@ -54,16 +54,16 @@ ALE_AUTH_CONNECT_V4 | PERMIT | UINT8 5 | - | IP_LOCAL_PORT EQUAL UINT16 50000
 TEST_F(AssumptionsTest, WhatIsKnownOfTheEnginesWeightsNeedsNoAssumption) {
   const std::string verdicts[]{"permit", "permit", "permit", "permit"};
   const char* const policies[]{
-      // More conditions weigh more, any more than none.
+      // More conditions weigh more, and one condition weighs more than none.
       "ALE_AUTH_CONNECT_V4 | PERMIT | UINT8 5 | - | IP_PROTOCOL EQUAL UINT8 6\n"
       "ALE_AUTH_CONNECT_V4 | BLOCK | UINT8 5 | - | -",
       "ALE_AUTH_CONNECT_V4 | PERMIT | UINT8 5 | - | IP_PROTOCOL EQUAL UINT8 6 & IP_REMOTE_PORT EQUAL UINT16 "
       "443\n"
       "ALE_AUTH_CONNECT_V4 | BLOCK | UINT8 5 | - | IP_PROTOCOL EQUAL UINT8 6",
-      // Exact values more than ranges.
+      // An exact value weighs more than a range.
       "ALE_AUTH_CONNECT_V4 | PERMIT | UINT8 5 | - | IP_REMOTE_PORT EQUAL UINT16 443\n"
       "ALE_AUTH_CONNECT_V4 | BLOCK | UINT8 5 | - | IP_REMOTE_PORT RANGE RANGE UINT16 1 to UINT16 999",
-      // The remote address most of all.
+      // A condition on the remote address weighs more than all others together.
       "ALE_AUTH_CONNECT_V4 | PERMIT | UINT8 5 | - | IP_REMOTE_ADDRESS EQUAL V4_ADDR_MASK "
       "198.51.100.0/255.255.255.0\n"
       "ALE_AUTH_CONNECT_V4 | BLOCK | UINT8 5 | - | IP_PROTOCOL EQUAL UINT8 6 & IP_REMOTE_PORT EQUAL UINT16 "

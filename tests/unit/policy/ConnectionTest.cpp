@@ -78,7 +78,8 @@ TEST(ConnectionField, ApplicationIsNoNumber) {
   EXPECT_EQ(Policy::NumberOf(connection, Policy::Field::Application), std::nullopt);
 }
 
-/// Connections of any protocol to and from what the features have a word for.
+/// Random connections of several protocols, with addresses and ports that the features treat in a special
+/// way.
 class Traffic {
  public:
   Connection Next() {
@@ -113,7 +114,7 @@ class Traffic {
   std::mt19937 engine_{20261121};
 };
 
-/// The connection as the engine meets it: without ports where its protocol has none.
+/// The connection as the engine sees it: without ports if its protocol has none.
 Connection AsMet(Connection connection) {
   const bool hasPorts = connection.protocol == 6 || connection.protocol == 17;
   const bool isIcmp = connection.protocol == (connection.ipVersion == IpVersion::V4 ? 1 : 58);

@@ -14,7 +14,7 @@ constexpr const char* kBlock = "ALE_AUTH_CONNECT_V4 | BLOCK | UINT8 1 | - | -";
 
 class DecideTest : public PolicyTest {
  protected:
-  /// The verdict of filters in a higher and in a lower sublayer, at the readings to expect.
+  /// The verdict of filters in a heavier and in a lighter sublayer, in the world of the first readings.
   std::string Above(const char* higher, const char* lower) {
     SetUpAgain();
     if (higher != nullptr) Install(2, higher);

@@ -11,10 +11,10 @@ using testing::HasSubstr;
 using testing::IsEmpty;
 using testing::Not;
 
-/// Filters are named by their place in the table, from 1.
+/// The tests name filters by their number in the table, from 1.
 class LintTest : public PolicyTest {
  protected:
-  /// "never-decides 2 1": a finding about the second filter and the first.
+  /// The findings as texts: "never-decides 2 1" is about the second filter and the first.
   static std::vector<std::string> Findings() {
     const Policy::Snapshot snapshot = Read();
     const auto place = [&](const Policy::Filter* filter) {

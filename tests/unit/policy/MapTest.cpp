@@ -107,7 +107,8 @@ TEST_F(MapTest, NodesComeAfterThoseThatTheyLeadTo) {
   }
 }
 
-/// "remote port 3, remote address 2: 2 nodes" for each section, from the first field that is split by on.
+/// For each section a text such as "remote port 3, remote address 2: 2 nodes": its fields from the root on,
+/// each with its number of classes.
 std::vector<std::string> SizesOf(const Map& map) {
   std::vector<std::string> sizes;
   for (const Policy::MapSection& section : map.sections) {
@@ -124,7 +125,8 @@ std::vector<std::string> SizesOf(const Map& map) {
   return sizes;
 }
 
-/// By address first there would be four nodes: three of the address classes differ in their ports.
+/// If it split by address first, there would be four nodes, because three of the address classes differ in
+/// their ports.
 TEST_F(MapTest, SplitsByPortBeforeAddress) {
   Install(1, R"(
 ALE_AUTH_CONNECT_V4 | PERMIT | UINT8 4 | - | IP_REMOTE_ADDRESS EQUAL V4_ADDR_MASK 10.0.0.0/255.0.0.0 & IP_REMOTE_PORT EQUAL UINT16 53

@@ -17,15 +17,15 @@ using Policy::Direction;
 using Policy::IpVersion;
 using Policy::World;
 
-/// From what blocks most to what permits most.
+/// From the strongest block to the strongest permit.
 enum Decision { Veto, Block, Nothing, HardPermit };
 
 using Fields = std::map<std::string, NaiveFilter::OnField>;
 using Filters = std::vector<const NaiveFilter*>;
 
-/// How little conditions on a field leave open: at least and at most.
+/// How narrow the conditions on a field are. If this is not known exactly, `least` and `most` differ.
 struct Narrowness {
-  int least = 0;  ///< 0 nothing is excluded, 1 a range is left, 2 one value
+  int least = 0;  ///< 0: no value is excluded, 1: a range is left, 2: one value is left
   int most = 0;
 };
 
@@ -78,7 +78,7 @@ bool IsNumber(const NaiveFilter& filter) {
   return filter.record->weight.type == FWP_UINT64 || filter.fields.empty();
 }
 
-/// By what is known of weights that the engine chooses.
+/// Whether a filter outranks another by what is known about weights that the engine chooses.
 bool OutranksAsKnown(const NaiveFilter& filter, const NaiveFilter& other) {
   if (IsNumber(filter) && IsNumber(other)) {
     return filter.effectiveWeight > other.effectiveWeight;
@@ -140,7 +140,7 @@ Decision Most(const NaiveFilter& filter) {
   return (filter.record->flags & 8) != 0 ? HardPermit : Nothing;
 }
 
-/// The extreme of some decisions.
+/// The decision that blocks most, or the one that permits most.
 Decision Pick(const std::vector<Decision>& decisions, bool block) {
   return block ? *std::ranges::min_element(decisions) : *std::ranges::max_element(decisions);
 }
@@ -150,7 +150,7 @@ bool IsOutranked(const NaiveFilter& filter, const Filters& others, World world) 
                              [&](const NaiveFilter* other) { return Outranks(*other, filter, world); });
 }
 
-/// What the filters that match for certain decide.
+/// The decision of the filters that certainly match.
 Decision DecideSurely(const Filters& filters, World world) {
   Filters first;
   for (const NaiveFilter* filter : filters) {
@@ -167,7 +167,7 @@ Decision DecideSurely(const Filters& filters, World world) {
   return decisions.empty() ? Nothing : Pick(decisions, Second(world, Assumption::AutomaticWeights));
 }
 
-/// The decisions of a sublayer that block and permit most.
+/// Of the decisions that a sublayer can make, the one that blocks most and the one that permits most.
 std::pair<Decision, Decision> Decide(const NaiveSublayer& sublayer, const GUID& layer,
                                      const Connection& connection, World world) {
   Filters sure;
@@ -188,7 +188,7 @@ std::pair<Decision, Decision> Decide(const NaiveSublayer& sublayer, const GUID& 
   return {Pick(decisions, true), Pick(decisions, false)};
 }
 
-/// The weights of sublayers with what they decide.
+/// The weights of sublayers, each with the sublayer's decision.
 using Turns = std::vector<std::pair<UINT16, Decision>>;
 
 Action Combine(Turns turns, World world) {

@@ -1,6 +1,6 @@
 /**
  * @file
- * The rules of the engine told once more, as simply as possible.
+ * The engine's decisions, written independently of policy/ and as simply as possible.
  */
 #pragma once
 
@@ -14,6 +14,6 @@ struct NaiveSublayer {
   std::vector<NaiveFilter> filters;
 };
 
-/// What happens to a connection in a world; none where it is up to filters that only the engine can judge.
+/// What happens to a connection in a world; empty if it depends on filters that only the engine can judge.
 std::optional<Policy::Action> DecideNaively(const std::vector<NaiveSublayer>& sublayers,
                                             const Policy::Connection& connection, Policy::World world);

@@ -106,7 +106,7 @@ Matching CompareApplications(const FWPM_FILTER_CONDITION0& condition, const std:
   }
 }
 
-/// A connection's value, as a number or as bytes.
+/// A connection's value of a field, as a number or as bytes; neither if it is unset.
 struct Value {
   bool known;  ///< whether connections have the field at all
   std::optional<Number> number;
@@ -159,7 +159,7 @@ Matching Holds(const FWPM_FILTER_CONDITION0& condition, const Value& value, Worl
   return testsFlags ? CompareNumbers(condition, 0) : Of(IsNegation(condition));
 }
 
-/// Conditions on one field.
+/// Whether the conditions on one field hold together.
 Matching Holds(const std::vector<const FWPM_FILTER_CONDITION0*>& conditions, const Value& value,
                World world) {
   Matching best = No;

@@ -1,6 +1,6 @@
 /**
  * @file
- * Which filters match a connection, told once more, as simply as possible.
+ * Which filters match a connection, written independently of policy/ and as simply as possible.
  */
 #pragma once
 
@@ -13,7 +13,7 @@
 #include "policy/Connection.h"
 #include "policy/Verdict.h"
 
-/// A filter's native record with what the engine made of it.
+/// A filter's native record with its effective weight, which the engine gives.
 struct NaiveFilter {
   explicit NaiveFilter(const FWPM_FILTER0& native);
 
@@ -34,7 +34,7 @@ enum Matching { No, Perhaps, Yes };
 
 Matching Matches(const NaiveFilter& filter, const Policy::Connection& connection, Policy::World world);
 
-/// Whether the second reading of an assumption is the world's.
+/// Whether the world has the second reading of an assumption.
 inline bool Second(Policy::World world, Policy::Assumption assumption) {
   return world.ReadingOf(assumption) == 1;
 }

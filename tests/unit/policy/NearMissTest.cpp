@@ -9,10 +9,10 @@ using testing::IsEmpty;
 
 constexpr const char* kBlockAll = "ALE_AUTH_CONNECT_V4 | BLOCK | UINT8 1 | - | -";
 
-/// Filters are named by their place in the table, from 1.
+/// The tests name filters by their number in the table, from 1.
 class NearMissTest : public PolicyTest {
  protected:
-  /// "1 remote port", of all sublayers at the first layer.
+  /// The near misses of all sublayers at the first layer, such as "1 remote port".
   static std::vector<std::string> NearMisses(const Policy::Connection& connection) {
     const Policy::Snapshot snapshot = Read();
     std::vector<std::string> texts;

@@ -1,6 +1,6 @@
 /**
  * @file
- * What tests of policies have in common: filters in a fresh engine, and connections.
+ * Filters in a fresh engine, and connections, for the tests of policy/ and promises/.
  */
 #pragma once
 
@@ -18,7 +18,7 @@
 #include "support/InstalledFeatures.h"
 #include "support/InstalledFilters.h"
 
-/// An engine that takes whatever the documentation does not forbid.
+/// An engine that accepts everything that the documentation does not forbid.
 class PolicyTest : public EngineTest {
  protected:
   void SetUp() override {
@@ -33,23 +33,23 @@ class PolicyTest : public EngineTest {
     EngineTest::TearDown();
   }
 
-  /// A fresh engine again.
+  /// Starts again with a fresh engine.
   void SetUpAgain() {
     PolicyTest::TearDown();
     PolicyTest::SetUp();
   }
 
   void Install(UINT16 weight, const std::string& filters) { filters_->Install(L"Sublayer", weight, filters); }
-  /// The real rule sets; once in an engine.
+  /// Installs the library's rule sets. To be called once for each engine.
   void Install(const Promises::Features& features) {
     features_.emplace(features);
-    // The list that the copy of application blocks points into stays allocated.
+    // The library never frees the list that its copy of application blocks points into.
     ExpectOutstandingMemory(features.leakProtection ? 1 : 0);
   }
 
   static Policy::Snapshot Read() { return Policy::ReadEngine(Policy::LinkedEngine()); }
 
-  /// The verdict of a connection in words, by decision; the map must agree.
+  /// The verdict of Decide for a connection, in words. Fails the test if the map has another one.
   static std::string VerdictOf(const Policy::Connection& connection) {
     const Policy::Snapshot snapshot = Read();
     const Policy::Verdict verdict = Policy::Decider(snapshot).Decide(connection);

@@ -14,7 +14,7 @@ using Policy::Snapshot;
 using testing::ElementsAre;
 using testing::SizeIs;
 
-/// GoogleTest has a Test of its own.
+/// Another name for it, because GoogleTest has a class Test too.
 using Asked = Policy::Test;
 
 class SnapshotTest : public PolicyTest {};
@@ -257,7 +257,7 @@ TEST_F(SnapshotTest, AFieldThatNobodyKnowsIsUnreadable) {
   EXPECT_EQ(decoded.test.kind, Asked::Kind::Unreadable);
 }
 
-/// What becomes of the first condition of a spoiled record.
+/// The text of the first condition of a record, which must be unreadable.
 std::string Unreadable(FilterText& text) {
   const Condition condition = Policy::Decode(text.Record()).conditions.at(0);
   EXPECT_EQ(condition.test.kind, Asked::Kind::Unreadable);

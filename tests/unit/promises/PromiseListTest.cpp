@@ -1,4 +1,4 @@
-// What users are told, word for word, by the features that are on.
+// The sentences of the promises, word for word, for each feature.
 #include "promises/PromiseList.h"
 
 #include <gmock/gmock.h>
@@ -8,7 +8,7 @@ namespace {
 using Promises::Features;
 using testing::ElementsAre;
 
-/// "feature | name | sentence"
+/// The promises as texts of the form "feature | name | sentence".
 std::vector<std::string> TextsOf(const Features& features) {
   std::vector<std::string> texts;
   for (const Promises::Promise& promise : Promises::PromisesOf(features)) {

@@ -1,5 +1,5 @@
-// Which connections the promises speak of, to the last address and port: engines that let nothing through but
-// one connection, or all but one, and what they break.
+// Exactly which connections the promises are about: engines that permit only one connection, or block only
+// one, and the promises that they break.
 #include <algorithm>
 
 #include "promises/Proof.h"
@@ -10,12 +10,12 @@ namespace {
 using Promises::Features;
 using Promises::Keeping;
 
-/// What an address is to this machine.
+/// The kind of an address, seen from this machine.
 enum class Place {
   Elsewhere,
   Loopback,
   LocalNetwork,
-  LocalService,  ///< one multicast group, or all of the network's machines
+  LocalService,  ///< service discovery or limited broadcast
 };
 
 struct Border {
@@ -23,7 +23,7 @@ struct Border {
   Place place;
 };
 
-/// Both sides of every border.
+/// The addresses on both sides of every border between kinds.
 constexpr Border kBorders[]{
     {"9.255.255.255", Place::Elsewhere},
     {"10.0.0.0", Place::LocalNetwork},
@@ -73,7 +73,7 @@ constexpr Border kBorders[]{
 
 bool IsV6(const std::string& address) { return address.find(':') != std::string::npos; }
 
-/// Conditions that one remote address meets, and others if they do too.
+/// A condition on one remote address, followed by `others`.
 std::string At(const std::string& address, const std::string& others = {}) {
   return "IP_REMOTE_ADDRESS EQUAL " +
          (IsV6(address) ? "BYTE_ARRAY16 " + address : "V4_ADDR_MASK " + address + "/255.255.255.255") +
@@ -90,8 +90,8 @@ class PromisedConnections : public PolicyTest {
     skein_.skein = Features::Skein{{11}, {0x64400001}};
   }
 
-  /// A promise broken by an engine that lets some connections through, of those that begin at a layer, and
-  /// no others.
+  /// Whether a promise is broken by an engine that permits only the connections at `layer` that meet
+  /// `conditions`.
   bool BreaksClosed(const Features& features, const std::string& promise, const std::string& layer,
                     const std::string& conditions) {
     std::string filters = layer + " | PERMIT | UINT8 2 | - | " + conditions;
@@ -102,7 +102,7 @@ class PromisedConnections : public PolicyTest {
     return Breaks(features, promise, filters);
   }
 
-  /// The same of an engine that lets all through but those.
+  /// The same for an engine that blocks only these connections.
   bool BreaksOpen(const Features& features, const std::string& promise, const std::string& layer,
                   const std::string& conditions) {
     return Breaks(features, promise, layer + " | BLOCK | UINT8 1 | - | " + conditions);
@@ -238,7 +238,7 @@ TEST_F(PromisedConnections, SkeinIsForItsPeersAlone) {
   }
 }
 
-/// An exchange of two ports, and what it is to somebody who has DHCP on.
+/// An exchange between two ports: whether it is a DHCP client's, and whether the DHCP feature allows it.
 struct Exchange {
   const char* layer;
   const char* conditions;

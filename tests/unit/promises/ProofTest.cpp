@@ -43,7 +43,7 @@ Features SkeinOnly() {
 
 class ProofTest : public PolicyTest {
  protected:
-  /// The promises of some features, whatever filters are installed: "name: state".
+  /// The promises of `features` with the filters that are installed, in the form "name: state".
   static std::vector<std::string> StatesOf(const Features& features) {
     std::vector<std::string> states;
     const Policy::Snapshot snapshot = Read();
@@ -74,7 +74,7 @@ class ProofTest : public PolicyTest {
   }
 };
 
-/// Every promise, by the features that make it, and whether it promises that something is blocked.
+/// A promise, features that make it, and whether it says that something is blocked.
 struct Case {
   const char* name;
   Features features;
@@ -280,7 +280,7 @@ TEST_F(ProofTest, LeakProtectionOfTwoInterfaces) {
       ElementsAre(
           "leak-no-look-ups: holds", "leak-name-application: broken",
           "leak-closes: holds with unset-fields = match",
-          // The permit of an interface weighs as much as the block of all but the other.
+          // For each interface, the permit weighs as much as the block that comes from the other interface.
           "leak-tunnel-open: holds with automatic-weights = permit-first or filter-ties = permit-first, "
           "automatic-weights = as-reported",
           "leak-permitted-addresses: holds", "leak-server: holds", "leak-local-network: holds",

@@ -1,5 +1,5 @@
-// The verdicts of every combination of the features, kept in tests/verdicts: a change of any verdict shows
-// there. With CORVANE_WRITE_VERDICTS set, the files are written anew instead.
+// Compares the verdicts of every combination of the features with the files in tests/verdicts. If the
+// environment variable CORVANE_WRITE_VERDICTS is set, writes the files instead.
 #include <array>
 #include <cstdlib>
 #include <deque>
@@ -28,7 +28,8 @@ const std::string kBlocked = Policy::ApplicationBytes("\\device\\harddiskvolume1
 const Policy::Labels kLabels{{{kTunnel, "Tunnel"}, {kSkein, "Skein"}},
                              {{kResolver, "resolver.exe"}, {kBlocked, "blocked.exe"}}};
 
-/// The features of a combination, a bit each in the order of their names, with the same arguments always.
+/// The features of a combination, which has a bit for each in the order of their names. The arguments are
+/// always the same.
 Features FeaturesOf(unsigned combination) {
   Features features;
   if ((combination & 1) != 0) features.killSwitch.emplace();
@@ -57,7 +58,7 @@ std::filesystem::path PathOf(const std::string& name) {
   return std::filesystem::path(CORVANE_VERDICTS) / (name + ".txt");
 }
 
-/// Compares a text with the file of that name, or writes it.
+/// Compares a text with the file of this name, or writes the file.
 void Keep(const std::string& name, const std::string& text) {
   if (IsWriting()) {
     std::ofstream(PathOf(name), std::ios::binary) << text;
@@ -77,7 +78,7 @@ TEST_P(VerdictsTest, AreThoseInTheFile) {
        NameOf(GetParam()) + "\n\n" + Policy::Describe(Policy::MakeMap(snapshot, kLabels), kLabels));
 }
 
-/// Connections to and from all that the features have a word for.
+/// Random connections, with values that the features treat in a special way.
 class Traffic {
  public:
   explicit Traffic(unsigned seed) : engine_(seed) {}
@@ -126,7 +127,7 @@ class Traffic {
   std::mt19937 engine_;
 };
 
-/// What the emulator shows of its filters, for the naive engine.
+/// The emulator's filters for the naive engine, which are made from their texts.
 std::vector<NaiveSublayer> MakeNaive(const Policy::Snapshot& snapshot, std::deque<FilterText>& records) {
   const EngineEmulator::Snapshot engine = EngineEmulator::TakeSnapshot();
   std::vector<NaiveSublayer> sublayers;
@@ -173,7 +174,7 @@ INSTANTIATE_TEST_SUITE_P(All, VerdictsTest, testing::Range(0U, kCombinations), C
 
 class PromiseStatesTest : public PolicyTest {};
 
-/// What is not simply kept, in all combinations.
+/// The promises that do not simply hold, in all combinations.
 TEST_F(PromiseStatesTest, AreThoseInTheFile) {
   std::string text;
   for (unsigned combination = 0; combination < kCombinations; ++combination) {

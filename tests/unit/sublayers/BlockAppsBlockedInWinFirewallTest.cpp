@@ -27,7 +27,7 @@ class BlockAppsBlockedInWinFirewallTest : public RuleSetFixture {
     RuleSetFixture::TearDown();
   }
 
-  /// What the engine holds of the rule set once it is applied.
+  /// The filters of the rule set that are in the engine after it is applied.
   static std::vector<std::string> InstalledCopies() {
     std::vector<std::string> texts;
     for (const auto& filter : InstallAndLook(BlockAppsBlockedInWinFirewall()).filters) {

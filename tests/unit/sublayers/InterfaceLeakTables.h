@@ -1,7 +1,7 @@
 #pragma once
 
-// The filters of the interface rules, in the order of installation: for the server 198.51.100.7, with the
-// addresses 1.2.3.4, 200.1.2.3 and 255.255.255.255 permitted, or none.
+// The filters of interface leak protection in the order of installation, for the server 198.51.100.7, with
+// the permitted addresses 1.2.3.4, 200.1.2.3 and 255.255.255.255, or with none.
 
 inline constexpr const char* kOneInterface = R"(
 ALE_AUTH_CONNECT_V4 | PERMIT | UINT8 14 | CLEAR_ACTION_RIGHT | IP_LOCAL_INTERFACE EQUAL UINT64 1689399632855040

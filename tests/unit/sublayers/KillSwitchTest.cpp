@@ -31,7 +31,7 @@ TEST_F(KillSwitchTest, LastPermitsTheGlobalDiscoveryGroupInbound) {
             "IP_REMOTE_ADDRESS EQUAL V6_ADDR_MASK ff0e::c/128 & IP_REMOTE_PORT NOT_EQUAL UINT16 53");
 }
 
-/// Without the layer's name.
+/// The texts of some filters, which must all be at `layer`, without the name of the layer.
 std::vector<std::string> Rules(const std::vector<std::string>& filters, std::size_t first, std::size_t last,
                                const std::string& layer) {
   std::vector<std::string> rules;

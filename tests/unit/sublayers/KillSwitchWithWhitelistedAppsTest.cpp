@@ -17,7 +17,7 @@ using testing::SizeIs;
 constexpr const wchar_t* kBrowser = L"C:\\Apps\\Browser.exe";
 constexpr const wchar_t* kMail = L"C:\\Apps\\Mail.exe";
 
-/// What follows the kill switch's own filters.
+/// The filters that follow those of the kill switch.
 constexpr const char* kPermits = R"(
 ALE_AUTH_CONNECT_V4 | PERMIT | UINT8 14 | - | ALE_APP_ID EQUAL BYTE_BLOB \device\harddiskvolume1\apps\browser.exe
 ALE_AUTH_CONNECT_V4 | PERMIT | UINT8 14 | - | ALE_APP_ID EQUAL BYTE_BLOB \device\harddiskvolume1\apps\mail.exe

@@ -11,7 +11,7 @@
 #include "engine/Firewall.h"
 #include "support/EngineTest.h"
 
-/// A table of filters, one a line; empty lines set groups apart.
+/// The lines of a table of filters. Empty lines only separate groups.
 inline std::vector<std::string> Lines(const std::string& table) {
   std::istringstream stream(table);
   std::vector<std::string> lines;
@@ -26,7 +26,7 @@ class RuleSetFixture : public EngineTest {
  protected:
   static constexpr GUID kKey{0x20000000, 0x0002, 0x4002, {0x80, 0, 0, 0, 0, 0, 0, 2}};
 
-  /// What the engine holds once a rule set is applied.
+  /// Applies a rule set and gives the content of the engine.
   static EngineEmulator::Snapshot InstallAndLook(WfpFirewall::Sublayer ruleSet) {
     WfpFirewall::Firewall firewall(WfpFirewall::Provider({0x10000000, 1, 0x4001, {}}, L"CorvaneService",
                                                          L"Corvane", L"Corvane firewall"));
@@ -34,14 +34,14 @@ class RuleSetFixture : public EngineTest {
     return EngineEmulator::TakeSnapshot();
   }
 
-  /// The filters of that, in words.
+  /// Applies a rule set and gives the filters in the engine as texts.
   static std::vector<std::string> Install(const WfpFirewall::Sublayer& ruleSet) {
     std::vector<std::string> texts;
     for (const auto& filter : InstallAndLook(ruleSet).filters) texts.push_back(filter.text);
     return texts;
   }
 
-  /// Whether those are the filters of a table. If not, says which is the first that differs.
+  /// Whether a rule set installs the filters of a table. If not, the message has the first that differs.
   static testing::AssertionResult Installs(const WfpFirewall::Sublayer& ruleSet, const std::string& table) {
     const std::vector<std::string> installed = Install(ruleSet);
     const std::vector<std::string> expected = Lines(table);
