@@ -11,10 +11,10 @@ std::uint64_t allocations = 0;
 
 std::uint64_t CountAllocations() { return allocations; }
 
-// The standard library's other forms call these.
+// The other forms of new and delete call these.
 void* operator new(std::size_t size) {
   ++allocations;
-  void* memory = std::malloc(size);  // NOLINT(cppcoreguidelines-no-malloc): beneath operator new.
+  void* memory = std::malloc(size);  // NOLINT(cppcoreguidelines-no-malloc): this is operator new.
   if (memory == nullptr) {
     throw std::bad_alloc();
   }
@@ -22,7 +22,7 @@ void* operator new(std::size_t size) {
 }
 
 void operator delete(void* memory) noexcept {
-  std::free(memory);  // NOLINT(cppcoreguidelines-no-malloc): beneath operator delete.
+  std::free(memory);  // NOLINT(cppcoreguidelines-no-malloc): this is operator delete.
 }
 
 void operator delete(void* memory, std::size_t) noexcept { operator delete(memory); }

@@ -2,5 +2,5 @@
 
 #include <cstdint>
 
-/// How often the program has taken memory with operator new.
+/// The number of calls of operator new so far.
 std::uint64_t CountAllocations();

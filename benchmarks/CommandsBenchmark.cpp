@@ -1,6 +1,6 @@
-// Each command against an engine that does nothing, beside the floor: a loop that makes the same engine
-// calls from tables. What a command takes above its floor is the library's own. An iteration switches a
-// feature on and off again, or replaces it once; items per second are filters handed over.
+// Measures each command with an engine that does nothing, and its floor: a loop that makes the same engine
+// calls from tables. The difference is the cost of the library. An iteration switches a feature on and off,
+// or replaces it once. Items per second are the filters that the engine gets.
 #include <corvane/native_firewall.h>
 
 #include <cstdio>
@@ -41,7 +41,7 @@ void Check(std::uint64_t code) {
   }
 }
 
-/// Initialises, and opens the session, so that no iteration pays for that.
+/// Initialises the library and opens the session, so that iterations do not include it.
 void StartLibrary() {
   const GUID provider = Key(1);
   Initialize(&provider, kText, kText, &kKillSwitch, kText, kText, &kLocalNetwork, kText, kText, &kDhcp, kText,
@@ -89,7 +89,7 @@ void MeasureFloor(benchmark::State& state, Floor floor) {
   });
 }
 
-/// @param confirmOthers asks after the rule sets that stay, as installing does.
+/// @param confirmOthers looks up the rule sets that stay, as the library does when it installs.
 template <typename ConfirmOthers>
 void MeasureReplacingFloor(benchmark::State& state, Floor floor, const ConfirmOthers& confirmOthers) {
   floor.Install(nullptr);

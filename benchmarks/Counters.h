@@ -7,7 +7,7 @@
 #include "benchmarks/Allocations.h"
 #include "benchmarks/IdleEngine.h"
 
-/// Counts, from its making to its end, what a benchmark takes in one iteration.
+/// Counts the allocations and engine calls of one iteration, from its construction to its destruction.
 class Counters {
  public:
   /// @param filters of one iteration; items per second are filters.

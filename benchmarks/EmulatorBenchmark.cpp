@@ -1,4 +1,5 @@
-// Whether the emulated engine stays as fast when it is full: items per second are filters added.
+// Measures whether the emulated engine slows down when it has many filters. Items per second are filters
+// added.
 #include <benchmark/benchmark.h>
 
 #include "emulator/Control.h"
@@ -8,7 +9,7 @@ namespace {
 constexpr GUID kConnectV4{0xc38d57d1, 0x05a7, 0x4c33, {0x90, 0x4f, 0x7f, 0xbc, 0xee, 0xe6, 0x0e, 0x82}};
 constexpr GUID kRemotePort{0xc35a604d, 0xd22b, 0x4e1a, {0x91, 0xb4, 0x68, 0xf6, 0x74, 0xee, 0x67, 0x4b}};
 
-/// A fresh engine with so many filters.
+/// A fresh engine with `count` filters.
 class FilledEngine {
  public:
   explicit FilledEngine(std::int64_t filters) {
@@ -23,7 +24,7 @@ class FilledEngine {
   FilledEngine(const FilledEngine&) = delete;
   FilledEngine& operator=(const FilledEngine&) = delete;
 
-  /// Blocks a remote port. The engine chooses the key.
+  /// Adds a block of a remote port. The engine chooses the key.
   UINT64 AddFilter() {
     wchar_t name[] = L"Filter";
     FWPM_FILTER_CONDITION0 condition{};
@@ -55,7 +56,7 @@ void FillEngine(benchmark::State& state) {
 }
 BENCHMARK(FillEngine)->Arg(1'000)->Arg(10'000)->Arg(100'000)->Unit(benchmark::kMillisecond);
 
-/// One more, and away again.
+/// Adds one more filter and deletes it.
 void AddOneMore(benchmark::State& state) {
   FilledEngine engine(state.range(0));
   for (auto _ : state) {

@@ -6,15 +6,15 @@
 
 #include "engine/Sublayer.h"
 
-/// What no library can beat: the engine calls of a rule set, straight from tables made beforehand.
+/// The least that any library needs: only the engine calls of a rule set, from tables made before.
 class Floor {
  public:
-  /// @param apps how many application identifiers the rule set needs from the engine.
+  /// @param apps the number of application identifiers that the rule set asks the engine for.
   Floor(GUID key, WfpFirewall::Sublayer ruleSet, int apps = 0);
 
   void Install(HANDLE engine);
   void Remove(HANDLE engine);
-  /// What tells that it is installed.
+  /// The calls that find out whether it is installed.
   void Confirm(HANDLE engine);
   [[nodiscard]] std::size_t FilterCount() const { return records_.size(); }
 
@@ -26,5 +26,5 @@ class Floor {
   int apps_;
 };
 
-/// What the copy of Windows Firewall's blocks asks of the engine when there are none.
+/// The engine calls for the copy of Windows Firewall's blocks when there are none.
 void EnumerateFilters();

@@ -2,12 +2,12 @@
 
 #include <cstddef>
 
-/// What operator new has handed out in this program, in bytes.
+/// Counts the bytes that operator new has given out in this program.
 namespace HeapPeak {
 
 /// Forgets the peak so far.
 void Restart();
-/// The most held at once since Restart, beyond what was held then.
+/// The most bytes in use at one time since Restart, less those in use at Restart.
 std::size_t Get();
 
 }  // namespace HeapPeak

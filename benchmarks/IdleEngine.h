@@ -1,7 +1,7 @@
 /**
  * @file
- * An engine that does nothing: it defines the functions that the library calls, and each succeeds at once
- * whatever it is given. It only knows which sublayers there are, because the library asks for them.
+ * An engine that does nothing: the functions that the library calls return success at once, whatever the
+ * arguments. It only remembers which sublayers exist, because the library looks them up.
  */
 #pragma once
 
@@ -9,7 +9,7 @@
 
 namespace IdleEngine {
 
-/// The calls since the program began, FwpmFreeMemory0 included.
+/// The number of calls since the program started, with those of FwpmFreeMemory0.
 std::uint64_t CountCalls();
 
 }  // namespace IdleEngine

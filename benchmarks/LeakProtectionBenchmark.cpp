@@ -1,5 +1,6 @@
-// What switching leak protection on costs, with long lists of addresses, many interfaces and an engine full
-// of other owners' filters. "peak" is the most heap held at once, the emulated engine's included.
+// Measures switching leak protection on with long lists of addresses, with many interfaces, and with many
+// filters of other owners in the engine. "peak" is the most heap in use at one time, with that of the
+// emulated engine.
 #include <benchmark/benchmark.h>
 
 #include <algorithm>
@@ -29,7 +30,8 @@ constexpr const wchar_t* kNames[]{L"Tunnel"};
 constexpr std::int64_t kFiltersPerInterface = 21;
 constexpr std::int64_t kDnsFiltersPerInterface = 4;
 constexpr std::int64_t kDnsFilters = 8;
-/// Of the filters of an interface but that of listed addresses, four have one condition and 16 have two.
+/// The conditions of an interface's filters without those of permitted addresses: four filters have one, 16
+/// have two.
 constexpr std::int64_t kOtherConditions = 36;
 
 std::uint64_t CORVANE_CALL Ignore(const char*) { return 0; }
@@ -40,7 +42,7 @@ std::vector<std::uint32_t> Addresses(std::int64_t count) {
   return addresses;
 }
 
-/// A fresh engine and module on a machine with so many tunnels.
+/// Begins with a fresh engine and library on a machine with this number of tunnel adapters.
 void Prepare(std::int64_t interfaces) {
   Module() = {};
   EngineEmulator::Reset();
@@ -54,7 +56,7 @@ void Prepare(std::int64_t interfaces) {
              n, n, &kKeys[6], n, n, &kKeys[7], n, n, L"C:\\dns.exe");
 }
 
-/// Runs the work and counts what it costs, set-up apart.
+/// Measures `work`, without `setUp`, which runs before each iteration.
 template <typename SetUp, typename Work>
 void Measure(benchmark::State& state, std::int64_t filters, std::int64_t conditions, const SetUp& setUp,
              const Work& work) {
@@ -74,7 +76,7 @@ void Measure(benchmark::State& state, std::int64_t filters, std::int64_t conditi
   state.counters["peak"] = Counter(static_cast<double>(peak), Counter::kDefaults, Counter::OneK::kIs1024);
 }
 
-/// The library by itself: the interface rules, built and converted to the engine's records.
+/// The library alone: builds the filters of interface leak protection and converts them to native records.
 void BuildAndConvertInterfaceRules(benchmark::State& state) {
   const std::vector<std::uint32_t> addresses = Addresses(state.range(0));
   const std::int64_t interfaces = state.range(1);
@@ -113,10 +115,10 @@ BENCHMARK(EnableLeakProtectionFirst)
     ->ArgsProduct({{10, 1'000, 100'000}, {1, 4, 16}})
     ->Unit(benchmark::kMillisecond);
 
-/// One in so many filters of other owners blocks an application.
+/// Of the filters of other owners, each hundredth blocks an application.
 constexpr std::int64_t kBlocksEvery = 100;
 
-/// Per filter: of all that the engine has. Per condition: of those copied.
+/// "per_filter" counts all filters in the engine, "per_condition" only those that are copied.
 void CopyApplicationBlocks(benchmark::State& state) {
   Prepare(0);
   AppBlock block(L"C:\\blocked.exe");
@@ -131,7 +133,7 @@ void CopyApplicationBlocks(benchmark::State& state) {
       state, state.range(0), state.range(0) / kBlocksEvery, [] { EngineEmulator::ClearJournal(); },
       [&] { benchmark::DoNotOptimize(BlockAppsBlockedInWinFirewall()); });
 }
-// Each run leaves the engine's array allocated, so there are few.
+// Few iterations, because the list of filters that each one reads is never freed.
 BENCHMARK(CopyApplicationBlocks)
     ->ArgName("filters")
     ->Arg(1'000)

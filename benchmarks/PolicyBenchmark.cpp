@@ -1,5 +1,5 @@
-// How fast connections are decided, and mapped: items per second are connections decided or addresses mapped.
-// "peak" is the most heap held at once.
+// Measures how fast policy/ decides about connections and makes maps. Items per second are connections or,
+// for maps, addresses. "peak" is the most heap in use at one time.
 #include <benchmark/benchmark.h>
 
 #include <algorithm>
@@ -24,8 +24,8 @@ Policy::Snapshot SnapshotOf(const Features& features) {
   return Policy::ReadEngine(Policy::LinkedEngine());
 }
 
-/// All five features, with four interfaces of the tunnel, three applications, and so many permitted
-/// addresses, none beside another.
+/// All five features, with four interfaces of the tunnel, three applications, and this number of permitted
+/// addresses, no two of which are neighbours.
 Features AllFeatures(std::int64_t addresses) {
   const auto application = [](const std::string& name) {
     return Policy::ApplicationBytes("\\device\\harddiskvolume1\\" + name);
@@ -46,7 +46,7 @@ Features AllFeatures(std::int64_t addresses) {
   return features;
 }
 
-/// Connections of all kinds that a machine makes.
+/// Connections with many combinations of direction, address and port.
 std::vector<Connection> Connections() {
   std::vector<Connection> connections;
   for (const char* address : {"10.0.0.1", "192.168.1.7", "198.51.100.1", "127.0.0.1", "255.255.255.255",

@@ -1,4 +1,4 @@
-# CLI11, nlohmann-json and, for the tests, valijson, header-only: link host_headers.
+# The target host_headers has the header-only libraries CLI11, nlohmann-json and, for the tests, valijson.
 include_guard(GLOBAL)
 
 add_library(host_headers INTERFACE)
@@ -14,8 +14,8 @@ if(CMAKE_HOST_WIN32)
   return()
 endif()
 
-# Links, because the folder that holds these libraries also holds the host's own C headers, which a
-# cross-compiler must not see.
+# Symbolic links to the folders of these libraries. Their common folder also has the C headers of the system that
+# builds, which a cross-compiler must not see.
 set(host_header_links "${CMAKE_BINARY_DIR}/host-headers")
 file(MAKE_DIRECTORY "${host_header_links}")
 

@@ -1,4 +1,4 @@
-// Addresses, networks and filters made from any text.
+// Makes addresses, networks and filters from random texts.
 #include <WfpPlatform.h>
 
 #include <cstring>

@@ -1,4 +1,4 @@
-// A host that gives any commands in any order, while the engine and the machine fail now and then.
+// A host that calls random commands in random order, while some calls of the engine and of Windows fail.
 #include <algorithm>
 #include <array>
 #include <optional>
@@ -49,7 +49,7 @@ constexpr const wchar_t* kExistingApps[]{L"C:\\a.exe", L"C:\\Program Files\\b.ex
 constexpr const wchar_t* kApps[]{kExistingApps[0], kExistingApps[1], L"C:\\missing.exe", L"", L"\xD800"};
 constexpr const wchar_t* kInterfaceNames[]{L"Tunnel", L"tunnel", L"", L"No such adapter", L"\xDC00"};
 
-/// Looked up, or tried without caring, so that a failure by itself fails no command.
+/// Calls that may fail without making a command fail.
 constexpr const char* kToleratedCalls[]{
     "FwpmProviderGetByKey0",       "FwpmSubLayerGetByKey0", "FwpmFilterDeleteById0",       "FwpmFreeMemory0",
     "FwpmFilterCreateEnumHandle0", "FwpmFilterEnum0",       "FwpmFilterDestroyEnumHandle0"};
@@ -71,8 +71,8 @@ std::uint64_t CORVANE_CALL Log(const char* line) {
   return 0;
 }
 
-/// The host, and what it may expect: the switches, the text of the last failure, and, as long as
-/// nothing failed, what the engine holds.
+/// The host, with the state that it expects: which features are on, the text of the last failure, and, as
+/// long as nothing has failed, the content of the engine.
 class Host {
  public:
   explicit Host(Input& input) : input_(input) {
@@ -280,7 +280,7 @@ class Host {
     skeinFilters_ = static_cast<std::uint64_t>(interfaces) * (peers.empty() ? 1 : 2);
   }
 
-  /// The removal at the beginning of EnableSkein, of which a failure leaves no more than its text.
+  /// The removal at the beginning of EnableSkein. A failure of it only sets the error text.
   void LeaveOldSkein() {
     if (const auto failure = FirstFailure(); failure && failure->function == "FwpmSubLayerDeleteByKey0") {
       failed_ = true;

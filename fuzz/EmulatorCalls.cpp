@@ -1,4 +1,5 @@
-// Clients that call the engine with anything, in any order, and go away in the end.
+// Clients that call the emulated engine with random arguments, in random order. In the end all sessions
+// close.
 #include <iterator>
 #include <string>
 #include <vector>
@@ -20,7 +21,7 @@ constexpr int kMostCalls = 128;
 template <class Change>
 void CALLBACK IgnoreChange(void*, const Change*) {}
 
-/// Reads all that hangs off a record of the engine.
+/// Reads everything that a record of the engine points at.
 void ReadRecord(const FWPM_FILTER0& filter) { Catalog::DescribeFilter(filter); }
 
 template <class Record>
@@ -36,7 +37,7 @@ class Clients {
  public:
   explicit Clients(Input& input) : input_(input), records_(input) {
     EngineEmulator::Reset();
-    // One thread for all clients: nobody would give the lock back while another waits for it.
+    // All clients run on one thread, so no other can release the lock while a client waits for it.
     EngineEmulator::Switches switches =
         input.TakeFlag() ? EngineEmulator::LenientSwitches() : EngineEmulator::Switches();
     switches.lockWaitMilliseconds = 1;
@@ -69,7 +70,7 @@ class Clients {
   }
 
  private:
-  /// A handle of the right kind or not, open or closed, or none at all.
+  /// A handle of the right or another kind, open or closed, or a random number.
   HANDLE Handle(const std::vector<HANDLE>& likely) {
     const std::size_t index = input_.TakeIndex(likely.size() + 2);
     if (index < likely.size()) {
@@ -81,7 +82,7 @@ class Clients {
   HANDLE Session() { return Handle(sessions_); }
   HANDLE OtherHandle() { return Handle(handles_); }
 
-  /// Mostly a place for a result.
+  /// A pointer for a result; sometimes null.
   template <class T>
   T* Out(T& place) {
     return input_.TakeIndex(8) == 7 ? nullptr : &place;
@@ -304,7 +305,7 @@ class Clients {
     KeepBlock(blob);
   }
 
-  /// Also twice, and what is no block at all.
+  /// Frees blocks, also twice, and addresses that are not those of a block.
   void Free() {
     if (!blocks_.empty()) {
       const auto block = blocks_.begin() + static_cast<std::ptrdiff_t>(input_.TakeIndex(blocks_.size()));

@@ -1,6 +1,6 @@
 /**
  * @file
- * Which calls of a sequence's journal make a command fail, and how.
+ * Which calls in the journal make a command fail, and with what text.
  */
 #pragma once
 
@@ -19,7 +19,7 @@
 
 namespace Fuzz {
 
-/// The engine calls on which commands depend, and the text that each failure leaves.
+/// An engine call that a command needs, and the error text after its failure.
 struct FailureText {
   std::string_view function;
   std::string_view text;
@@ -48,7 +48,7 @@ inline bool IsFailedRemoval(const EngineEmulator::Call& call) {
          call.result != 0x80320005;
 }
 
-/// The first failed call that the command cannot do without.
+/// The first failure of a call that the command needs.
 inline std::optional<Failure> FirstFailure(const Calls& calls = EngineEmulator::Journal()) {
   for (const EngineEmulator::Call& call : calls) {
     const auto* rule = std::ranges::find(kFailureTexts, call.function, &FailureText::function);
@@ -60,15 +60,15 @@ inline std::optional<Failure> FirstFailure(const Calls& calls = EngineEmulator::
   return std::nullopt;
 }
 
-/// The calls but for those of one function.
+/// The calls in the journal without those of one function.
 inline Calls CallsBesides(std::string_view function) {
   Calls calls = EngineEmulator::Journal();
   std::erase_if(calls, [&](const EngineEmulator::Call& call) { return call.function == function; });
   return calls;
 }
 
-/// The calls without which EnableLeakProtection cannot do when it does not replace anything: neither
-/// those of the DNS rules, nor the session that the copy is read in, nor the removal of what failed.
+/// The calls that EnableLeakProtection needs when it does not replace anything. Not needed are those that
+/// build the DNS rules, the session for reading the blocks to copy, and the removals after a failure.
 inline Calls EssentialCallsOfFirstEnable() {
   Calls calls = EngineEmulator::Journal();
   std::erase_if(calls, [readerSeen = false](const EngineEmulator::Call& call) mutable {

@@ -1,4 +1,4 @@
-// A filter that somebody else put into the engine, read and written again.
+// Reads a random native filter, such as another program may have added, and writes it again.
 #include <array>
 #include <cstring>
 #include <deque>
@@ -20,7 +20,7 @@ using WfpFirewall::FirewallException;
 constexpr std::string_view kRefusals[]{"Not supported Layer type.", "Not supported Condition type.",
                                        "Not yet supported condition", "Not supported condition value"};
 
-/// What a condition's value may point at.
+/// The data that a condition's value may point at.
 union Pointee {
   UINT64 number;
   FWP_BYTE_BLOB blob;
@@ -29,7 +29,7 @@ union Pointee {
   FWP_RANGE0 range;
 };
 
-/// A record of the engine with what it points at.
+/// A native filter with the data that it points at.
 class NativeFilter {
  public:
   explicit NativeFilter(Input& input) {
@@ -54,7 +54,7 @@ class NativeFilter {
     return index < table.size() ? table[index].key : input.Take<GUID>();
   }
 
-  /// Every value has a pointer, valid or null, or a number that its field is read as.
+  /// The value is a pointer, valid or null. A condition on a plain number reads it from the pointer's bytes.
   FWPM_FILTER_CONDITION0 TakeCondition(Input& input) {
     FWPM_FILTER_CONDITION0 condition{};
     condition.fieldKey = TakeKey(input, Catalog::kFields);

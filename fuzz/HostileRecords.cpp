@@ -15,7 +15,8 @@ constexpr GUID kKeys[]{NumberedKey(0),
                        Catalog::kUniversalSublayerKey,
                        Catalog::kInspectionSublayerKey};
 
-/// Room for any number that fits the byte of a SID's count and the word of a list's size.
+/// Enough for the largest count that fits the byte in a SID, and for the largest size that fits the word in a
+/// list.
 constexpr std::size_t kSidRoom = 8 + 255 * sizeof(DWORD);
 constexpr std::size_t kListRoom = 0x10000;
 constexpr std::size_t kFurthestPart = 0x100;

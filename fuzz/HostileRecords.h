@@ -1,6 +1,6 @@
 /**
  * @file
- * Records of the engine such as no sane client makes.
+ * Invalid and extreme records of the engine.
  */
 #pragma once
 
@@ -15,26 +15,26 @@
 
 namespace Fuzz {
 
-/// Makes records from a case's bytes and keeps alive what they point at. Pointers are null or valid;
-/// everything else may be anything. A count or size is that of what is there, or far beyond reason.
+/// Makes records from the bytes of a case and owns the data that they point at. Pointers are null or valid;
+/// all other members may have any value. A count or size is right or far too large.
 class HostileRecords {
  public:
   explicit HostileRecords(Input& input) : input_(input) {}
 
-  /// One of a few that records of any kind share, so that they meet.
+  /// One of a few keys for all kinds of records, so that records often refer to each other.
   GUID Key();
   GUID* KeyPointer();
   wchar_t* Text();
 
   FWP_VALUE0 Value();
-  /// Null, or a SID in room for the longest that its count can claim.
+  /// Null, or a SID in memory for the longest one that its count can claim.
   SID* Sid();
-  /// Null, or a list in room for the longest that its size can claim.
+  /// Null, or a list in memory for the longest one that its size can claim.
   ACL* AccessList();
-  /// Null, or a self-relative descriptor whose parts are in its room.
+  /// Null, or a self-relative descriptor whose parts are inside its memory.
   PSECURITY_DESCRIPTOR SecurityDescriptor();
 
-  /// Null or a record: one that the private part can fill.
+  /// Null or a record. Its type must be one that a private function Fill takes.
   template <class Record>
   Record* Pointer() {
     if (!input_.TakeFlag()) {
@@ -53,13 +53,13 @@ class HostileRecords {
     return kept.get();
   }
 
-  /// A number behind a pointer, or null.
+  /// A pointer to a number, or null.
   template <class Plain>
   Plain* PlainPointer() {
     return input_.TakeFlag() ? Keep(input_.Take<Plain>()) : nullptr;
   }
 
-  /// How many there are, or a count that nobody can mean.
+  /// `count`, or a count that is far too large.
   UINT32 Count(std::size_t count) {
     return input_.TakeIndex(8) == 7 ? 0xFFFFFFFF : static_cast<UINT32>(count);
   }

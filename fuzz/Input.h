@@ -1,6 +1,6 @@
 /**
  * @file
- * What the fuzz targets share: reading a case off its bytes, and stopping where a rule is broken.
+ * For all fuzz targets: reads values from the bytes of a case, and stops if a requirement is not met.
  */
 #pragma once
 
@@ -17,7 +17,7 @@
 
 namespace Fuzz {
 
-/// Ends the run with a finding unless the rule holds.
+/// Ends the run with a finding if `holds` is false.
 inline void Require(bool holds, const char* rule) {
   if (!holds) {
     std::fprintf(stderr, "Broken rule: %s\n", rule);
@@ -25,21 +25,21 @@ inline void Require(bool holds, const char* rule) {
   }
 }
 
-/// The bytes of a case, taken from front to back. Past their end everything reads as zero.
+/// The bytes of a case, read from front to back. After their end every value is zero.
 class Input {
  public:
   Input(const std::uint8_t* data, std::size_t size) : rest_(data, size) {}
 
   bool IsEmpty() const { return rest_.empty(); }
 
-  /// The next bytes, fewer at the end.
+  /// The next `count` bytes; fewer at the end.
   std::span<const std::uint8_t> TakeBytes(std::size_t count) {
     const auto bytes = rest_.first(std::min(count, rest_.size()));
     rest_ = rest_.subspan(bytes.size());
     return bytes;
   }
 
-  /// A number, least significant byte first, or any other plain record.
+  /// A number, least significant byte first, or another plain record.
   template <class Plain>
   Plain Take() {
     Plain value{};
@@ -50,10 +50,10 @@ class Input {
     return value;
   }
 
-  /// One byte's choice among the first `count` numbers, at most 256.
+  /// A number below `count`, chosen by one byte. @param count at most 256.
   std::size_t TakeIndex(std::size_t count) { return Take<std::uint8_t>() % count; }
 
-  /// One byte's choice among the entries of a table.
+  /// An entry of a table, chosen by one byte.
   template <class Table>
   const auto& TakeOneOf(const Table& table) {
     return *std::next(std::begin(table), static_cast<std::ptrdiff_t>(TakeIndex(std::size(table))));
@@ -61,13 +61,13 @@ class Input {
 
   bool TakeFlag() { return TakeIndex(2) == 1; }
 
-  /// A length and that many characters.
+  /// Reads a length and that many characters.
   std::string TakeText() {
     const auto bytes = TakeBytes(Take<std::uint8_t>());
     return {bytes.begin(), bytes.end()};
   }
 
-  /// A length and that many UTF-16 units, well-formed or not, without zeros.
+  /// Reads a length and that many UTF-16 units, which may be invalid text but have no zeros.
   std::wstring TakeWideText() {
     std::wstring text;
     for (std::size_t left = TakeIndex(kLongestWideText); left > 0; --left) {

@@ -1,6 +1,6 @@
 /**
  * @file
- * The engine's functions by kind of object, so that one piece of code calls those of any kind.
+ * The engine's functions for each kind of object, so that the same code can call them for all kinds.
  */
 #pragma once
 
@@ -32,7 +32,7 @@ struct ChangeCalls {
   DWORD(WINAPI* get)(HANDLE, Subscription***, UINT32*);
 };
 
-/// A kind of object that clients add.
+/// The functions for one kind of object that clients can add.
 template <class Record, class Template, class Subscription, class Change>
 struct ObjectCalls {
   DWORD(WINAPI* remove)(HANDLE, const GUID*);

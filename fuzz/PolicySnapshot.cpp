@@ -1,4 +1,4 @@
-// Filters of any kind in an engine that is read: nothing is dropped, and decisions and maps agree.
+// Reads random filters from the engine. No filter may be missing, and decisions and maps must agree.
 #include "fuzz/HostileRecords.h"
 #include "policy/Decide.h"
 #include "policy/Lint.h"

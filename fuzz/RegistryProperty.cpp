@@ -1,4 +1,5 @@
-// Registry data of any type and length: the first byte is the type, the rest the data.
+// Decodes registry data of random type and length. The first byte of a case is the type, the rest is the
+// data.
 #include <algorithm>
 #include <array>
 #include <stdexcept>
@@ -14,11 +15,11 @@ using Tarnwell::RegistryProperty;
 using Bytes = std::span<const std::uint8_t>;
 
 struct TypeRule {
-  std::size_t alternative;  ///< its place in RegistryProperty
-  std::size_t shortest;     ///< bytes without which decoding fails
+  std::size_t alternative;  ///< the index in the variant RegistryProperty
+  std::size_t shortest;     ///< with fewer bytes decoding fails
 };
 
-/// By type, from REG_NONE on. Types beyond decode as the first, to nothing.
+/// By type, from REG_NONE on. Unknown types are decoded like the first, to nothing.
 constexpr TypeRule kTypeRules[]{{0, 0}, {2, 0}, {2, 0}, {3, 0}, {1, 4}, {1, 4},
                                 {2, 0}, {4, 0}, {3, 0}, {3, 0}, {3, 0}, {5, 8}};
 

@@ -86,7 +86,7 @@ FILTERS = {
     "unknown_field": native("ALE_AUTH_CONNECT_V4", condition("ALE_USER_ID", 14, number(4, 8))),
 }
 
-# command_sequence: the provider's name, then commands; each after a planned fault or none
+# command_sequence: the provider's name, then commands, each preceded by a planned failure or by none
 def choices(indexes):
     return number(len(indexes), 1) + indexes
 
@@ -167,7 +167,7 @@ COMMANDS = {
 }
 
 
-# emulator_calls: whether lenient, then calls, the first byte of each its place in the target's table
+# emulator_calls: whether the switches are lenient, then calls; the first byte of each is its index in the table
 NULL, NO_BLOB = b"\0", b"\0\0\0"
 NAME = b"\x01" + wide("name") + NULL
 OPEN_STATIC = bytes([0, 0, 0]) + NULL + b"\0"
@@ -222,7 +222,7 @@ CALLS = {
 }
 
 
-# policy_snapshot: four connections, then sublayers and filters, each filter with the weight that the engine gave it
+# policy_snapshot: four connections, then sublayers and filters, each filter with its effective weight
 CONNECTION = (b"\0\0" + number(0x0A000001, 4) + b"\x01" + number(53, 2) + b"\x11" + b"\x01" + number(1, 4) +
               number(7, 8) + b"\x02a\0")
 SUBLAYER = bytes([1, 2]) + NAME + b"\0" + NULL + NO_BLOB + number(7, 2)

@@ -1,7 +1,7 @@
 /**
  * @file
- * The platform's headers of the Windows Filtering Platform, in the order that they need, completed
- * where a toolchain's copy has gaps. The Windows SDK's own definitions win wherever they exist.
+ * The headers of the Windows Filtering Platform in the order that they need, with definitions that some
+ * toolchains do not have. Where the headers have a definition, it is used.
  */
 #pragma once
 
@@ -58,7 +58,7 @@
 /// The Windows SDK has an enumeration of this name; MinGW-w64 has only the constants.
 using IPPROTO = int;
 
-/// MinGW-w64 declares its counterpart for callouts twice instead.
+/// Not in the headers of MinGW-w64, which by mistake declare the function for callouts twice.
 extern "C" DWORD WINAPI FwpmSubLayerSetSecurityInfoByKey0(HANDLE engine, const GUID* key,
                                                           SECURITY_INFORMATION information, const SID* owner,
                                                           const SID* group, const ACL* dacl, const ACL* sacl);

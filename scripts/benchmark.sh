@@ -1,5 +1,5 @@
 #!/bin/bash
-# Measures: builds the benchmarks and runs them, all or those named: scripts/benchmark.sh [PROGRAM...]
+# Builds and runs the benchmarks, all or those named: scripts/benchmark.sh [PROGRAM...]
 set -eu
 . "$(dirname "$0")/common.sh"
 cd "$root"

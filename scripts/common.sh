@@ -1,12 +1,12 @@
-# For the other scripts: where things are, and a Wine prefix for a run.
+# Included by the other scripts: paths, installation of packages, and a Wine prefix for a run.
 root=$(cd "$(dirname "${BASH_SOURCE[0]}")/.." && pwd)
 export WINEPREFIX="$root/build/wine"
-# Without it Wine has no names of files, and Mono no texts, beyond ASCII.
+# Without it Wine cannot use file names with non-ASCII characters, nor Mono such texts.
 export LC_ALL=C.UTF-8
 
 step() { printf '\n== %s\n' "$*"; }
 
-# Installs the Debian packages that are missing. Quiet when there are none.
+# Installs the Debian packages that are missing. Prints nothing if none is missing.
 install_packages() {
   local missing=() as_root=() package
   for package; do
@@ -19,8 +19,8 @@ install_packages() {
   DEBIAN_FRONTEND=noninteractive "${as_root[@]}" apt-get install -y -qq --no-install-recommends "${missing[@]}" >/dev/null
 }
 
-# A prefix without devices that an earlier run left. Wine's services start here, with their output put
-# away, and stay: started by a program whose output somebody reads, they would keep that reader waiting.
+# Makes a new prefix, without devices that an earlier run left. It also starts Wine's services, without output, and
+# keeps them running: if a test program started them, they would keep its output pipe open and its reader waiting.
 start_wine() {
   stop_wine
   rm -rf "$WINEPREFIX"

@@ -1,6 +1,6 @@
 #!/bin/bash
-# Sets up, builds the library and watches it cut a machine off the network and keep its traffic in a tunnel,
-# on the emulated engine.
+# Sets up, builds the library, and shows on the emulated engine how it cuts a machine off the network and keeps its
+# traffic in a tunnel.
 set -eu
 . "$(dirname "$0")/common.sh"
 cd "$root"

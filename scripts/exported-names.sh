@@ -1,6 +1,6 @@
 #!/bin/bash
-# Lists what the built library exports, C functions and members of classes, by the linker's names. After a change
-# that is meant, this renews the list that scripts/test-package.sh compares with:
+# Lists the exports of the built library, C functions and members of classes, by their names for the linker. After an
+# intended change, this renews the list that scripts/test-package.sh compares with:
 #   scripts/exported-names.sh > tests/package/exported-names.txt
 set -eu
 cd "$(dirname "$0")/.."

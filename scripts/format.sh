@@ -1,5 +1,5 @@
 #!/bin/bash
-# Lays out every source as .clang-format and .prettierrc.json say.
+# Formats every source by .clang-format and .prettierrc.json.
 set -eu
 cd "$(dirname "$0")/.."
 git ls-files --cached --others --exclude-standard '*.h' '*.c' '*.cpp' | xargs clang-format -i

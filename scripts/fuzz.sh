@@ -1,6 +1,6 @@
 #!/bin/bash
-# Builds the fuzz targets and runs each for so many seconds: scripts/fuzz.sh SECONDS [TARGET...]
-# What a run learns stays in build/fuzz/corpus; a case that breaks something stays in build/fuzz/findings.
+# Builds the fuzz targets and runs each for SECONDS: scripts/fuzz.sh SECONDS [TARGET...]
+# New cases are kept in build/fuzz/corpus for later runs, and cases that fail in build/fuzz/findings.
 set -eu
 . "$(dirname "$0")/common.sh"
 cd "$root"
@@ -16,7 +16,7 @@ cmake --build --preset fuzz --target "${targets[@]}"
 export UBSAN_OPTIONS=print_stacktrace=1 seconds
 mkdir -p build/fuzz/findings
 
-fuzz() { # fuzz TARGET: leaves a line in its summary
+fuzz() { # fuzz TARGET: writes a line to its summary
   local corpus=build/fuzz/corpus/$1 log=build/fuzz/$1.log verdict=clean executions
   mkdir -p "$corpus"
   build/fuzz/bin/"$1" -max_total_time="$seconds" -timeout=10 -print_final_stats=1 \

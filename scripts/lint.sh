@@ -1,7 +1,7 @@
 #!/bin/bash
-# Fails when the layout of a source differs from clang-format's or Prettier's, a folder includes what it must not
-# see, the README names another version than the build, or clang-tidy has something to say of the product's
-# sources. With --all the tests' too, and with clang's static analyzer, which takes several times as long.
+# Fails if the layout of a source differs from that of clang-format or Prettier, a folder includes a file that it must
+# not see, the README names another version than the build, or clang-tidy has a warning for the product's sources. With
+# --all, clang-tidy also checks the tests and runs clang's static analyzer, which takes several times as long.
 set -eu
 cd "$(dirname "$0")/.."
 linted='src|catalog|emulator|policy|promises|tools'
@@ -36,7 +36,7 @@ forbid catalog emulator sdk_subset policy promises -- '(filtering|engine|sublaye
 forbid catalog emulator sdk_subset -- '(policy|promises)/'
 forbid policy -- '(promises|emulator|tools|tests)/'
 forbid promises -- '(emulator|tools|tests)/'
-forbid tools -- '(filtering|engine|sublayers|api|tests)/|emulator/([^C]|Control\.h)' # of the emulator its exports
+forbid tools -- '(filtering|engine|sublayers|api|tests)/|emulator/([^C]|Control\.h)' # of the emulator only its exports
 
 # The floors of policy/, from the lowest; docs/architecture.md draws them. No file includes one of a higher floor.
 floors=(
@@ -62,12 +62,12 @@ version=$(sed -n 's/^  VERSION //p' CMakeLists.txt)
 grep -qxF "| Version | $version |" README.md || { echo "README.md does not name version $version" >&2; exit 1; }
 
 echo "clang-tidy"
-# A build tree without the compiler's precompiled headers, which clang cannot read; nothing is built there but
-# the header that the tool's page becomes.
+# A build tree without precompiled headers, because clang cannot read those of GCC. Only the header with the tool's page
+# is built there.
 cmake --preset windows -B build/lint -DCMAKE_DISABLE_PRECOMPILE_HEADERS=ON >/dev/null
 cmake --build build/lint --target report_template_header >/dev/null
 includes=$(x86_64-w64-mingw32-g++-posix -print-file-name=include)
-# The layout of the cross-compiler's own folders is not one that clang knows.
+# clang does not find the cross-compiler's own headers by itself.
 run-clang-tidy -quiet -p build/lint -j "$(nproc)" -checks="$checks" \
   -extra-arg=--target=x86_64-w64-mingw32 \
   -extra-arg=-isystem"$includes/c++" \

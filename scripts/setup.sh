@@ -1,5 +1,5 @@
 #!/bin/bash
-# Installs the Debian packages that the build needs and that are missing. Quiet when there are none.
+# Installs the Debian packages that the build needs and that are missing. Prints nothing if none is missing.
 set -eu
 . "$(dirname "$0")/common.sh"
 
@@ -11,12 +11,12 @@ packages=(
   cmake
   g++
   g++-mingw-w64-x86-64
-  git # lint asks it which files there are
+  git # lint gets the list of files from it
   googletest
-  libclang-rt-14-dev # its sanitizers and libFuzzer
+  libclang-rt-14-dev # clang's sanitizers and libFuzzer
   libcli11-dev
   libvalijson-dev # the tests of the tool's JSON
-  llvm # llvm-dlltool, for the import library that Visual Studio takes
+  llvm # llvm-dlltool, for the import library for Visual Studio
   mono-mcs # the C# example
   ninja-build
   nlohmann-json3-dev
@@ -24,7 +24,8 @@ packages=(
   python3 # run-clang-tidy
   wine64
 )
-# Other packages of Node.js than Debian's bring npm with them and conflict with Debian's.
+# Node.js packages from elsewhere have npm inside and conflict with Debian's package npm, so it is only installed if
+# there is no npm.
 command -v npm >/dev/null || packages+=(npm)
 
 install_packages "${packages[@]}"

@@ -1,7 +1,7 @@
 #!/bin/bash
-# Installs what the windows preset has built and takes it as others would: builds the examples and a program that
-# names every member of the classes against the installed tree, runs them and the tool on the emulated engine,
-# looks into the zips, and builds the library once more in another folder.
+# Installs what the windows preset has built and uses it: builds the examples and a program that names every member of
+# the classes against the installed tree, runs them and the tool on the emulated engine, checks the content of the zips,
+# and builds the library again in another folder, to compare the bytes.
 set -eu
 . "$(dirname "$0")/common.sh"
 cd "$root"
@@ -13,7 +13,7 @@ tools="$package/tools"
 rm -rf "$package"
 mkdir -p "$package/run"
 
-# same FILE: standard input is the file of that name beside this test's others.
+# same FILE: compares standard input with the file of this name in tests/package.
 same() { tr -d '\r' | diff -u "$expectations/$1" - && echo "As expected: $1"; }
 files() { (cd "$1" && find . -type f | LC_ALL=C sort); }
 
@@ -31,7 +31,7 @@ step "Follow the links of the installed documents"
 for tree in "$sdk" "$tools"; do
   (
     cd "$tree/doc"
-    # To files, that is: neither to a heading nor to another machine.
+    # Only links to files, not those to a heading of the same document or to the web.
     grep -oE '\]\([^)#:]+' *.md | while IFS=: read -r document link; do
       [ -e "${link#](}" ] || { echo "$document points to ${link#](}, which is not installed" >&2; exit 1; }
     done
@@ -52,8 +52,8 @@ gxx=(x86_64-w64-mingw32-g++-posix -std=c++20 "${warnings[@]:0:4}")
 "${gxx[@]}" -I "$sdk/include/WfpFirewall" -c tests/package/EveryMember.cpp -o "$package/every_member.o"
 "${gxx[@]}" -static "$package/every_member.o" "$sdk/lib/libCorvane.Native.Firewall.dll.a" \
   -o "$package/run/every_member.exe"
-# It takes all that the library exports of the classes but private members, and type information, of which every
-# client has its own copy.
+# It must import everything that the library exports of the classes, except private members, and type information, of
+# which every client has its own copy.
 x86_64-w64-mingw32-nm -u "$package/every_member.o" | sed -n 's/.* U \(__imp_\)\?//p' | LC_ALL=C sort -u |
   LC_ALL=C comm -13 - "$expectations/exported-names.txt" | grep '^_Z' | grep -v '^_ZTI' | c++filt |
   same private-members.txt
@@ -77,7 +77,7 @@ for host in host_in_c loading_host_in_c; do
 done
 
 step "Run them on the emulated engine"
-# Beside a program, and named to Wine as wanted, the emulator takes the place of the platform's own.
+# In the folder of a program, and with this setting for Wine, the emulator is loaded instead of Wine's own library.
 cp "$sdk/bin/Corvane.Native.Firewall.dll" "$tools/bin/emulator/fwpuclnt.dll" "$package/run"
 export WINEDLLOVERRIDES="fwpuclnt=n;mscoree,mshtml="
 run() { scripts/wine.sh "$package/run/$1.exe" >"$package/run/$1.txt" 2>/dev/null; }

@@ -1,6 +1,6 @@
 #!/bin/bash
-# Writes two reports with the tool that is built, under the Wine that is running or starts, and looks at them
-# in headless Chromium. With --picture, it also renews the picture in the README.
+# Writes two reports with the built tool under Wine, and tests them in headless Chromium. With --picture, it also renews
+# the picture in the README.
 set -eu
 . "$(dirname "$0")/common.sh"
 cd "$root"

@@ -1,10 +1,10 @@
 #!/bin/sh
-# Runs a Windows program under Wine, in a prefix of the build tree's own.
+# Runs a Windows program under Wine, in a prefix inside the build tree.
 root=$(cd "$(dirname "$0")/.." && pwd)
 : "${WINEPREFIX:=$root/build/wine}"
-# Of Wine's own messages just those that name the library which a program misses; it ends with 53 then.
+# Shows only those messages of Wine that name a missing library; the program then ends with code 53.
 : "${WINEDEBUG:=-all,err+module}"
-# Neither .NET nor a browser engine is needed; without them a new prefix is ready sooner.
+# No test needs .NET or a browser engine; without them a new prefix is ready sooner.
 : "${WINEDLLOVERRIDES:=mscoree,mshtml=}"
 export WINEPREFIX WINEDEBUG WINEDLLOVERRIDES
 mkdir -p "$WINEPREFIX"

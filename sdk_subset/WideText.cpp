@@ -60,7 +60,7 @@ std::string ToUtf8(std::u32string_view characters) {
   return utf8;
 }
 
-/// The same on every host, whatever its language.
+/// Uses a fixed locale, so that the result does not depend on the language of the system.
 wchar_t LowerCaseOf(wchar_t letter) {
   static const std::locale kUnicode("C.UTF-8");
   const auto& letters = std::use_facet<std::ctype<wchar_t>>(kUnicode);

@@ -159,7 +159,7 @@ typedef struct FWPM_CALLOUT_SUBSCRIPTION0_ {
   GUID sessionKey;
 } FWPM_CALLOUT_SUBSCRIPTION0;
 
-/// `data` stands for pointers of many types; the sources follow none of them.
+/// `data` stands for pointers of many types; the sources use none of them.
 typedef struct FWPM_PROVIDER_CONTEXT0_ {
   GUID providerContextKey;
   FWPM_DISPLAY_DATA0 displayData;
@@ -250,7 +250,7 @@ typedef struct FWPM_FILTER_SUBSCRIPTION0_ {
   GUID sessionKey;
 } FWPM_FILTER_SUBSCRIPTION0;
 
-/// The sources only pass events on; they neither make nor read any.
+/// Incomplete, because the sources only pass pointers to events on.
 typedef struct FWPM_NET_EVENT0_ FWPM_NET_EVENT0;
 typedef struct FWPM_NET_EVENT1_ FWPM_NET_EVENT1;
 

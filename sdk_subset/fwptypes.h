@@ -1,6 +1,6 @@
 /**
  * @file
- * Values, match types and flags that the filtering engine's records are made of.
+ * Values, match types and flags in the filtering engine's records.
  */
 #pragma once
 

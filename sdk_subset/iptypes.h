@@ -19,7 +19,8 @@ typedef struct IP_ADAPTER_GATEWAY_ADDRESS_ {
   SOCKET_ADDRESS Address;
 } IP_ADAPTER_GATEWAY_ADDRESS;
 
-/// With all its fields, because callers size buffers by it. Lists that the sources do not read are untyped.
+/// Has all fields, because callers use its size for buffers. Lists that the sources do not read are void
+/// pointers.
 typedef struct IP_ADAPTER_ADDRESSES_ {
   ULONG Length;
   ULONG IfIndex;

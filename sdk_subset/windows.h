@@ -1,6 +1,6 @@
 /**
  * @file
- * The platform's base, as much of it as the sources use.
+ * The part of the platform's base header that the sources use.
  */
 #pragma once
 

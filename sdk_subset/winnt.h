@@ -86,7 +86,7 @@ typedef DWORD SECURITY_INFORMATION;
 #define DACL_SECURITY_INFORMATION 0x4
 #define SACL_SECURITY_INFORMATION 0x8
 
-/// The form that may lie at any address: its parts are offsets from its start, 0 for none.
+/// The form of a descriptor that can be copied: its parts are given as offsets from its start; 0 for none.
 typedef struct SECURITY_DESCRIPTOR_RELATIVE_ {
   BYTE Revision;
   BYTE Sbz1;

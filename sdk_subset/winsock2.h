@@ -1,6 +1,6 @@
 /**
  * @file
- * Socket addresses: the host's own, under the platform's names.
+ * Socket addresses: those of the system that builds, under the platform's names.
  */
 #pragma once
 
@@ -9,7 +9,7 @@
 #include <sys/socket.h>
 #include <windef.h>
 
-/// The host's headers have the constants but not the type.
+/// The system's headers have the constants but not the type.
 typedef int IPPROTO;
 
 typedef USHORT ADDRESS_FAMILY;

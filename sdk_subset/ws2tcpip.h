@@ -1,6 +1,6 @@
 /**
  * @file
- * Conversion of address texts: the host's headers, which winsock2.h includes, declare it.
+ * Conversion of address texts, which the system's headers declare; winsock2.h includes them.
  */
 #pragma once
 

@@ -1,12 +1,12 @@
-/* A host in C: cuts the machine off but for itself, protects a tunnel, and lets go again; what it checks, it
- * checks because a result of 0 alone is not protection. */
+/* A host in C: cuts the machine off except for itself, protects a tunnel, and switches both off again. It
+ * asks IsLeakProtectionEnabled too, because a result of 0 does not mean that all rule sets are installed. */
 #include <corvane/native_firewall.h>
 
-/* The engine's headers come after, to show that the interface needs none of them. */
+/* The headers of Windows come after it, to show that the interface needs none of them. */
 #include <stdio.h>
 #include <windows.h>
 
-/* Made once for this product; a host keeps its keys over releases. */
+/* Made once for this product. A host keeps its keys in all releases. */
 static const GUID kProvider = {0xc0c00001, 0x5e1f, 0x4c6a, {0x8e, 0x11, 0x3a, 0x52, 0x90, 0x6b, 0x77, 0x01}};
 static const GUID kKillSwitch = {
     0xc0c00002, 0x5e1f, 0x4c6a, {0x8e, 0x11, 0x3a, 0x52, 0x90, 0x6b, 0x77, 0x01}};
@@ -34,7 +34,7 @@ static void Start(void) {
              L"Tunnel", L"", &kFirewallCopy, L"Blocked applications", L"", &kSkein, L"Skein", L"", self);
 }
 
-/* Says how a command went. Only what failed has left the text. */
+/* Prints the result of a command. Only a failure sets the error text. */
 static int Succeeded(const char* command, uint64_t code) {
   if (code == 0) {
     printf("%s: done\n", command);
@@ -49,13 +49,13 @@ static int CutOff(void) {
   return Succeeded("DisableInternet", DisableInternet(apps, 1, NULL, 0, Print));
 }
 
-/* By the tunnel's LUID: a name that matches no adapter would confine nothing, one that matches several
- * would allow them all. */
+/* Uses the tunnel's LUID. A name that matches no adapter would confine nothing, and one that matches several
+ * would allow all of them. */
 static int ProtectTunnel(void) {
   /* In host byte order: 198.51.100.7, a second server that stays reachable. */
   const uint32_t permitted[] = {0xC6336407};
   const uint64_t code = EnableLeakProtection("203.0.113.9", Print, NULL, 0, kTunnel, permitted, 1);
-  /* It leaves no text, and gives 0 even when it had to leave a rule set out. */
+  /* This command sets no error text, and gives 0 even if it left out a rule set. */
   const int whole = code == 0 && IsLeakProtectionEnabled() == 1;
   printf("EnableLeakProtection: code %llu, %s\n", (unsigned long long)code, whole ? "done" : "not protected");
   return whole;
@@ -67,8 +67,8 @@ int main(void) {
     return 1;
   }
   Start();
-  /* Initialize and all commands again mend every failure, at the price of free traffic in between. A
-   * command alone, again, does not: after some failures it gives 0 and takes no effect. */
+  /* Calling Initialize and then all commands again helps after every failure, but traffic is free in between.
+   * Calling only the command again does not: after some failures it gives 0 and has no effect. */
   int protected = CutOff() && ProtectTunnel();
   for (int attempts = 1; !protected && attempts < 3; ++attempts) {
     Start();
@@ -80,7 +80,7 @@ int main(void) {
   DisableLeakProtection();
   const int connected = Succeeded("EnableInternet", EnableInternet());
   printf("internet enabled: %d\n", (int)IsInternetEnabled());
-  /* Closes the session, and removes whatever may be left, before unloading would have to. */
+  /* Closes the session, which removes everything, so that unloading does not have to do it. */
   Start();
   return protected && connected ? 0 : 1;
 }

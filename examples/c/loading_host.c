@@ -1,9 +1,9 @@
-/* A host in C that loads the library itself, by its full path, and says so when it cannot. */
+/* A host in C that loads the library at run time by its full path, and prints a message if that fails. */
 #include <corvane/native_firewall.h>
 #include <stdio.h>
 #include <windows.h>
 
-/* Beside the program, in a folder where only administrators can write. */
+/* The library is beside the program. Install both in a folder where only administrators can write. */
 static HMODULE LoadFirewall(void) {
   wchar_t path[MAX_PATH + 40];
   const DWORD length = GetModuleFileNameW(NULL, path, MAX_PATH);
@@ -13,7 +13,7 @@ static HMODULE LoadFirewall(void) {
     return NULL;
   }
   wcscpy(name + 1, L"Corvane.Native.Firewall.dll");
-  /* What it needs in turn is looked for beside it and in the system's folder, nowhere else. */
+  /* Libraries that it needs are searched only in its own folder and in the system's folder. */
   HMODULE module =
       LoadLibraryExW(path, NULL, LOAD_LIBRARY_SEARCH_DLL_LOAD_DIR | LOAD_LIBRARY_SEARCH_SYSTEM32);
   if (module == NULL) {
@@ -43,7 +43,7 @@ int main(void) {
     return 1;
   }
   printf("internet enabled: %d\n", (int)isInternetEnabled());
-  /* Before unloading comes Initialize, which closes the session in an ordinary call; here there is none. */
+  /* If there were a session, Initialize should come first, to close it in an ordinary call. Here is none. */
   FreeLibrary(firewall);
   return 0;
 }

@@ -1,4 +1,4 @@
-// A program on the exported classes: a rule set of its own, installed, listed and removed.
+// Uses the exported classes to make a rule set of its own, install it, list its filters and remove it.
 #include <WfpFirewall.h>
 
 #include <cstdint>
@@ -27,7 +27,7 @@ using WfpFirewall::Filtering::Values::RemotePort;
 constexpr GUID kProvider{0xc0c00001, 0x5e1f, 0x4c6a, {0x8e, 0x11, 0x3a, 0x52, 0x90, 0x6b, 0x77, 0x03}};
 constexpr GUID kMailOnly{0xc0c00002, 0x5e1f, 0x4c6a, {0x8e, 0x11, 0x3a, 0x52, 0x90, 0x6b, 0x77, 0x03}};
 
-/// Documentation networks are reachable for mail only.
+/// Permits only mail to the networks that are reserved for documentation.
 class MailOnly : public Sublayer {
  public:
   MailOnly() : Sublayer(kMailOnly, L"Mail only", L"Port 25 to the documentation networks") {
@@ -45,7 +45,7 @@ class MailOnly : public Sublayer {
 
 void FreeRecords(FWPM_FILTER0** records) { FwpmFreeMemory0(reinterpret_cast<void**>(&records)); }
 
-/// The filters of the rule set, as the engine holds them.
+/// The filters of the rule set, read from the engine.
 std::vector<Filter> FiltersInEngine() {
   const std::shared_ptr<void> engine = Engine::OpenEngine();
   HANDLE handle = nullptr;

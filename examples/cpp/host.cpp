@@ -1,5 +1,5 @@
-// A host in C++ on the C interface: a failure becomes an exception, a feature an object that switches it
-// off again.
+// A host in C++ that uses the C interface. Failures become exceptions. Each feature is an object whose
+// destructor switches it off.
 #include <corvane/native_firewall.h>
 
 #include <cstdint>
@@ -30,7 +30,7 @@ std::uint64_t CORVANE_CALL Print(const char* line) {
   return 0;
 }
 
-/// Local networks are unreachable while it lives.
+/// Local networks are blocked as long as this object lives.
 class LocalNetworkBlock {
  public:
   LocalNetworkBlock() { Check(DisableLocalNetwork(Print)); }
@@ -39,7 +39,7 @@ class LocalNetworkBlock {
   LocalNetworkBlock& operator=(const LocalNetworkBlock&) = delete;
 };
 
-/// Only peers get in over the interface while it lives.
+/// As long as this object lives, the interface lets in only the peers from the Skein network.
 class SkeinRules {
  public:
   SkeinRules(std::uint64_t luid, const std::vector<std::uint32_t>& peers) {
@@ -50,7 +50,7 @@ class SkeinRules {
   SkeinRules& operator=(const SkeinRules&) = delete;
 };
 
-/// Keys of one product differ in their first number only.
+/// The keys of this product differ only in their first number.
 GUID Key(std::uint32_t number) {
   return {number, 0x5e1f, 0x4c6a, {0x8e, 0x11, 0x3a, 0x52, 0x90, 0x6b, 0x77, 0x02}};
 }

@@ -46,7 +46,7 @@ internal static class Host
         }
     }
 
-    // Made once for this product, and kept over releases.
+    // Made once for this product, and kept in all releases.
     private static ObjectIdentity Identity(int number, string name, string description) =>
         new ObjectIdentity(new Guid(number, 0x5e1f, 0x4c6a, 0x8e, 0x11, 0x3a, 0x52, 0x90, 0x6b, 0x77, 0x04), name, description);
 }

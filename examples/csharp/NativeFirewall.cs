@@ -1,5 +1,5 @@
-// Corvane.Native.Firewall.dll for .NET: the sixteen functions behind a class that takes sequences, throws
-// exceptions, serialises calls and keeps its callback alive. Lay the DLL beside the program; 64-bit only.
+// Corvane.Native.Firewall.dll for .NET: a class with the sixteen functions that takes sequences, throws
+// exceptions, serialises calls and keeps its callback alive. Put the DLL beside the program; 64-bit only.
 using System;
 using System.Collections.Generic;
 using System.Linq;
@@ -22,11 +22,11 @@ namespace Corvane
 
         public string Command { get; }
 
-        /// <summary>A Windows or FWP_E_ code; 1 without one; 904 for trouble outside the engine.</summary>
+        /// <summary>A Windows or FWP_E_ code; 1 if there is none; 904 for a failure outside the engine.</summary>
         public ulong Code { get; }
     }
 
-    /// <summary>What an object of the filtering engine is known by.</summary>
+    /// <summary>The key, name and description of an object of the filtering engine.</summary>
     public sealed class ObjectIdentity
     {
         public ObjectIdentity(Guid key, string name, string description)
@@ -41,7 +41,7 @@ namespace Corvane
         public string Description { get; }
     }
 
-    /// <summary>What Initialize hands over; all of it has to be set.</summary>
+    /// <summary>The arguments of Initialize; all of them must be set.</summary>
     public sealed class HostIdentity
     {
         public ObjectIdentity Provider { get; set; }
@@ -53,26 +53,27 @@ namespace Corvane
         public ObjectIdentity FirewallCopy { get; set; }
         public ObjectIdentity Skein { get; set; }
 
-        /// <summary>Full path of the one program whose name look-ups may bypass the tunnel.</summary>
+        /// <summary>Full path of the only program whose name look-ups may bypass the tunnel.</summary>
         public string DnsPermittedAppPath { get; set; }
     }
 
     /// <summary>
-    /// The firewall layer. Everything that it installs is gone when the process ends. Sequences may be
-    /// null, which is the same as empty, unless it says otherwise. Addresses are IPv4.
+    /// The firewall layer. Everything that it installs is removed when the process ends. A sequence may be null,
+    /// which means the same as empty, unless its description says otherwise. Addresses are IPv4.
     /// </summary>
     public static class NativeFirewall
     {
         private static readonly object Gate = new object();
-        // Native code holds no reference: were it made for each call, it could be collected during it.
+        // Native code holds no reference to it. If it were made for each call, it could be collected during the
+        // call.
         private static readonly LogCallback Callback = ReceiveLine;
         private static bool isInitialized;
 
-        /// <summary>Receives lines of progress, during a command and on its thread; may be null. It must
-        /// not call a command. Its exceptions are dropped.</summary>
+        /// <summary>Receives the lines of the log, during a command and on its thread; may be null. It must not
+        /// call a command. Its exceptions are ignored.</summary>
         public static Action<string> Log { get; set; }
 
-        /// <summary>Comes first. Called again, everything that was installed goes.</summary>
+        /// <summary>Must be called first. A second call removes everything that was installed.</summary>
         public static void Initialize(HostIdentity host)
         {
             Require(host, nameof(host));
@@ -108,8 +109,8 @@ namespace Corvane
 
         /// <summary>Installs the kill switch, or replaces it without a gap.</summary>
         /// <param name="apps">Full paths of programs that stay connected.</param>
-        /// <param name="interfaceNames">Texts to look for in the descriptions of network adapters, which
-        /// then stay free; not used when there are apps.</param>
+        /// <param name="interfaceNames">Texts to search in the descriptions of network adapters; those found
+        /// are not cut off. Not used if there are apps.</param>
         public static void DisableInternet(IEnumerable<string> apps = null,
                                            IEnumerable<string> interfaceNames = null)
         {
@@ -119,13 +120,13 @@ namespace Corvane
                 () => Native.DisableInternet(paths, (uint)paths.Length, names, (uint)(names?.Length ?? 0), Callback));
         }
 
-        /// <summary>Installs the rules that permit DHCP.</summary>
+        /// <summary>Installs the rule set that permits DHCP.</summary>
         public static void EnableDhcp() => Run(nameof(EnableDhcp), () => Native.EnableDhcp(Callback));
 
         public static void DisableDhcp() => Run(nameof(DisableDhcp), () => Native.DisableDhcp(Callback));
 
-        /// <summary>Keeps traffic inside the tunnel; called again, only replaces addresses. What could not be
-        /// built is left out without an exception: ask IsLeakProtectionEnabled afterwards.</summary>
+        /// <summary>Keeps traffic inside the tunnel; a second call only replaces addresses. If a rule set
+        /// cannot be built, it is left out without an exception: ask IsLeakProtectionEnabled afterwards.</summary>
         /// <param name="server">The VPN server, reachable over any interface.</param>
         /// <param name="interfaceLuid">The NET_LUID of the tunnel; 0 to look for the names.</param>
         /// <param name="interfaceNames">Texts to look for in the descriptions of network adapters.</param>
@@ -137,7 +138,7 @@ namespace Corvane
             ToHostOrder(Require(server, nameof(server)));
             string[] names = Copy(interfaceNames);
             uint[] addresses = Copy(permitted);
-            // This command leaves no text of its own; the one there belongs to another.
+            // This command sets no error text; the text that is there comes from another command.
             Run(nameof(EnableLeakProtection),
                 () => Native.EnableLeakProtection(server.ToString(), Callback, names, (uint)names.Length,
                                                   interfaceLuid, addresses, (ulong)addresses.Length),
@@ -154,10 +155,10 @@ namespace Corvane
         public static void DisableLocalNetwork() =>
             Run(nameof(DisableLocalNetwork), () => Native.DisableLocalNetwork(Callback));
 
-        /// <summary>Installs the rules of the Skein network, in the place of any that there are.</summary>
+        /// <summary>Installs the rule set of the Skein network; replaces an earlier one.</summary>
         /// <param name="interfaceLuid">The NET_LUID of its interface; 0 to look for the names.</param>
         /// <param name="interfaceNames">Texts to look for in the descriptions of network adapters.</param>
-        /// <param name="peers">Whose connections are let in.</param>
+        /// <param name="peers">The addresses whose connections are permitted.</param>
         public static void EnableSkeinFirewallRules(ulong interfaceLuid, IEnumerable<string> interfaceNames = null,
                                                     IEnumerable<IPAddress> peers = null)
         {
@@ -186,7 +187,7 @@ namespace Corvane
         {
             lock (Gate)
             {
-                // The library itself would end the process.
+                // Without Initialize the library would end the process.
                 if (!isInitialized)
                 {
                     throw new InvalidOperationException("Initialize comes first.");
@@ -207,7 +208,7 @@ namespace Corvane
             }
             catch (Exception)
             {
-                // None may pass through native code.
+                // An exception must not pass through native code.
             }
             return 0;
         }
@@ -252,7 +253,7 @@ namespace Corvane
         [UnmanagedFunctionPointer(CallingConvention.StdCall)]
         private delegate ulong LogCallback(IntPtr line);
 
-        // The C interface as its header declares it.
+        // The functions of the C header.
         private static class Native
         {
             private const string Library = "Corvane.Native.Firewall.dll";
