@@ -1,4 +1,4 @@
-// Nothing ever happens on this engine's network: there are no events, and nobody is told of any.
+// The emulator has no traffic, so there are never any net events, and subscribers get none.
 #include "emulator/EntryPoint.h"
 #include "emulator/SecurityCalls.h"
 

@@ -2,9 +2,9 @@
  * @file
  * What the engine's documentation leaves open, as parameters.
  *
- * Each open rule is an assumption with two or three readings. Its first reading is the one to expect; it
- * stands where no other is asked for. A choice of one reading for every assumption is a World: a complete
- * set of rules, in which every connection has one verdict.
+ * Each open question is an assumption with two or three readings. Its first reading is the one to expect, and
+ * is used if no other is asked for. A choice of one reading for every assumption is a World: an engine of
+ * which everything is known, so that every connection has one verdict.
  */
 #pragma once
 
@@ -17,7 +17,7 @@
 
 namespace Policy {
 
-/// The open rules. AssumptionText has their meaning.
+/// AssumptionText has their meaning.
 enum class Assumption {
   FilterTies,
   AutomaticWeights,
@@ -32,7 +32,7 @@ inline constexpr std::size_t kAssumptionCount = 7;
 // The readings, by number.
 /// FilterTies: which of the matching filters of one sublayer that weigh the same decides. SublayerTies: which
 /// of the sublayers that weigh the same comes first. Both also for AutomaticWeights, where the first reading
-/// is the order of the weights that the engine reports and the others an order that nobody knows.
+/// is the order of the weights that the engine reports and the others stand for an unknown order.
 enum class TieReading : std::size_t { BlockFirst, PermitFirst };
 enum class WeightReading : std::size_t { AsReported, BlockFirst, PermitFirst };
 /// Whether of several negations on one field one is enough, or all must hold.

@@ -75,8 +75,8 @@ inline constexpr UINT8 kTcp = 6;
 inline constexpr UINT8 kUdp = 17;
 
 /// A connection that no filter has a special word for: flags 0, with addresses from the ranges for
-/// documentation, an application and interfaces that nobody names; TCP and UDP from port 50000 to port 443,
-/// ICMP an echo request, other protocols without ports.
+/// documentation, an application and interfaces that no filter names; TCP and UDP from port 50000 to port
+/// 443, ICMP an echo request, other protocols without ports.
 Connection OrdinaryConnection(Direction direction, IpVersion ipVersion, UINT8 protocol = kTcp);
 
 /// Human names that texts use in place of numbers and identifiers.

@@ -156,7 +156,7 @@ Test DecodeTest(FWP_MATCH_TYPE match, const Value& value) {
   return isBytes ? DecodeBytes(match, value) : DecodeNumber(match, value);
 }
 
-/// Whether a field takes a condition's type, by the rules of the documentation.
+/// Whether a field takes a condition's type, by the documentation.
 bool Takes(const Catalog::LayerField& field, const Value& value) {
   if (value.type == FWP_EMPTY) {
     return true;

@@ -1,6 +1,6 @@
 /**
  * @file
- * Which of a sublayer's filters comes first, as far as anybody knows.
+ * Which of a sublayer's filters comes first, as far as this is known.
  *
  * An explicit weight is a plain number. Of a weight that the engine chose, the top four bits are the class
  * that the filter's author gave; of the other 60 only this is known: without conditions they are zero; each
