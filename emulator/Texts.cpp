@@ -7,44 +7,10 @@
 namespace EngineEmulator {
 namespace {
 
-constexpr char32_t kReplacement = 0xFFFD;
-
-bool IsHighSurrogate(char32_t unit) { return unit >= 0xD800 && unit < 0xDC00; }
-bool IsLowSurrogate(char32_t unit) { return unit >= 0xDC00 && unit < 0xE000; }
-
-/// Takes the next character off the text; a lone surrogate comes out as it is.
-char32_t TakeCharacter(std::wstring_view& text) {
-  const auto unit = static_cast<char32_t>(text.front());
-  text.remove_prefix(1);
-  if (!IsHighSurrogate(unit) || text.empty() || !IsLowSurrogate(static_cast<char32_t>(text.front()))) {
-    return unit;
-  }
-  const auto low = static_cast<char32_t>(text.front());
-  text.remove_prefix(1);
-  return 0x10000 + ((unit - 0xD800) << 10) + (low - 0xDC00);
-}
-
-bool IsSurrogate(char32_t character) { return IsHighSurrogate(character) || IsLowSurrogate(character); }
-
-void AppendUtf8(std::string& text, char32_t character) {
-  const auto continuation = [&](int shift) {
-    text += static_cast<char>(0x80 | ((character >> shift) & 0x3F));
-  };
-  if (character < 0x80) {
-    text += static_cast<char>(character);
-  } else if (character < 0x800) {
-    text += static_cast<char>(0xC0 | (character >> 6));
-    continuation(0);
-  } else if (character < 0x10000) {
-    text += static_cast<char>(0xE0 | (character >> 12));
-    continuation(6);
-    continuation(0);
-  } else {
-    text += static_cast<char>(0xF0 | (character >> 18));
-    continuation(12);
-    continuation(6);
-    continuation(0);
-  }
+/// 0 for a text that the platform does not convert with these flags, and for an empty one.
+int Utf8Length(std::wstring_view text, DWORD flags) {
+  return WideCharToMultiByte(CP_UTF8, flags, text.data(), static_cast<int>(text.size()), nullptr, 0, nullptr,
+                             nullptr);
 }
 
 std::string Quote(const wchar_t* text) { return text == nullptr ? "null" : '"' + Utf8(text) + '"'; }
@@ -54,21 +20,15 @@ std::string OptionalKey(const GUID* key) { return key == nullptr ? "-" : Catalog
 }  // namespace
 
 std::string Utf8(std::wstring_view text) {
-  std::string result;
-  while (!text.empty()) {
-    const char32_t character = TakeCharacter(text);
-    AppendUtf8(result, IsSurrogate(character) ? kReplacement : character);
-  }
-  return result;
+  const int length = Utf8Length(text, 0);
+  std::string utf8(static_cast<std::size_t>(length), '\0');
+  WideCharToMultiByte(CP_UTF8, 0, text.data(), static_cast<int>(text.size()), utf8.data(), length, nullptr,
+                      nullptr);
+  return utf8;
 }
 
 bool IsWellFormed(std::wstring_view text) {
-  while (!text.empty()) {
-    if (IsSurrogate(TakeCharacter(text))) {
-      return false;
-    }
-  }
-  return true;
+  return text.empty() || Utf8Length(text, WC_ERR_INVALID_CHARS) != 0;
 }
 
 std::string Describe(const GUID* key) { return key == nullptr ? "null" : Catalog::FormatGuid(*key); }

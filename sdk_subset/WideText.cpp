@@ -4,25 +4,32 @@
 #include <winnls.h>
 
 #include <algorithm>
+#include <cwchar>
+#include <functional>
 #include <locale>
 #include <string>
 #include <string_view>
 
 namespace {
 
-constexpr char32_t kReplacement = 0xFFFD;
+constexpr wchar_t kReplacement = 0xFFFD;
 
-bool IsHighSurrogate(char32_t unit) { return unit >= 0xD800 && unit < 0xDC00; }
-bool IsLowSurrogate(char32_t unit) { return unit >= 0xDC00 && unit < 0xE000; }
-bool IsCharacter(char32_t unit) {
-  return unit <= 0x10FFFF && !IsHighSurrogate(unit) && !IsLowSurrogate(unit);
+bool IsHighSurrogate(wchar_t unit) { return unit >= 0xD800 && unit < 0xDC00; }
+bool IsLowSurrogate(wchar_t unit) { return unit >= 0xDC00 && unit < 0xE000; }
+bool IsCharacter(wchar_t unit) {
+  return unit >= 0 && unit <= 0x10FFFF && !IsHighSurrogate(unit) && !IsLowSurrogate(unit);
+}
+
+/// A fixed locale, so that no result depends on the language of the system.
+const std::locale& Unicode() {
+  static const std::locale kUnicode("C.UTF-8");
+  return kUnicode;
 }
 
 /// The characters of the text. A surrogate without its other half stays as it is.
-std::u32string ToCharacters(std::wstring_view text) {
-  std::u32string characters;
-  for (const wchar_t wide : text) {
-    const auto unit = static_cast<char32_t>(wide);
+std::wstring ToCharacters(std::wstring_view text) {
+  std::wstring characters;
+  for (const wchar_t unit : text) {
     if (!characters.empty() && IsHighSurrogate(characters.back()) && IsLowSurrogate(unit)) {
       characters.back() = 0x10000 + ((characters.back() - 0xD800) << 10) + (unit - 0xDC00);
     } else {
@@ -32,38 +39,21 @@ std::u32string ToCharacters(std::wstring_view text) {
   return characters;
 }
 
-void AppendUtf8(std::string& text, char32_t character) {
-  const auto append = [&text](char32_t byte) { text += static_cast<char>(byte); };
-  const auto continuation = [&](int shift) { append(0x80 | ((character >> shift) & 0x3F)); };
-  if (character < 0x80) {
-    append(character);
-  } else if (character < 0x800) {
-    append(0xC0 | character >> 6);
-    continuation(0);
-  } else if (character < 0x10000) {
-    append(0xE0 | character >> 12);
-    continuation(6);
-    continuation(0);
-  } else {
-    append(0xF0 | character >> 18);
-    continuation(12);
-    continuation(6);
-    continuation(0);
-  }
-}
-
-std::string ToUtf8(std::u32string_view characters) {
-  std::string utf8;
-  for (const char32_t character : characters) {
-    AppendUtf8(utf8, IsCharacter(character) ? character : kReplacement);
-  }
+std::string ToUtf8(std::wstring characters) {
+  std::ranges::replace_if(characters, std::not_fn(IsCharacter), kReplacement);
+  std::string utf8(characters.size() * 4, '\0');
+  std::mbstate_t state{};
+  const wchar_t* unread = nullptr;
+  char* end = nullptr;
+  std::use_facet<std::codecvt<wchar_t, char, std::mbstate_t>>(Unicode()).out(
+      state, characters.data(), characters.data() + characters.size(), unread, utf8.data(),
+      utf8.data() + utf8.size(), end);
+  utf8.resize(static_cast<std::size_t>(end - utf8.data()));
   return utf8;
 }
 
-/// Uses a fixed locale, so that the result does not depend on the language of the system.
 wchar_t LowerCaseOf(wchar_t letter) {
-  static const std::locale kUnicode("C.UTF-8");
-  const auto& letters = std::use_facet<std::ctype<wchar_t>>(kUnicode);
+  const auto& letters = std::use_facet<std::ctype<wchar_t>>(Unicode());
   const wchar_t lower = letters.tolower(letter);
   return letter <= 0xFFFF && letters.toupper(lower) == letter ? lower : letter;
 }
@@ -81,7 +71,7 @@ int WideCharToMultiByte(UINT codePage, DWORD flags, LPCWSTR text, int length, LP
       length < -1 || size < 0 || defaultCharacter != nullptr || usedDefault != nullptr) {
     return Fail(ERROR_INVALID_PARAMETER);
   }
-  const std::u32string characters =
+  const std::wstring characters =
       ToCharacters(length == -1 ? std::wstring_view(text, std::wstring_view(text).size() + 1)
                                 : std::wstring_view(text, static_cast<std::size_t>(length)));
   const bool strict = (flags & WC_ERR_INVALID_CHARS) != 0;
