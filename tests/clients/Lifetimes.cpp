@@ -7,6 +7,8 @@
 #include <cstdio>
 #include <cstdlib>
 
+#include "support/EngineKeys.h"
+
 // Not in the headers of MinGW-w64.
 #ifndef FWPM_SESSION_FLAG_DYNAMIC
 #define FWPM_SESSION_FLAG_DYNAMIC 0x00000001
@@ -22,9 +24,6 @@ namespace {
 
 constexpr GUID kSublayer{0x7c200001, 0x2b1f, 0x4d63, {0x9a, 0x04, 0x5e, 0x0d, 0xc2, 0x7b, 0x12, 0x01}};
 constexpr GUID kFilter{0x7c200002, 0x2b1f, 0x4d63, {0x9a, 0x04, 0x5e, 0x0d, 0xc2, 0x7b, 0x12, 0x02}};
-/// FWPM_LAYER_ALE_AUTH_CONNECT_V4 and FWPM_SUBLAYER_UNIVERSAL, which are not there either.
-constexpr GUID kConnectV4{0xc38d57d1, 0x05a7, 0x4c33, {0x90, 0x4f, 0x7f, 0xbc, 0xee, 0xe6, 0x0e, 0x82}};
-constexpr GUID kUniversal{0xeebecc03, 0xced4, 0x4380, {0x81, 0x9a, 0x27, 0x34, 0x39, 0x7b, 0x2b, 0x74}};
 
 #define EXPECT(call, code) Expect((call), static_cast<DWORD>(code), #call, __LINE__)
 
@@ -143,7 +142,7 @@ void PersistentObjectsGoInTheirOrder() {
   EXPECT(session.DeleteSublayer(kSublayer), ERROR_SUCCESS);
 }
 
-void BuiltInObjectsStay() { EXPECT(Session(0).DeleteSublayer(kUniversal), FWP_E_BUILTIN_OBJECT); }
+void BuiltInObjectsStay() { EXPECT(Session(0).DeleteSublayer(kUniversalSublayer), FWP_E_BUILTIN_OBJECT); }
 
 }  // namespace
 

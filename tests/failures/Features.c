@@ -6,23 +6,14 @@
 #include <string.h>
 
 #include "emulator/ControlExports.h"
+#include "support/EngineKeys.h"
+#include "support/RuleSetKeys.h"
 
 /* It must come after winsock2.h. */
 #include <fwpmu.h>
 
-#define KEY(number)                                                \
-  {                                                                \
-    0x0fa11000, 0x0001, 0x4a11, { 0x80, 0, 0, 0, 0, 0, 0, number } \
-  }
-
 /* The last bytes of the keys, in the order of Initialize. */
 enum { Provider = 1, KillSwitch, Local, DhcpRules, DnsRules, InterfaceRules, Copy, SkeinRules };
-
-static const GUID kKeys[] = {KEY(Provider), KEY(KillSwitch),     KEY(Local), KEY(DhcpRules),
-                             KEY(DnsRules), KEY(InterfaceRules), KEY(Copy),  KEY(SkeinRules)};
-
-static const GUID kConnectV4 = {0xc38d57d1, 0x05a7, 0x4c33, {0x90, 0x4f, 0x7f, 0xbc, 0xee, 0xe6, 0x0e, 0x82}};
-static const GUID kAppId = {0xd78e1e87, 0x8644, 0x4ea5, {0x94, 0x37, 0xd8, 0x09, 0xec, 0xef, 0xc9, 0x71}};
 
 static const wchar_t* const kApps[] = {L"C:\\app.exe"};
 static const wchar_t* const kMissingApps[] = {L"C:\\missing.exe"};
@@ -35,9 +26,9 @@ static uint64_t CORVANE_CALL Ignore(const char* line) {
 }
 
 uint64_t InitializeLibrary(void) {
-  Initialize(&kKeys[0], L"n", L"d", &kKeys[1], L"n", L"d", &kKeys[2], L"n", L"d", &kKeys[3], L"n", L"d",
-             &kKeys[4], L"n", L"d", &kKeys[5], L"n", L"d", &kKeys[6], L"n", L"d", &kKeys[7], L"n", L"d",
-             L"C:\\app.exe");
+  Initialize(&kProviderKey, L"n", L"d", &kKillSwitchKey, L"n", L"d", &kLocalNetworkKey, L"n", L"d", &kDhcpKey,
+             L"n", L"d", &kDnsLeakKey, L"n", L"d", &kInterfaceLeakKey, L"n", L"d", &kFirewallCopyKey, L"n",
+             L"d", &kSkeinKey, L"n", L"d", L"C:\\app.exe");
   return 0;
 }
 
@@ -141,7 +132,7 @@ static Census Count(UINT64 lastOldId) {
   Expect(FwpmFilterEnum0(observer, enumeration, INFINITE, &filters, &count) == 0, "its filters");
   for (UINT32 i = 0; i < count; ++i) {
     const FWPM_FILTER0* filter = filters[i];
-    const uint8_t key = filter->subLayerKey.Data1 == kKeys[0].Data1 ? filter->subLayerKey.Data4[7] : 0;
+    const uint8_t key = filter->subLayerKey.Data1 == kProviderKey.Data1 ? filter->subLayerKey.Data4[7] : 0;
     Expect(key < KeyCount, "a filter of a stranger");
     ++(filter->filterId <= lastOldId ? census.old : census.added)[key];
     census.lastId = filter->filterId > census.lastId ? filter->filterId : census.lastId;

@@ -13,22 +13,13 @@
 #include "emulator/Control.h"
 #include "support/AppBlock.h"
 #include "support/FakePlatform.h"
+#include "support/RuleSetKeys.h"
 
 namespace {
 
 using Promises::Features;
 
 constexpr std::string_view kVolume = "\\device\\harddiskvolume1";
-
-constexpr GUID Key(UINT16 number) { return {0xc0de0000, number, 0x4000, {0x80}}; }
-constexpr GUID kProvider = Key(1);
-constexpr GUID kKillSwitch = Key(2);
-constexpr GUID kLocalNetwork = Key(3);
-constexpr GUID kDhcp = Key(4);
-constexpr GUID kNameLookUps = Key(5);
-constexpr GUID kTunnel = Key(6);
-constexpr GUID kApplicationBlocks = Key(7);
-constexpr GUID kSkein = Key(8);
 
 std::uint64_t CORVANE_CALL Ignore(const char*) { return 0; }
 
@@ -40,14 +31,14 @@ void Check(std::uint64_t result, const std::string& command) {
 
 /// The sublayer of the local network gets its description as its name, so only the description is given.
 void InitializeModule(const std::wstring& nameApplication) {
-  Initialize(&kProvider, L"Corvane", L"",              //
-             &kKillSwitch, L"Kill switch", L"",        //
-             &kLocalNetwork, L"", L"Local network",    //
-             &kDhcp, L"DHCP", L"",                     //
-             &kNameLookUps, L"Name look-ups", L"",     //
-             &kTunnel, L"Tunnel", L"",                 //
-             &kApplicationBlocks, L"App blocks", L"",  //
-             &kSkein, L"Skein", L"",                   //
+  Initialize(&kProviderKey, L"Corvane", L"",            //
+             &kKillSwitchKey, L"Kill switch", L"",      //
+             &kLocalNetworkKey, L"", L"Local network",  //
+             &kDhcpKey, L"DHCP", L"",                   //
+             &kDnsLeakKey, L"Name look-ups", L"",       //
+             &kInterfaceLeakKey, L"Tunnel", L"",        //
+             &kFirewallCopyKey, L"App blocks", L"",     //
+             &kSkeinKey, L"Skein", L"",                 //
              nameApplication.c_str());
 }
 

@@ -7,15 +7,7 @@
 
 #include "EmulatedEngine.h"
 #include "FirewallLibrary.h"
-
-constexpr GUID kProviderKey{0xc0de0000, 0x0001, 0x4001, {0x80, 0, 0, 0, 0, 0, 0, 1}};
-constexpr GUID kKillSwitchKey{0xc0de0000, 0x0002, 0x4002, {0x80, 0, 0, 0, 0, 0, 0, 2}};
-constexpr GUID kLocalNetworkKey{0xc0de0000, 0x0003, 0x4003, {0x80, 0, 0, 0, 0, 0, 0, 3}};
-constexpr GUID kDhcpKey{0xc0de0000, 0x0004, 0x4004, {0x80, 0, 0, 0, 0, 0, 0, 4}};
-constexpr GUID kDnsLeakKey{0xc0de0000, 0x0005, 0x4005, {0x80, 0, 0, 0, 0, 0, 0, 5}};
-constexpr GUID kInterfaceLeakKey{0xc0de0000, 0x0006, 0x4006, {0x80, 0, 0, 0, 0, 0, 0, 6}};
-constexpr GUID kFirewallCopyKey{0xc0de0000, 0x0007, 0x4007, {0x80, 0, 0, 0, 0, 0, 0, 7}};
-constexpr GUID kSkeinKey{0xc0de0000, 0x0008, 0x4008, {0x80, 0, 0, 0, 0, 0, 0, 8}};
+#include "support/RuleSetKeys.h"
 
 /// The DLL freshly loaded, with a fresh engine.
 class LibraryTest : public testing::Test {

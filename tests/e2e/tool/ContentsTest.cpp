@@ -11,6 +11,7 @@
 #include "ValueJson.h"
 #include "catalog/Guid.h"
 #include "emulator/ControlExports.h"
+#include "support/EngineKeys.h"
 
 namespace {
 
@@ -19,8 +20,6 @@ using Catalog::operator""_guid;
 constexpr GUID kForeignProvider{0xf0000000, 0, 0, {0, 0, 0, 0, 0, 0, 0, 1}};
 constexpr GUID kForeignSublayer{0xf0000000, 0, 0, {0, 0, 0, 0, 0, 0, 0, 2}};
 constexpr GUID kUnknownSublayer{0xf0000000, 0, 0, {0, 0, 0, 0, 0, 0, 0, 3}};
-constexpr GUID kAleAuthConnectV4{
-    0xc38d57d1, 0x05a7, 0x4c33, {0x90, 0x4f, 0x7f, 0xbc, 0xee, 0xe6, 0x0e, 0x82}};
 
 /// The emulated engine, loaded in this process, with a session that adds objects.
 class ContentsOfEngine : public testing::Test {
@@ -58,7 +57,7 @@ class ContentsOfEngine : public testing::Test {
     FWPM_FILTER0 filter{};
     filter.displayData = {name_.data(), nullptr};
     filter.providerKey = provider == nullptr ? nullptr : &providerKey;
-    filter.layerKey = kAleAuthConnectV4;
+    filter.layerKey = kConnectV4;
     filter.subLayerKey = sublayer;
     filter.weight = weight;
     filter.action.type = FWP_ACTION_BLOCK;

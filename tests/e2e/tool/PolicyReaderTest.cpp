@@ -11,12 +11,11 @@
 #include "ReportPage.h"
 #include "Steps.h"
 #include "ToolProcess.h"
-#include "catalog/Guid.h"
 #include "emulator/ControlExports.h"
+#include "support/EngineKeys.h"
 
 namespace {
 
-using Catalog::operator""_guid;
 using testing::ElementsAre;
 
 /// The emulated engine, loaded in this process.
@@ -105,11 +104,6 @@ TEST(ActiveFeatures, AreWhatTheLastStepsLeave) {
   EXPECT_FALSE(features.localNetworkBlock);
   EXPECT_TRUE(features.dhcp);
 }
-
-constexpr GUID kConnectV4 = "c38d57d1-05a7-4c33-904f-7fbceee60e82"_guid;
-constexpr GUID kConnectV6 = "4a72393b-319f-44bc-84c3-ba54dcb3b6b4"_guid;
-constexpr GUID kReceiveAcceptV4 = "e1cd9fe7-f4b5-4273-96c0-592e487b8650"_guid;
-constexpr GUID kReceiveAcceptV6 = "a3b42c97-9f04-4672-b87e-cee9c483257f"_guid;
 
 /// A block of an application, without a provider.
 Policy::Filter BlockOf(const std::string& application, const GUID& layer = kConnectV4) {

@@ -9,6 +9,7 @@
 #include "emulator/Control.h"
 #include "filtering/EngineKeys.h"
 #include "support/AppBlock.h"
+#include "support/EngineKeys.h"
 
 namespace {
 
@@ -17,9 +18,6 @@ using testing::ElementsAre;
 using testing::IsEmpty;
 using testing::Not;
 using testing::SizeIs;
-
-constexpr GUID kConnectV4Discard{
-    0xd632a801, 0xf5ba, 0x4ad6, {0x96, 0xe3, 0x60, 0x70, 0x17, 0xd9, 0x83, 0x6a}};
 
 class RuleSetFailure : public LeakProtectionTest, public testing::WithParamInterface<CodeExample> {};
 

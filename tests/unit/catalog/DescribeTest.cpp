@@ -6,16 +6,10 @@
 #include <vector>
 
 #include "catalog/Guid.h"
+#include "support/EngineKeys.h"
 
 namespace Catalog {
 namespace {
-
-constexpr GUID kConnectV4 = "c38d57d1-05a7-4c33-904f-7fbceee60e82"_guid;
-constexpr GUID kRemotePort = "c35a604d-d22b-4e1a-91b4-68f674ee674b"_guid;
-constexpr GUID kRemoteAddress = "b235ae9a-1d64-49b8-a44c-5ff3d9095045"_guid;
-constexpr GUID kInterfaceIndex = "667fd755-d695-434a-8af5-d3835a1259bc"_guid;
-constexpr GUID kFlags = "632ce23b-5167-435c-86d7-e903684aa80c"_guid;
-constexpr GUID kAppId = "d78e1e87-8644-4ea5-9437-d809ecefc971"_guid;
 
 /// A value of a type; `set` fills the union.
 template <class Value = FWP_CONDITION_VALUE0, class Set>

@@ -16,8 +16,6 @@ using ProviderContexts = EngineTest;
 constexpr DWORD kCalloutNotFound = 0x80320001;
 constexpr DWORD kTypeMismatch = 0x80320027;
 constexpr DWORD kNotSupported = 50;
-constexpr GUID kFlowEstablishedV6{
-    0x7021d2b3, 0xdfa4, 0x406e, {0xaf, 0xeb, 0x6a, 0xfa, 0xf7, 0xe7, 0x0e, 0xfd}};
 constexpr GUID kCalloutKey{0x0d000001, 0, 0, {}};
 
 FWPM_CALLOUT0 CalloutRecord() {
@@ -36,7 +34,7 @@ TEST_F(Layer, HasItsFieldsWithTheirTypes) {
   EXPECT_EQ(layer->layerId, 52);
   EXPECT_EQ(layer->flags, 7U);
   EXPECT_EQ(layer->numFields, 25U);
-  EXPECT_TRUE(layer->defaultSubLayerKey == kUniversalSublayerKey);
+  EXPECT_TRUE(layer->defaultSubLayerKey == kUniversalSublayer);
   std::set<int> typesOfAddress;
   for (UINT32 index = 0; index < layer->numFields; ++index) {
     if (*layer->field[index].fieldKey == kRemoteAddress) {

@@ -91,8 +91,8 @@ TEST_F(ControlExports, CountWhatIsOutstanding) {
   HANDLE enumHandle = nullptr;
   FwpmFilterCreateEnumHandle0(session, nullptr, &enumHandle);
   FWPM_SUBLAYER0* found = nullptr;
-  FwpmSubLayerGetByKey0(session, &kUniversalSublayerKey, &found);
-  FwpmSubLayerGetByKey0(session, &kUniversalSublayerKey, &found);
+  FwpmSubLayerGetByKey0(session, &kUniversalSublayer, &found);
+  FwpmSubLayerGetByKey0(session, &kUniversalSublayer, &found);
   EngineEmulatorOutstanding outstanding{};
   EngineEmulatorCountOutstanding(&outstanding);
   EXPECT_EQ(outstanding.sessions, 1U);
@@ -106,7 +106,7 @@ TEST_F(ControlExports, NameWhoHandedOutTheOutstandingMemory) {
   const TestSession session;
   FWPM_SUBLAYER0* sublayer = nullptr;
   FWPM_LAYER0* layer = nullptr;
-  ASSERT_EQ(FwpmSubLayerGetByKey0(session, &kUniversalSublayerKey, &sublayer), kSuccess);
+  ASSERT_EQ(FwpmSubLayerGetByKey0(session, &kUniversalSublayer, &sublayer), kSuccess);
   ASSERT_EQ(FwpmLayerGetByKey0(session, &kConnectV4, &layer), kSuccess);
   char buffer[100];
   EXPECT_EQ(EngineEmulatorOutstandingMemoryText(buffer, sizeof(buffer)), 42U);

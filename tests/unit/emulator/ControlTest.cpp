@@ -210,7 +210,7 @@ TEST_F(Control, EngineTakesCallsOfManyThreads) {
     for (int count = 0; count < 50; ++count) {
       FWPM_SUBLAYER0* found = nullptr;
       failures += Add(session, FilterRecord(GUID{})) != kSuccess;
-      failures += FwpmSubLayerGetByKey0(session, &kUniversalSublayerKey, &found) != kSuccess;
+      failures += FwpmSubLayerGetByKey0(session, &kUniversalSublayer, &found) != kSuccess;
       Free(found);
     }
   };

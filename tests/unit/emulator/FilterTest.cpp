@@ -9,13 +9,6 @@ namespace {
 using testing::ElementsAre;
 using FilterObject = EngineTest;
 
-constexpr GUID kRemoteAddress{0xb235ae9a, 0x1d64, 0x49b8, {0xa4, 0x4c, 0x5f, 0xf3, 0xd9, 0x09, 0x50, 0x45}};
-constexpr GUID kLocalAddress{0xd9ee00de, 0xc1ef, 0x4617, {0xbf, 0xe3, 0xff, 0xd8, 0xf5, 0xa0, 0x89, 0x57}};
-constexpr GUID kLocalInterface{0x4cd62a49, 0x59c3, 0x4969, {0xb7, 0xf3, 0xbd, 0xa5, 0xd3, 0x28, 0x90, 0xa4}};
-constexpr GUID kAppId{0xd78e1e87, 0x8644, 0x4ea5, {0x94, 0x37, 0xd8, 0x09, 0xec, 0xef, 0xc9, 0x71}};
-constexpr GUID kPackageId{0x71bc78fa, 0xf17c, 0x4997, {0xa6, 0x02, 0x6a, 0xbb, 0x26, 0x1f, 0x35, 0x1c}};
-constexpr GUID kUserId{0xaf043a0a, 0xb34d, 0x4f86, {0x97, 0x9c, 0xc9, 0x03, 0x71, 0xaf, 0x6e, 0x66}};
-
 FWPM_FILTER_CONDITION0 Condition(const GUID& field, FWP_MATCH_TYPE match, FWP_DATA_TYPE type) {
   FWPM_FILTER_CONDITION0 condition{};
   condition.fieldKey = field;
@@ -146,7 +139,7 @@ TEST_F(FilterObject, IsGoneAfterDeletion) {
 TEST_F(FilterObject, WithoutASublayerGoesToThatOfTheLayer) {
   const TestSession session;
   ASSERT_EQ(Add(session, FilterRecord()), kSuccess);
-  EXPECT_TRUE(EngineEmulator::TakeSnapshot().filters.at(0).subLayerKey == kUniversalSublayerKey);
+  EXPECT_TRUE(EngineEmulator::TakeSnapshot().filters.at(0).subLayerKey == kUniversalSublayer);
 }
 
 TEST_F(FilterObject, EffectiveWeightStartsWithTheRange) {

@@ -48,7 +48,7 @@ TEST_F(HostileCaller, NamesAFileThatTheHostCannotWrite) {
 TEST_F(HostileCaller, FreesTwice) {
   const TestSession session;
   FWPM_SUBLAYER0* found = nullptr;
-  ASSERT_EQ(FwpmSubLayerGetByKey0(session, &kUniversalSublayerKey, &found), kSuccess);
+  ASSERT_EQ(FwpmSubLayerGetByKey0(session, &kUniversalSublayer, &found), kSuccess);
   void* first = found;
   void* second = found;
   FwpmFreeMemory0(&first);
@@ -60,7 +60,7 @@ TEST_F(HostileCaller, FreesTwice) {
 TEST_F(HostileCaller, FreesTheInsideOfABlock) {
   const TestSession session;
   FWPM_SUBLAYER0* found = nullptr;
-  ASSERT_EQ(FwpmSubLayerGetByKey0(session, &kUniversalSublayerKey, &found), kSuccess);
+  ASSERT_EQ(FwpmSubLayerGetByKey0(session, &kUniversalSublayer, &found), kSuccess);
   void* inside = found->displayData.name;
   FwpmFreeMemory0(&inside);
   EXPECT_STREQ(found->displayData.name, L"UNIVERSAL");
@@ -103,7 +103,7 @@ TEST_F(HostileCaller, IsToldWhatItHasNotGivenBack) {
   const TestSession session;
   FWPM_SUBLAYER0* found = nullptr;
   FWPM_LAYER0* layer = nullptr;
-  FwpmSubLayerGetByKey0(session, &kUniversalSublayerKey, &found);
+  FwpmSubLayerGetByKey0(session, &kUniversalSublayer, &found);
   FwpmLayerGetByKey0(session, &kConnectV4, &layer);
   EXPECT_EQ(EngineEmulator::OutstandingMemory(),
             (std::vector<std::string>{"FwpmSubLayerGetByKey0", "FwpmLayerGetByKey0"}));

@@ -90,7 +90,7 @@ TEST_F(Lifetime, OfAPersistentFilterFitsInABuiltInSublayer) {
   const TestSession session;
   GUID providerKey = kProviderKey;
   ASSERT_EQ(Add(session, PersistentProvider(kProviderKey)), kSuccess);
-  EXPECT_EQ(Add(session, PersistentFilterIn(kUniversalSublayerKey, &providerKey)), kSuccess);
+  EXPECT_EQ(Add(session, PersistentFilterIn(kUniversalSublayer, &providerKey)), kSuccess);
 }
 
 TEST_F(Lifetime, OfABootTimeFilterIsThatOfAPersistentOne) {

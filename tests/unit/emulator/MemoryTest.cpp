@@ -6,7 +6,7 @@ using Memory = EngineTest;
 
 FWPM_SUBLAYER0* GetUniversal(HANDLE session) {
   FWPM_SUBLAYER0* found = nullptr;
-  EXPECT_EQ(FwpmSubLayerGetByKey0(session, &kUniversalSublayerKey, &found), kSuccess);
+  EXPECT_EQ(FwpmSubLayerGetByKey0(session, &kUniversalSublayer, &found), kSuccess);
   return found;
 }
 

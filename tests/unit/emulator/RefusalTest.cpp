@@ -7,7 +7,6 @@
 namespace {
 
 constexpr GUID kCalloutKey{0x0d000001, 0, 0, {}};
-constexpr GUID kInspection{0x877519e1, 0xe6a9, 0x41a5, {0x81, 0xb4, 0x8c, 0x4f, 0x11, 0x8e, 0x4a, 0x60}};
 
 FWPM_CALLOUT0 CalloutRecord() {
   FWPM_CALLOUT0 callout{};
@@ -171,7 +170,7 @@ constexpr Fault<FWPM_FILTER0> kFaultsOfFilters[]{
     {"the sublayer 0e000001-0000-0000-0000-000000000000 does not exist",
      [](auto& record) { record.subLayerKey = missingKey; }},
     {"BLOCK is no action for the sublayer INSPECTION",
-     [](auto& record) { record.subLayerKey = kInspection; }},
+     [](auto& record) { record.subLayerKey = kInspectionSublayer; }},
     {"the provider 0e000001-0000-0000-0000-000000000000 does not exist",
      [](auto& record) { record.providerKey = &missingKey; }},
     {"the callout 0e000001-0000-0000-0000-000000000000 does not exist",

@@ -75,7 +75,7 @@ TEST_F(RefusedCall, OfDeletingWhatIsNotThere) {
 TEST_F(RefusedCall, OfDeletingWhatIsNotTheCallers) {
   const TestSession session;
   const TestSession dynamic(kDynamic);
-  EXPECT_EQ(Reason(FwpmSubLayerDeleteByKey0(session, &kUniversalSublayerKey)), "the object is built in");
+  EXPECT_EQ(Reason(FwpmSubLayerDeleteByKey0(session, &kUniversalSublayer)), "the object is built in");
   Add(session, SublayerRecord());
   EXPECT_EQ(Reason(FwpmSubLayerDeleteByKey0(dynamic, &kSublayerKey)),
             "a dynamic session deletes only what it added");

@@ -34,7 +34,7 @@ bool IsLocalSystem(PSID sid) { return sid != nullptr && std::memcmp(sid, &kLocal
 TEST_F(Security, OfAnObjectIsTheDefaultAtFirst) {
   const TestSession session;
   Descriptor got;
-  ASSERT_EQ(GetOfSublayer(session, &kUniversalSublayerKey, kAll, got), kSuccess);
+  ASSERT_EQ(GetOfSublayer(session, &kUniversalSublayer, kAll, got), kSuccess);
   const UINT8 administrators[]{1, 2, 0, 0, 0, 0, 0, 5, 32, 0, 0, 0, 32, 2, 0, 0};
   ASSERT_NE(got.owner, nullptr);
   EXPECT_EQ(std::memcmp(got.owner, administrators, sizeof(administrators)), 0);
@@ -46,7 +46,7 @@ TEST_F(Security, OfAnObjectIsTheDefaultAtFirst) {
 TEST_F(Security, IsGivenInThePartsThatAreAskedFor) {
   const TestSession session;
   Descriptor got;
-  ASSERT_EQ(GetOfSublayer(session, &kUniversalSublayerKey, kDacl, got), kSuccess);
+  ASSERT_EQ(GetOfSublayer(session, &kUniversalSublayer, kDacl, got), kSuccess);
   EXPECT_EQ(got.owner, nullptr);
   EXPECT_NE(got.dacl, nullptr);
 }
@@ -153,8 +153,8 @@ TEST_F(Security, NeedsItsObjectAndPlaceForTheDescriptor) {
   EXPECT_EQ(
       FwpmFilterGetSecurityInfoByKey0(session, nullptr, kAll, nullptr, nullptr, nullptr, nullptr, nullptr),
       kNullPointer);
-  EXPECT_EQ(FwpmSubLayerSetSecurityInfoByKey0(session, &kUniversalSublayerKey, kOwner, nullptr, nullptr,
-                                              nullptr, nullptr),
+  EXPECT_EQ(FwpmSubLayerSetSecurityInfoByKey0(session, &kUniversalSublayer, kOwner, nullptr, nullptr, nullptr,
+                                              nullptr),
             kInvalidSecurityDescriptor);
 }
 

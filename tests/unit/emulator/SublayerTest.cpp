@@ -91,10 +91,10 @@ TEST_F(Sublayer, StaysWhileAFilterIsInIt) {
 TEST_F(Sublayer, ThatIsBuiltInIsThereFromTheStartAndStays) {
   const TestSession session;
   FWPM_SUBLAYER0* found = nullptr;
-  ASSERT_EQ(FwpmSubLayerGetByKey0(session, &kUniversalSublayerKey, &found), kSuccess);
+  ASSERT_EQ(FwpmSubLayerGetByKey0(session, &kUniversalSublayer, &found), kSuccess);
   EXPECT_STREQ(found->displayData.name, L"UNIVERSAL");
   Free(found);
-  EXPECT_EQ(FwpmSubLayerDeleteByKey0(session, &kUniversalSublayerKey), kBuiltInObject);
+  EXPECT_EQ(FwpmSubLayerDeleteByKey0(session, &kUniversalSublayer), kBuiltInObject);
   EXPECT_TRUE(EngineEmulator::TakeSnapshot().sublayers.empty());
 }
 

@@ -16,7 +16,7 @@ TEST_F(WriteLock, IsWaitedForAsLongAsTheSessionSays) {
   ASSERT_EQ(FwpmTransactionBegin0(session, 0), kSuccess);
   EXPECT_EQ(FwpmTransactionBegin0(impatient, 0), kTimeout);
   EXPECT_EQ(Add(impatient, SublayerRecord()), kTimeout);
-  EXPECT_EQ(FwpmSubLayerDeleteByKey0(impatient, &kUniversalSublayerKey), kTimeout);
+  EXPECT_EQ(FwpmSubLayerDeleteByKey0(impatient, &kUniversalSublayer), kTimeout);
   EXPECT_EQ(EngineEmulator::LastRefusal(), "another session's transaction holds the write lock");
   ASSERT_EQ(FwpmTransactionCommit0(session), kSuccess);
   EXPECT_EQ(Add(impatient, SublayerRecord()), kSuccess);
@@ -44,7 +44,7 @@ TEST_F(WriteLock, IsNotNeededForReading) {
   const TestSession reader(0, kOneMillisecond);
   ASSERT_EQ(FwpmTransactionBegin0(session, 0), kSuccess);
   FWPM_SUBLAYER0* found = nullptr;
-  EXPECT_EQ(FwpmSubLayerGetByKey0(reader, &kUniversalSublayerKey, &found), kSuccess);
+  EXPECT_EQ(FwpmSubLayerGetByKey0(reader, &kUniversalSublayer, &found), kSuccess);
   Free(found);
   EXPECT_EQ(FwpmTransactionBegin0(reader, 1), kSuccess);
   EXPECT_EQ(FwpmTransactionCommit0(reader), kSuccess);

@@ -7,6 +7,7 @@
 #include "engine/Firewall.h"
 #include "filtering/EngineKeys.h"
 #include "support/AppBlock.h"
+#include "support/EngineKeys.h"
 #include "support/EngineTest.h"
 #include "unit/engine/FailsWith.h"
 #include "unit/engine/Samples.h"
@@ -18,8 +19,6 @@ using testing::ElementsAre;
 using testing::IsEmpty;
 using testing::SizeIs;
 
-constexpr GUID kConnectV4Discard{
-    0xd632a801, 0xf5ba, 0x4ad6, {0x96, 0xe3, 0x60, 0x70, 0x17, 0xd9, 0x83, 0x6a}};
 /// FWP_MATCH_PREFIX, which is not in older headers.
 constexpr auto kMatchPrefix = static_cast<FWP_MATCH_TYPE>(11);
 

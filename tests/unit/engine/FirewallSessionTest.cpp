@@ -23,7 +23,7 @@ void InstallProvider() {
   const std::shared_ptr<void> session(handle, [](HANDLE engine) { FwpmEngineClose0(engine); });
   std::wstring name = L"Somebody's";
   FWPM_PROVIDER0 provider{};
-  provider.providerKey = Samples::kProviderKey;
+  provider.providerKey = kProviderKey;
   provider.displayData.name = name.data();
   ASSERT_EQ(FwpmProviderAdd0(handle, &provider, nullptr), DWORD{ERROR_SUCCESS});
 }
@@ -57,7 +57,7 @@ TEST_F(FirewallSession, ProviderHasItsTextsAndNoFlags) {
   firewall_->Apply();
   const auto providers = TakeSnapshot().providers;
   ASSERT_THAT(providers, SizeIs(1));
-  EXPECT_EQ(providers[0].key, Samples::kProviderKey);
+  EXPECT_EQ(providers[0].key, kProviderKey);
   EXPECT_EQ(providers[0].name, L"Corvane");
   EXPECT_EQ(providers[0].description, L"Corvane firewall provider");
   EXPECT_EQ(providers[0].serviceName, L"CorvaneService");

@@ -13,7 +13,7 @@ namespace {
 
 TEST(Provider, GivesBackWhatItWasMadeOf) {
   const Provider provider = Samples::MakeProvider();
-  EXPECT_EQ(provider.GetGuid(), Samples::kProviderKey);
+  EXPECT_EQ(provider.GetGuid(), kProviderKey);
   EXPECT_EQ(provider.GetName(), L"CorvaneService");
   EXPECT_EQ(provider.GetDisplayName(), L"Corvane");
   EXPECT_EQ(provider.GetDisplayDesc(), L"Corvane firewall provider");

@@ -8,11 +8,11 @@
 #include "engine/Sublayer.h"
 #include "filtering/FilterBuilder.h"
 #include "filtering/Values.h"
+#include "support/RuleSetKeys.h"
 
 // Objects for the tests of providers, sublayers and firewalls.
 namespace Samples {
 
-inline constexpr GUID kProviderKey{0x10000000, 0x0001, 0x4001, {0x80, 0, 0, 0, 0, 0, 0, 1}};
 inline constexpr GUID kFirstKey{0x20000000, 0x0002, 0x4002, {0x80, 0, 0, 0, 0, 0, 0, 2}};
 inline constexpr GUID kSecondKey{0x30000000, 0x0003, 0x4003, {0x80, 0, 0, 0, 0, 0, 0, 3}};
 inline constexpr GUID kThirdKey{0x40000000, 0x0004, 0x4004, {0x80, 0, 0, 0, 0, 0, 0, 4}};

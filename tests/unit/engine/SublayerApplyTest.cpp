@@ -89,7 +89,7 @@ TEST_F(SublayerApply, FiltersCarryTheSublayersTextsAndTheProvider) {
     EXPECT_EQ(filter.name, L"Ports");
     EXPECT_EQ(filter.description, L"Blocks three ports");
     EXPECT_EQ(filter.subLayerKey, Samples::kFirstKey);
-    EXPECT_EQ(filter.providerKey, Samples::kProviderKey);
+    EXPECT_EQ(filter.providerKey, kProviderKey);
   }
 }
 

@@ -19,7 +19,7 @@ class SublayerFixture : public EngineTest {
     session_ = WfpFirewall::Engine::OpenEngine();
     std::wstring name = L"Corvane";
     FWPM_PROVIDER0 provider{};
-    provider.providerKey = Samples::kProviderKey;
+    provider.providerKey = kProviderKey;
     provider.displayData.name = name.data();
     ASSERT_EQ(FwpmProviderAdd0(Session(), &provider, nullptr), DWORD{ERROR_SUCCESS});
     EngineEmulator::ClearJournal();

@@ -13,8 +13,8 @@ const Texts kSkeinFailure{"NATIVE: Error applying skein firewall.", kCodeLine};
 const Texts kDisableInternetFailure{"NATIVE: Error applying firewall.", kCodeLine};
 
 std::uint64_t RunInitialize(LogCallback) {
-  constexpr GUID kKeys[]{kProviderKey, kKillSwitchKey,    kLocalNetworkKey, kDhcpKey,
-                         kDnsLeakKey,  kInterfaceLeakKey, kFirewallCopyKey, kSkeinKey};
+  const GUID kKeys[]{kProviderKey, kKillSwitchKey,    kLocalNetworkKey, kDhcpKey,
+                     kDnsLeakKey,  kInterfaceLeakKey, kFirewallCopyKey, kSkeinKey};
   Initialize(&kKeys[0], L"n", L"d", &kKeys[1], L"n", L"d", &kKeys[2], L"n", L"d", &kKeys[3], L"n", L"d",
              &kKeys[4], L"n", L"d", &kKeys[5], L"n", L"d", &kKeys[6], L"n", L"d", &kKeys[7], L"n", L"d",
              L"C:\\dns.exe");

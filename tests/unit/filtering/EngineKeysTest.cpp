@@ -2,27 +2,26 @@
 
 #include <gtest/gtest.h>
 
-#include "unit/filtering/FieldKeys.h"
-#include "unit/filtering/GuidFromText.h"
+#include "support/EngineKeys.h"
 
 namespace WfpFirewall::Filtering {
 namespace {
 
 TEST(EngineKeys, ConditionFieldsHaveTheEnginesKeys) {
-  EXPECT_EQ(kConditionAleAppId, GuidFromText(kAppIdKey));
-  EXPECT_EQ(kConditionIpArrivalInterface, GuidFromText(kArrivalInterfaceKey));
-  EXPECT_EQ(kConditionIpLocalInterface, GuidFromText(kLocalInterfaceKey));
-  EXPECT_EQ(kConditionInterfaceIndex, GuidFromText(kInterfaceIndexKey));
-  EXPECT_EQ(kConditionSubInterfaceIndex, GuidFromText(kSubInterfaceIndexKey));
-  EXPECT_EQ(kConditionIpProtocol, GuidFromText(kProtocolKey));
-  EXPECT_EQ(kConditionIpLocalAddressType, GuidFromText(kLocalAddressTypeKey));
-  EXPECT_EQ(kConditionFlags, GuidFromText(kFlagsKey));
-  EXPECT_EQ(kConditionIpLocalAddress, GuidFromText(kLocalAddressKey));
-  EXPECT_EQ(kConditionIpRemoteAddress, GuidFromText(kRemoteAddressKey));
-  EXPECT_EQ(kConditionIpDestinationAddress, GuidFromText(kDestinationAddressKey));
-  EXPECT_EQ(kConditionIpSourceAddress, GuidFromText(kSourceAddressKey));
-  EXPECT_EQ(kConditionIpLocalPort, GuidFromText(kLocalPortKey));
-  EXPECT_EQ(kConditionIpRemotePort, GuidFromText(kRemotePortKey));
+  EXPECT_EQ(kConditionAleAppId, kAppId);
+  EXPECT_EQ(kConditionIpArrivalInterface, kArrivalInterface);
+  EXPECT_EQ(kConditionIpLocalInterface, kLocalInterface);
+  EXPECT_EQ(kConditionInterfaceIndex, kInterfaceIndex);
+  EXPECT_EQ(kConditionSubInterfaceIndex, kSubInterfaceIndex);
+  EXPECT_EQ(kConditionIpProtocol, kProtocol);
+  EXPECT_EQ(kConditionIpLocalAddressType, kLocalAddressType);
+  EXPECT_EQ(kConditionFlags, kFlags);
+  EXPECT_EQ(kConditionIpLocalAddress, kLocalAddress);
+  EXPECT_EQ(kConditionIpRemoteAddress, kRemoteAddress);
+  EXPECT_EQ(kConditionIpDestinationAddress, kDestinationAddress);
+  EXPECT_EQ(kConditionIpSourceAddress, kSourceAddress);
+  EXPECT_EQ(kConditionIpLocalPort, kLocalPort);
+  EXPECT_EQ(kConditionIpRemotePort, kRemotePort);
 }
 
 }  // namespace

@@ -1,13 +1,15 @@
 #include <gmock/gmock.h>
 
+#include "catalog/Guid.h"
 #include "filtering/Filter.h"
 #include "filtering/Values.h"
+#include "support/EngineKeys.h"
 #include "unit/engine/FailsWith.h"
-#include "unit/filtering/FieldKeys.h"
-#include "unit/filtering/GuidFromText.h"
 
 namespace WfpFirewall {
 namespace {
+
+using Catalog::operator""_guid;
 
 using Filtering::Condition;
 using Filtering::ConditionType;
@@ -19,7 +21,7 @@ using Filtering::Values::Protocol;
 FWPM_FILTER0 NativePermit() {
   FWPM_FILTER0 native{};
   native.action.type = FWP_ACTION_PERMIT;
-  native.layerKey = GuidFromText("c38d57d1-05a7-4c33-904f-7fbceee60e82");
+  native.layerKey = kConnectV4;
   return native;
 }
 
@@ -47,13 +49,13 @@ TEST(FilterFromNative, LayerIsRead) {
 
 TEST(FilterFromNative, IpV6ForwardingLayerCanBeRead) {
   FWPM_FILTER0 native = NativePermit();
-  native.layerKey = GuidFromText("7b964818-19c7-493a-b71f-832c3684d28c");
+  native.layerKey = "7b964818-19c7-493a-b71f-832c3684d28c"_guid;
   EXPECT_EQ(Filter::BuildFromNative(&native).GetLayer().GetLayerType(), LayerType::IpForwardV6);
 }
 
 TEST(FilterFromNative, UnknownLayerIsRefused) {
   FWPM_FILTER0 native = NativePermit();
-  native.layerKey = GuidFromText("3b89653c-c170-49e4-b1cd-e0eeeee19a3e");
+  native.layerKey = "3b89653c-c170-49e4-b1cd-e0eeeee19a3e"_guid;
   EXPECT_THAT([&] { Filter::BuildFromNative(&native); }, FailsWith("Not supported Layer type."));
 }
 
@@ -94,10 +96,10 @@ TEST(FilterFromNative, OverrideIsReadOnlyWhenItIsTheOnlyFlag) {
 
 TEST(FilterFromNative, ConditionsAreReadInOrder) {
   FWPM_FILTER_CONDITION0 conditions[2]{};
-  conditions[0].fieldKey = GuidFromText(kProtocolKey);
+  conditions[0].fieldKey = kProtocol;
   conditions[0].conditionValue.type = FWP_UINT8;
   conditions[0].conditionValue.uint8 = 17;
-  conditions[1].fieldKey = GuidFromText(kLocalPortKey);
+  conditions[1].fieldKey = kLocalPort;
   conditions[1].matchType = FWP_MATCH_NOT_EQUAL;
   conditions[1].conditionValue.type = FWP_UINT16;
   conditions[1].conditionValue.uint16 = 67;
@@ -119,7 +121,7 @@ TEST(FilterFromNative, ConditionsAreReadInOrder) {
 
 TEST(FilterFromNative, UnknownConditionIsRefused) {
   FWPM_FILTER_CONDITION0 condition{};
-  condition.fieldKey = GuidFromText(kOriginalIcmpTypeKey);
+  condition.fieldKey = kOriginalIcmpType;
   FWPM_FILTER0 native = NativePermit();
   native.numFilterConditions = 1;
   native.filterCondition = &condition;
@@ -129,7 +131,7 @@ TEST(FilterFromNative, UnknownConditionIsRefused) {
 TEST(FilterFromNative, RangeCanBeReadButNotWrittenBack) {
   FWP_RANGE0 range{};
   FWPM_FILTER_CONDITION0 condition{};
-  condition.fieldKey = GuidFromText(kInterfaceIndexKey);
+  condition.fieldKey = kInterfaceIndex;
   condition.matchType = FWP_MATCH_RANGE;
   condition.conditionValue.type = FWP_RANGE_TYPE;
   condition.conditionValue.rangeValue = &range;
@@ -141,7 +143,7 @@ TEST(FilterFromNative, RangeCanBeReadButNotWrittenBack) {
 }
 
 TEST(FilterFromNative, OwnersAndNamesAreNotKept) {
-  GUID provider = GuidFromText("11111111-2222-3333-4444-555555555555");
+  GUID provider = "11111111-2222-3333-4444-555555555555"_guid;
   wchar_t name[] = L"someone else's";
   FWPM_FILTER0 native = NativePermit();
   native.filterKey = provider;

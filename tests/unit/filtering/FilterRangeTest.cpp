@@ -5,9 +5,8 @@
 #include "filtering/Condition.h"
 #include "filtering/Filter.h"
 #include "filtering/Values.h"
+#include "support/EngineKeys.h"
 #include "unit/engine/FailsWith.h"
-#include "unit/filtering/FieldKeys.h"
-#include "unit/filtering/GuidFromText.h"
 #include "unit/filtering/NativeForm.h"
 
 namespace WfpFirewall {
@@ -24,7 +23,7 @@ void ExpectRefused(Condition condition, const char* message) {
 
 TEST(FilterRange, ThirtyTwoBitEndsAreCopied) {
   const NativeForm native({ConditionRange(new InterfaceIndex(3), new InterfaceIndex(7))});
-  EXPECT_EQ(native.Condition().fieldKey, GuidFromText(kInterfaceIndexKey));
+  EXPECT_EQ(native.Condition().fieldKey, kInterfaceIndex);
   EXPECT_EQ(native.Condition().matchType, FWP_MATCH_RANGE);
   ASSERT_EQ(native.Condition().conditionValue.type, 258);
   const FWP_RANGE0& range = *native.Condition().conditionValue.rangeValue;
@@ -67,7 +66,7 @@ TEST(FilterRange, ApplicationEndsAreGivenByPointer) {
 
 TEST(FilterRange, LowEndDecidesTheFieldAndEachEndItsOwnType) {
   const NativeForm native({ConditionRange(new InterfaceIndex(3), new Protocol(IPPROTO_UDP))});
-  EXPECT_EQ(native.Condition().fieldKey, GuidFromText(kInterfaceIndexKey));
+  EXPECT_EQ(native.Condition().fieldKey, kInterfaceIndex);
   const FWP_RANGE0& range = *native.Condition().conditionValue.rangeValue;
   EXPECT_EQ(range.valueLow.type, FWP_UINT32);
   EXPECT_EQ(range.valueHigh.type, FWP_UINT8);

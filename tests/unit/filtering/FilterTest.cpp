@@ -5,9 +5,8 @@
 #include <optional>
 
 #include "filtering/Values.h"
+#include "support/EngineKeys.h"
 #include "unit/engine/FailsWith.h"
-#include "unit/filtering/FieldKeys.h"
-#include "unit/filtering/GuidFromText.h"
 #include "unit/filtering/NativeForm.h"
 
 namespace WfpFirewall {
@@ -75,8 +74,7 @@ TEST(FilterToNative, IpV6ForwardingLayerCannotBeWritten) {
 }
 
 TEST(FilterToNative, LayerBecomesItsKey) {
-  EXPECT_EQ(InConnectV4(Action::Block).ToNativeFilter().layerKey,
-            GuidFromText("c38d57d1-05a7-4c33-904f-7fbceee60e82"));
+  EXPECT_EQ(InConnectV4(Action::Block).ToNativeFilter().layerKey, kConnectV4);
 }
 
 TEST(FilterToNative, ActionsBecomeTheEnginesNumbers) {
@@ -195,7 +193,7 @@ TEST(FilterLifetime, NativeArrayIsSharedByCopies) {
   const Filter copy = original->filter;
   original->filter.ToNativeFilter();
   original.reset();
-  EXPECT_EQ(array[0].fieldKey, GuidFromText(kRemotePortKey));
+  EXPECT_EQ(array[0].fieldKey, kRemotePort);
   EXPECT_EQ(array[0].conditionValue.uint16, 53);
 }
 
@@ -212,7 +210,7 @@ TEST(FilterLifetime, FailedConversionKeepsThePreviousNativeArray) {
   NativeForm form({ConditionEqual(new RemotePort(53))});
   form.filter.AddCondition(ConditionEqual(new Port(1)));
   EXPECT_THROW(form.filter.ToNativeFilter(), FirewallException);
-  EXPECT_EQ(form.Condition().fieldKey, GuidFromText(kRemotePortKey));
+  EXPECT_EQ(form.Condition().fieldKey, kRemotePort);
   EXPECT_EQ(form.Condition().conditionValue.uint16, 53);
 }
 

@@ -5,9 +5,8 @@
 
 #include "filtering/Condition.h"
 #include "filtering/Values.h"
+#include "support/EngineKeys.h"
 #include "unit/engine/FailsWith.h"
-#include "unit/filtering/FieldKeys.h"
-#include "unit/filtering/GuidFromText.h"
 #include "unit/filtering/NativeForm.h"
 
 namespace WfpFirewall::Filtering {
@@ -19,35 +18,35 @@ TEST(NativeField, ClassDecidesFieldAndDataType) {
   constexpr FWP_V4_ADDR_AND_MASK kNetworkV4{};
   constexpr FWP_V6_ADDR_AND_MASK kNetworkV6{};
   struct Row {
-    BaseValue* value;  ///< the condition takes ownership
-    const char* key;
+    BaseValue* value;  ///< the condition takes it over
+    GUID key;
     int type;  ///< the number of the FWP_DATA_TYPE
   };
   const Row rows[]{
-      {new AppId(FWP_BYTE_BLOB{}), kAppIdKey, 12},
-      {new ArrivalInterfaceLuid(1), kArrivalInterfaceKey, 4},
-      {new LocalInterfaceLuid(1), kLocalInterfaceKey, 4},
-      {new InterfaceIndex(1), kInterfaceIndexKey, 3},
-      {new SubInterfaceIndex(1), kSubInterfaceIndexKey, 3},
-      {new Protocol(IPPROTO_UDP), kProtocolKey, 1},
-      {new IpLocalAddressType(NlatUnicast), kLocalAddressTypeKey, 1},
-      {new Flag(1), kFlagsKey, 3},
-      {new LoopbackFlag(), kFlagsKey, 3},
-      {new LocalIpAddressV4(1u), kLocalAddressKey, 3},
-      {new RemoteIpAddressV4(1u), kRemoteAddressKey, 3},
-      {new DestinationIpAddressV4(1u), kDestinationAddressKey, 3},
-      {new SourceIpAddressV4(1u), kSourceAddressKey, 3},
-      {new LocalIpAddressAndMaskV4(kNetworkV4), kLocalAddressKey, 256},
-      {new RemoteIpAddressAndMaskV4(kNetworkV4), kRemoteAddressKey, 256},
-      {new DestinationIpAddressAndMaskV4(kNetworkV4), kDestinationAddressKey, 256},
-      {new SourceIpAddressAndMaskV4(kNetworkV4), kSourceAddressKey, 256},
-      {new RemoteIpAddressAndMaskV6(kNetworkV6), kRemoteAddressKey, 257},
-      {new LocalPort(1), kLocalPortKey, 2},
-      {new RemotePort(1), kRemotePortKey, 2},
+      {new AppId(FWP_BYTE_BLOB{}), kAppId, 12},
+      {new ArrivalInterfaceLuid(1), kArrivalInterface, 4},
+      {new LocalInterfaceLuid(1), kLocalInterface, 4},
+      {new InterfaceIndex(1), kInterfaceIndex, 3},
+      {new SubInterfaceIndex(1), kSubInterfaceIndex, 3},
+      {new Protocol(IPPROTO_UDP), kProtocol, 1},
+      {new IpLocalAddressType(NlatUnicast), kLocalAddressType, 1},
+      {new Flag(1), kFlags, 3},
+      {new LoopbackFlag(), kFlags, 3},
+      {new LocalIpAddressV4(1u), kLocalAddress, 3},
+      {new RemoteIpAddressV4(1u), kRemoteAddress, 3},
+      {new DestinationIpAddressV4(1u), kDestinationAddress, 3},
+      {new SourceIpAddressV4(1u), kSourceAddress, 3},
+      {new LocalIpAddressAndMaskV4(kNetworkV4), kLocalAddress, 256},
+      {new RemoteIpAddressAndMaskV4(kNetworkV4), kRemoteAddress, 256},
+      {new DestinationIpAddressAndMaskV4(kNetworkV4), kDestinationAddress, 256},
+      {new SourceIpAddressAndMaskV4(kNetworkV4), kSourceAddress, 256},
+      {new RemoteIpAddressAndMaskV6(kNetworkV6), kRemoteAddress, 257},
+      {new LocalPort(1), kLocalPort, 2},
+      {new RemotePort(1), kRemotePort, 2},
   };
   for (const Row& row : rows) {
     const NativeForm native({ConditionEqual(row.value)});
-    EXPECT_EQ(native.Condition().fieldKey, GuidFromText(row.key)) << typeid(*row.value).name();
+    EXPECT_EQ(native.Condition().fieldKey, row.key) << typeid(*row.value).name();
     EXPECT_EQ(native.Condition().conditionValue.type, row.type) << typeid(*row.value).name();
   }
 }
@@ -109,7 +108,7 @@ TEST(NativeField, ClassDerivedFromAFieldsClassStandsForThatField) {
     DnsPort() : RemotePort(53) {}
   };
   const NativeForm native({ConditionEqual(new DnsPort())});
-  EXPECT_EQ(native.Condition().fieldKey, GuidFromText(kRemotePortKey));
+  EXPECT_EQ(native.Condition().fieldKey, kRemotePort);
   EXPECT_EQ(native.Condition().conditionValue.uint16, 53);
 }
 
@@ -118,10 +117,10 @@ TEST(NativeField, ClassWithTwoValuesGivesTheOneWhoseFieldItStandsFor) {
     Both() : RemotePort(53), Protocol(IPPROTO_UDP) {}
   };
   const NativeForm asPort({ConditionEqual(static_cast<RemotePort*>(new Both()))});
-  EXPECT_EQ(asPort.Condition().fieldKey, GuidFromText(kProtocolKey));
+  EXPECT_EQ(asPort.Condition().fieldKey, kProtocol);
   EXPECT_EQ(asPort.Condition().conditionValue.uint8, 17);
   const NativeForm asProtocol({ConditionEqual(static_cast<Protocol*>(new Both()))});
-  EXPECT_EQ(asProtocol.Condition().fieldKey, GuidFromText(kProtocolKey));
+  EXPECT_EQ(asProtocol.Condition().fieldKey, kProtocol);
   EXPECT_EQ(asProtocol.Condition().conditionValue.uint8, 17);
 }
 

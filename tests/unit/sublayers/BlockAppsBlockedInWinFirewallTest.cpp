@@ -19,7 +19,7 @@ class BlockAppsBlockedInWinFirewallTest : public RuleSetFixture {
  protected:
   void SetUp() override {
     RuleSetFixture::SetUp();
-    Identities().firewallCopy = {kKey, L"Copy", L"Repeats application blocks"};
+    Identities().firewallCopy = {kFirewallCopyKey, L"Copy", L"Repeats application blocks"};
   }
 
   void TearDown() override {
@@ -31,7 +31,7 @@ class BlockAppsBlockedInWinFirewallTest : public RuleSetFixture {
   static std::vector<std::string> InstalledCopies() {
     std::vector<std::string> texts;
     for (const auto& filter : InstallAndLook(BlockAppsBlockedInWinFirewall()).filters) {
-      if (filter.subLayerKey == kKey) {
+      if (filter.subLayerKey == kFirewallCopyKey) {
         texts.push_back(filter.text);
       }
     }
@@ -92,7 +92,7 @@ TEST_F(BlockAppsBlockedInWinFirewallTest, CannotBeMadeWithoutASession) {
 TEST_F(BlockAppsBlockedInWinFirewallTest, HasTheIdentityOfInitializeAndNoWeightOfItsOwn) {
   const auto sublayers = InstallAndLook(BlockAppsBlockedInWinFirewall()).sublayers;
   ASSERT_THAT(sublayers, SizeIs(1));
-  EXPECT_EQ(sublayers[0].key, kKey);
+  EXPECT_EQ(sublayers[0].key, kFirewallCopyKey);
   EXPECT_EQ(sublayers[0].name, L"Copy");
   EXPECT_EQ(sublayers[0].description, L"Repeats application blocks");
   EXPECT_EQ(sublayers[0].weight, 0);

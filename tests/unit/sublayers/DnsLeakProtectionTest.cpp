@@ -78,7 +78,7 @@ class DnsLeakProtectionTest : public RuleSetFixture {
   }
 
   static DnsLeakProtection Make(std::vector<UINT64> luids) {
-    return {kKey, L"DNS", L"Keeps name look-ups inside the tunnel", std::move(luids), L"C:\\dns.exe"};
+    return {kDnsLeakKey, L"DNS", L"Keeps name look-ups inside the tunnel", std::move(luids), L"C:\\dns.exe"};
   }
 };
 
@@ -116,7 +116,7 @@ TEST_F(DnsLeakProtectionTest, TreatsAllProtocolsAlikeAndOverridesNothing) {
 
 TEST_F(DnsLeakProtectionTest, CannotBeMadeForAnAppWithoutAFile) {
   const auto make = [] {
-    DnsLeakProtection(kKey, L"DNS", L"", {kTunnel}, L"C:\\windows\\no such program.exe");
+    DnsLeakProtection(kDnsLeakKey, L"DNS", L"", {kTunnel}, L"C:\\windows\\no such program.exe");
   };
   EXPECT_THAT(make, testing::ThrowsMessage<FirewallException>("Failed to retrieve app blob"));
 }
@@ -130,7 +130,7 @@ TEST_F(DnsLeakProtectionTest, GivesBackTheIdentifiersOfAFailedConstruction) {
 TEST_F(DnsLeakProtectionTest, SublayerHasTheIdentityGivenAndNoWeightOfItsOwn) {
   const auto sublayers = InstallAndLook(Make({kTunnel})).sublayers;
   ASSERT_THAT(sublayers, SizeIs(1));
-  EXPECT_EQ(sublayers[0].key, kKey);
+  EXPECT_EQ(sublayers[0].key, kDnsLeakKey);
   EXPECT_EQ(sublayers[0].name, L"DNS");
   EXPECT_EQ(sublayers[0].description, L"Keeps name look-ups inside the tunnel");
   EXPECT_EQ(sublayers[0].weight, 0);

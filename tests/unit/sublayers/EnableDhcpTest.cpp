@@ -23,7 +23,7 @@ ALE_FLOW_ESTABLISHED_V6 | PERMIT | UINT8 14 | - | IP_PROTOCOL EQUAL UINT8 17 & I
 
 class EnableDhcpTest : public RuleSetFixture {
  protected:
-  EnableDhcp dhcp_{kKey, L"DHCP", L"Lets address configuration through"};
+  EnableDhcp dhcp_{kDhcpKey, L"DHCP", L"Lets address configuration through"};
 };
 
 TEST_F(EnableDhcpTest, InstallsExactlyItsTable) { EXPECT_TRUE(Installs(dhcp_, kTable)); }
@@ -40,7 +40,7 @@ TEST_F(EnableDhcpTest, HoldsSixPermitsOfThreeConditions) {
 TEST_F(EnableDhcpTest, SublayerHasTheIdentityGivenAndNoWeightOfItsOwn) {
   const auto sublayers = InstallAndLook(dhcp_).sublayers;
   ASSERT_THAT(sublayers, SizeIs(1));
-  EXPECT_EQ(sublayers[0].key, kKey);
+  EXPECT_EQ(sublayers[0].key, kDhcpKey);
   EXPECT_EQ(sublayers[0].name, L"DHCP");
   EXPECT_EQ(sublayers[0].description, L"Lets address configuration through");
   EXPECT_EQ(sublayers[0].weight, 0);

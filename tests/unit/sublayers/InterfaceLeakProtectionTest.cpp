@@ -25,8 +25,13 @@ class InterfaceLeakProtectionTest : public RuleSetFixture {
  protected:
   static InterfaceLeakProtection Make(std::vector<UINT64> luids, const UINT32* addresses, std::size_t count,
                                       const char* server = "198.51.100.7") {
-    return {kKey,      L"Interface", L"Keeps traffic on the tunnel", std::move(luids), IpV4Address(server),
-            addresses, count};
+    return {kInterfaceLeakKey,
+            L"Interface",
+            L"Keeps traffic on the tunnel",
+            std::move(luids),
+            IpV4Address(server),
+            addresses,
+            count};
   }
   static InterfaceLeakProtection Make(std::vector<UINT64> luids) {
     return Make(std::move(luids), nullptr, 0);
@@ -109,7 +114,7 @@ TEST_F(InterfaceLeakProtectionTest, RanksTheBlockBelowThePermitsOnIpV4AndLevelOn
 TEST_F(InterfaceLeakProtectionTest, SublayerHasTheIdentityGivenAndNoWeightOfItsOwn) {
   const auto sublayers = InstallAndLook(Make({kTunnel})).sublayers;
   ASSERT_THAT(sublayers, SizeIs(1));
-  EXPECT_EQ(sublayers[0].key, kKey);
+  EXPECT_EQ(sublayers[0].key, kInterfaceLeakKey);
   EXPECT_EQ(sublayers[0].name, L"Interface");
   EXPECT_EQ(sublayers[0].description, L"Keeps traffic on the tunnel");
   EXPECT_EQ(sublayers[0].weight, 0);

@@ -74,7 +74,7 @@ ALE_AUTH_RECV_ACCEPT_V6 | PERMIT | UINT8 14 | - | IP_REMOTE_ADDRESS EQUAL V6_ADD
 
 class KillSwitchFilteredByInterfaceTest : public RuleSetFixture {
  protected:
-  KillSwitch source_{kKey, L"Kill switch", L"Cuts the machine off"};
+  KillSwitch source_{kKillSwitchKey, L"Kill switch", L"Cuts the machine off"};
 };
 
 TEST_F(KillSwitchFilteredByInterfaceTest, InstallsTheKillSwitchWithOneConditionPerInterface) {
@@ -114,7 +114,7 @@ TEST_F(KillSwitchFilteredByInterfaceTest, LaterChangesToTheSourceDoNotReachIt) {
 }
 
 TEST_F(KillSwitchFilteredByInterfaceTest, HasTheKeyOfTheSource) {
-  EXPECT_EQ(KillSwitchFilteredByInterface(source_, {kTunnel}).GetGuid(), kKey);
+  EXPECT_EQ(KillSwitchFilteredByInterface(source_, {kTunnel}).GetGuid(), kKillSwitchKey);
 }
 
 TEST_F(KillSwitchFilteredByInterfaceTest, HasNameDescriptionAndWeightOfTheSource) {

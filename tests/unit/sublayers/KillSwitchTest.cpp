@@ -14,7 +14,7 @@ using testing::StartsWith;
 
 class KillSwitchTest : public RuleSetFixture {
  protected:
-  static KillSwitch Make() { return {kKey, L"Kill switch", L"Cuts the machine off"}; }
+  static KillSwitch Make() { return {kKillSwitchKey, L"Kill switch", L"Cuts the machine off"}; }
 };
 
 TEST_F(KillSwitchTest, InstallsExactlyItsTable) { EXPECT_TRUE(Installs(Make(), kKillSwitchTable)); }
@@ -75,7 +75,7 @@ TEST_F(KillSwitchTest, TwoBuiltAlikeHoldEqualFilters) {
 TEST_F(KillSwitchTest, SublayerHasTheIdentityGivenAndNoWeightOfItsOwn) {
   const auto sublayers = InstallAndLook(Make()).sublayers;
   ASSERT_THAT(sublayers, SizeIs(1));
-  EXPECT_EQ(sublayers[0].key, kKey);
+  EXPECT_EQ(sublayers[0].key, kKillSwitchKey);
   EXPECT_EQ(sublayers[0].name, L"Kill switch");
   EXPECT_EQ(sublayers[0].description, L"Cuts the machine off");
   EXPECT_EQ(sublayers[0].weight, 0);

@@ -48,7 +48,7 @@ class KillSwitchWithWhitelistedAppsTest : public RuleSetFixture {
 
   static std::size_t BlocksNotGivenBack() { return EngineEmulator::CountOutstanding().memoryBlocks; }
 
-  KillSwitch source_{kKey, L"Kill switch", L"Cuts the machine off"};
+  KillSwitch source_{kKillSwitchKey, L"Kill switch", L"Cuts the machine off"};
 };
 
 TEST_F(KillSwitchWithWhitelistedAppsTest, InstallsTheKillSwitchThenItsPermits) {
@@ -116,7 +116,7 @@ TEST_F(KillSwitchWithWhitelistedAppsTest, IdentifiersLiveAsLongAsACopyOfTheFilte
 }
 
 TEST_F(KillSwitchWithWhitelistedAppsTest, HasTheKeyOfTheSource) {
-  EXPECT_EQ(KillSwitchWithWhitelistedApps(source_, {kBrowser}).GetGuid(), kKey);
+  EXPECT_EQ(KillSwitchWithWhitelistedApps(source_, {kBrowser}).GetGuid(), kKillSwitchKey);
 }
 
 TEST_F(KillSwitchWithWhitelistedAppsTest, HasNameDescriptionAndWeightOfTheSource) {

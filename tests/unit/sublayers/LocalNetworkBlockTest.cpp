@@ -39,7 +39,7 @@ ALE_FLOW_ESTABLISHED_V6 | BLOCK | UINT8 14 | - | IP_REMOTE_PORT NOT_EQUAL UINT16
 
 class LocalNetworkBlockTest : public RuleSetFixture {
  protected:
-  LocalNetworkBlock block_{kKey, L"Local networks", L"Cuts the machine off its local networks"};
+  LocalNetworkBlock block_{kLocalNetworkKey, L"Local networks", L"Cuts the machine off its local networks"};
 };
 
 TEST_F(LocalNetworkBlockTest, InstallsExactlyItsTable) { EXPECT_TRUE(Installs(block_, kTable)); }
@@ -77,7 +77,7 @@ TEST_F(LocalNetworkBlockTest, LeavesTheDecisionOpenToOtherSublayers) {
 TEST_F(LocalNetworkBlockTest, SublayerHasTheIdentityGivenAndNoWeightOfItsOwn) {
   const auto sublayers = InstallAndLook(block_).sublayers;
   ASSERT_THAT(sublayers, SizeIs(1));
-  EXPECT_EQ(sublayers[0].key, kKey);
+  EXPECT_EQ(sublayers[0].key, kLocalNetworkKey);
   EXPECT_EQ(sublayers[0].name, L"Local networks");
   EXPECT_EQ(sublayers[0].description, L"Cuts the machine off its local networks");
   EXPECT_EQ(sublayers[0].weight, 0);

@@ -10,6 +10,7 @@
 #include "emulator/Control.h"
 #include "engine/Firewall.h"
 #include "support/EngineTest.h"
+#include "support/RuleSetKeys.h"
 
 /// The lines of a table of filters. Empty lines only separate groups.
 inline std::vector<std::string> Lines(const std::string& table) {
@@ -24,12 +25,10 @@ inline std::vector<std::string> Lines(const std::string& table) {
 /// Installs rule sets and reads what reaches the engine.
 class RuleSetFixture : public EngineTest {
  protected:
-  static constexpr GUID kKey{0x20000000, 0x0002, 0x4002, {0x80, 0, 0, 0, 0, 0, 0, 2}};
-
   /// Applies a rule set and gives the content of the engine.
   static EngineEmulator::Snapshot InstallAndLook(WfpFirewall::Sublayer ruleSet) {
-    WfpFirewall::Firewall firewall(WfpFirewall::Provider({0x10000000, 1, 0x4001, {}}, L"CorvaneService",
-                                                         L"Corvane", L"Corvane firewall"));
+    WfpFirewall::Firewall firewall(
+        WfpFirewall::Provider(kProviderKey, L"CorvaneService", L"Corvane", L"Corvane firewall"));
     firewall.AddSublayer(ruleSet).Apply();
     return EngineEmulator::TakeSnapshot();
   }

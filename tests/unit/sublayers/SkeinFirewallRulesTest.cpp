@@ -33,7 +33,7 @@ ALE_AUTH_RECV_ACCEPT_V4 | PERMIT | UINT8 15 | CLEAR_ACTION_RIGHT | IP_LOCAL_INTE
 class SkeinFirewallRulesTest : public RuleSetFixture {
  protected:
   static SkeinFirewallRules Rules(const std::vector<UINT64>& luids, const UINT32* peers, std::size_t count) {
-    return {kKey, L"Skein", L"Guards the peer network", luids, peers, count};
+    return {kSkeinKey, L"Skein", L"Guards the peer network", luids, peers, count};
   }
 };
 
@@ -102,7 +102,7 @@ TEST_F(SkeinFirewallRulesTest, PutsManyPeersIntoOneFilterAnInterface) {
 TEST_F(SkeinFirewallRulesTest, SublayerHasTheIdentityGivenAndNoWeightOfItsOwn) {
   const auto sublayers = InstallAndLook(Rules({kTunnel}, kPeers, 1)).sublayers;
   ASSERT_THAT(sublayers, SizeIs(1));
-  EXPECT_EQ(sublayers[0].key, kKey);
+  EXPECT_EQ(sublayers[0].key, kSkeinKey);
   EXPECT_EQ(sublayers[0].name, L"Skein");
   EXPECT_EQ(sublayers[0].description, L"Guards the peer network");
   EXPECT_EQ(sublayers[0].weight, 0);
