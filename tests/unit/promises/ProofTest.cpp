@@ -187,15 +187,6 @@ TEST_F(ProofTest, TheCounterexampleBreaksThePromise) {
   }
 }
 
-TEST_F(ProofTest, KillSwitch) {
-  Install(KillSwitchOnly());
-  EXPECT_THAT(
-      StatesOf(KillSwitchOnly()),
-      ElementsAre("kill-switch-closes-outbound: holds", "kill-switch-closes-inbound: holds",
-                  "kill-switch-no-look-ups: holds", "kill-switch-loopback: holds with loopback-bits = alone",
-                  "kill-switch-local-network: holds with unset-fields = match"));
-}
-
 TEST_F(ProofTest, KillSwitchWithOneExemptInterface) {
   Features features = KillSwitchOnly();
   features.killSwitch->interfaces = {5};
@@ -241,36 +232,6 @@ TEST_F(ProofTest, WhatOtherFeaturesBlockIsNoBreachOfTheExemption) {
   EXPECT_THAT(StatesOf(features), Contains("kill-switch-exempt: holds"));
 }
 
-TEST_F(ProofTest, KillSwitchWithDhcp) {
-  Features features = KillSwitchOnly();
-  features.dhcp = true;
-  Install(features);
-  EXPECT_THAT(
-      StatesOf(features),
-      ElementsAre("kill-switch-closes-outbound: holds", "kill-switch-closes-inbound: holds",
-                  "kill-switch-no-look-ups: holds", "kill-switch-loopback: holds with loopback-bits = alone",
-                  "kill-switch-local-network: holds with unset-fields = match", "dhcp-client: broken"));
-}
-
-TEST_F(ProofTest, LocalNetworkBlock) {
-  Features features;
-  features.localNetworkBlock = true;
-  Install(features);
-  EXPECT_THAT(StatesOf(features),
-              ElementsAre("local-network-closed: holds with unset-fields = match",
-                          "local-network-loopback: broken", "local-network-look-ups: holds"));
-}
-
-TEST_F(ProofTest, LeakProtection) {
-  Install(LeakProtectionOnly());
-  EXPECT_THAT(
-      StatesOf(LeakProtectionOnly()),
-      ElementsAre("leak-no-look-ups: holds", "leak-name-application: broken",
-                  "leak-closes: holds with unset-fields = match", "leak-tunnel-open: holds",
-                  "leak-permitted-addresses: holds", "leak-server: holds", "leak-local-network: holds",
-                  "leak-loopback: broken", "leak-blocked-applications: holds"));
-}
-
 TEST_F(ProofTest, LeakProtectionOfTwoInterfaces) {
   Features features = LeakProtectionOnly();
   features.leakProtection->interfaces = {7, 8};
@@ -296,11 +257,6 @@ TEST_F(ProofTest, LeakProtectionOfNoInterface) {
       ElementsAre("leak-no-look-ups: holds", "leak-name-application: holds", "leak-closes: broken",
                   "leak-tunnel-open: holds", "leak-permitted-addresses: holds", "leak-server: holds",
                   "leak-local-network: holds", "leak-loopback: broken", "leak-blocked-applications: holds"));
-}
-
-TEST_F(ProofTest, Skein) {
-  Install(SkeinOnly());
-  EXPECT_THAT(StatesOf(SkeinOnly()), ElementsAre("skein-peers: holds", "skein-closed: holds"));
 }
 
 }  // namespace

@@ -12,9 +12,7 @@ namespace WfpFirewall::Sublayers {
 namespace {
 
 using testing::Contains;
-using testing::HasSubstr;
 using testing::IsEmpty;
-using testing::Not;
 using testing::SizeIs;
 
 constexpr UINT64 kTunnel = 1689399632855040;
@@ -91,16 +89,6 @@ TEST_F(InterfaceLeakProtectionTest, KeepsAllSixtyFourBitsOfALuid) {
   EXPECT_EQ(Install(Make({0xFFFFFFFFFFFFFFFF})).at(9),
             "ALE_AUTH_CONNECT_V4 | BLOCK | UINT8 13 | - | IP_LOCAL_INTERFACE NOT_EQUAL UINT64 "
             "18446744073709551615");
-}
-
-TEST_F(InterfaceLeakProtectionTest, OverridesOtherSublayersWithItsPermitsOnly) {
-  for (const std::string& filter : Install(MakeWithAddresses({kTunnel}))) {
-    if (filter.find("| BLOCK |") == std::string::npos) {
-      EXPECT_THAT(filter, HasSubstr("| CLEAR_ACTION_RIGHT |"));
-    } else {
-      EXPECT_THAT(filter, Not(HasSubstr("CLEAR_ACTION_RIGHT")));
-    }
-  }
 }
 
 TEST_F(InterfaceLeakProtectionTest, RanksTheBlockBelowThePermitsOnIpV4AndLevelOnIpV6) {
