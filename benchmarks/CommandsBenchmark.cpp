@@ -74,7 +74,7 @@ Floor SkeinFloor(const std::vector<std::uint32_t>& peers) {
   return {kSkein, Sublayers::SkeinFirewallRules(kSkein, kText, kText, {kLuid}, peers.data(), peers.size())};
 }
 
-template <typename Work>
+template <class Work>
 void Measure(benchmark::State& state, std::size_t filters, const Work& work) {
   const Counters counters(state, static_cast<std::int64_t>(filters));
   for (auto _ : state) {
@@ -90,7 +90,7 @@ void MeasureFloor(benchmark::State& state, Floor floor) {
 }
 
 /// @param confirmOthers looks up the rule sets that stay, as the library does when it installs.
-template <typename ConfirmOthers>
+template <class ConfirmOthers>
 void MeasureReplacingFloor(benchmark::State& state, Floor floor, const ConfirmOthers& confirmOthers) {
   floor.Install(nullptr);
   Measure(state, floor.FilterCount(), [&] {

@@ -42,7 +42,7 @@ class FilledEngine {
     return id;
   }
 
-  HANDLE Session() const { return session_; }
+  [[nodiscard]] HANDLE Session() const { return session_; }
 
  private:
   HANDLE session_ = nullptr;

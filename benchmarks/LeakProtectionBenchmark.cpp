@@ -57,7 +57,7 @@ void Prepare(std::int64_t interfaces) {
 }
 
 /// Measures `work`, without `setUp`, which runs before each iteration.
-template <typename SetUp, typename Work>
+template <class SetUp, class Work>
 void Measure(benchmark::State& state, std::int64_t filters, std::int64_t conditions, const SetUp& setUp,
              const Work& work) {
   std::size_t peak = 0;

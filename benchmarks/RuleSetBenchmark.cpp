@@ -28,7 +28,7 @@ std::vector<UINT32> Peers(std::int64_t count) {
 
 Sublayers::KillSwitch MakeKillSwitch() { return {kKey, kText, kText}; }
 
-template <typename Make>
+template <class Make>
 void Build(benchmark::State& state, const Make& make) {
   const auto filters = static_cast<std::int64_t>(make().GetFilters().size());
   const Counters counters(state, filters);

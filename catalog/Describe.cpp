@@ -19,7 +19,9 @@ std::string Pointee(const Value* pointer, Format format) {
 template <class Format>
 std::string Blob(const FWP_BYTE_BLOB* blob, Format format) {
   return Pointee(blob, [format](const FWP_BYTE_BLOB& bytes) -> std::string {
-    if (bytes.data == nullptr && bytes.size != 0) return "null";
+    if (bytes.data == nullptr && bytes.size != 0) {
+      return "null";
+    }
     return format(std::span<const UINT8>(bytes.data, bytes.size));
   });
 }
@@ -32,8 +34,12 @@ std::string TokenInformation(const FWP_TOKEN_INFORMATION& token) {
 
 std::string Number32(const GUID& fieldKey, UINT32 number) {
   const Field* field = FindField(fieldKey);
-  if (field != nullptr && field->type == FWPM_FIELD_IP_ADDRESS) return FormatIpV4(number);
-  if (field != nullptr && field->type == FWPM_FIELD_FLAGS) return FormatHex(number);
+  if (field != nullptr && field->type == FWPM_FIELD_IP_ADDRESS) {
+    return FormatIpV4(number);
+  }
+  if (field != nullptr && field->type == FWPM_FIELD_FLAGS) {
+    return FormatHex(number);
+  }
   return FormatNumber(number);
 }
 
@@ -99,8 +105,12 @@ std::string Network(const FWP_V6_ADDR_AND_MASK& network) {
 }
 
 std::string Conditions(const FWPM_FILTER0& filter) {
-  if (filter.numFilterConditions == 0) return "-";
-  if (filter.filterCondition == nullptr) return "null";
+  if (filter.numFilterConditions == 0) {
+    return "-";
+  }
+  if (filter.filterCondition == nullptr) {
+    return "null";
+  }
   std::string text;
   for (const auto& condition : std::span(filter.filterCondition, filter.numFilterConditions)) {
     text.append(text.empty() ? "" : " & ").append(DescribeCondition(condition));

@@ -103,7 +103,9 @@ constexpr auto kErrorCodes = std::to_array<ErrorCode>({
 
 std::string ErrorName(DWORD code) {
   const auto known = std::ranges::find(kErrorCodes, code, &ErrorCode::code);
-  if (known == kErrorCodes.end()) return FormatHex(code);
+  if (known == kErrorCodes.end()) {
+    return FormatHex(code);
+  }
   return std::string(known->name) + " (" + FormatHex(code) + ")";
 }
 

@@ -25,11 +25,13 @@ class FieldList {
     }
   }
 
-  constexpr std::size_t Count() const { return count_; }
+  [[nodiscard]] constexpr std::size_t Count() const { return count_; }
   constexpr const Field& operator[](std::size_t index) const { return kFields[places_[index]]; }
-  constexpr bool Has(const Field& field) const {
+  [[nodiscard]] constexpr bool Has(const Field& field) const {
     for (std::size_t i = 0; i < count_; ++i) {
-      if (&(*this)[i] == &field) return true;
+      if (&(*this)[i] == &field) {
+        return true;
+      }
     }
     return false;
   }
@@ -37,7 +39,9 @@ class FieldList {
  private:
   static consteval UINT8 PlaceOf(std::string_view name) {
     for (std::size_t i = 0; i < kFields.size(); ++i) {
-      if (kFields[i].name == name) return static_cast<UINT8>(i);
+      if (kFields[i].name == name) {
+        return static_cast<UINT8>(i);
+      }
     }
     throw "no field of this name";
   }

@@ -7,8 +7,9 @@ namespace Catalog {
 namespace {
 
 void AppendHex(std::string& text, UINT32 number, int digits) {
-  for (int shift = 4 * (digits - 1); shift >= 0; shift -= 4)
+  for (int shift = 4 * (digits - 1); shift >= 0; shift -= 4) {
     text += "0123456789abcdef"[(number >> shift) & 15];
+  }
 }
 
 /// Empty if the text is not well-formed.
@@ -38,9 +39,13 @@ std::string FormatHex(UINT32 number) {
 }
 
 std::string FormatBytes(std::span<const UINT8> bytes) {
-  if (bytes.empty()) return "empty";
+  if (bytes.empty()) {
+    return "empty";
+  }
   std::string text;
-  for (const UINT8 byte : bytes) AppendHex(text, byte, 2);
+  for (const UINT8 byte : bytes) {
+    AppendHex(text, byte, 2);
+  }
   return text;
 }
 
@@ -57,11 +62,15 @@ std::string FormatIpV6(const UINT8* address) {
 
 std::string FormatSid(const SID& sid) {
   UINT64 authority = 0;
-  for (const UINT8 byte : sid.IdentifierAuthority.Value) authority = authority << 8 | byte;
+  for (const UINT8 byte : sid.IdentifierAuthority.Value) {
+    authority = authority << 8 | byte;
+  }
   std::string text = "S-" + FormatNumber(unsigned{sid.Revision}) + '-' + FormatNumber(authority);
   const DWORD* parts = sid.SubAuthority;
   const std::size_t count = std::min<std::size_t>(sid.SubAuthorityCount, SID_MAX_SUB_AUTHORITIES);
-  for (std::size_t i = 0; i < count; ++i) text += '-' + FormatNumber(parts[i]);
+  for (std::size_t i = 0; i < count; ++i) {
+    text += '-' + FormatNumber(parts[i]);
+  }
   return text;
 }
 
@@ -77,7 +86,9 @@ std::string FormatTextOrBytes(std::span<const UINT8> bytes) {
     text += static_cast<wchar_t>(bytes[i] | bytes[i + 1] << 8);
   }
   const bool terminated = bytes.size() % 2 == 0 && text.ends_with(L'\0');
-  if (terminated) text.pop_back();
+  if (terminated) {
+    text.pop_back();
+  }
   const std::string utf8 = terminated ? Printable(text) : std::string();
   return utf8.empty() ? FormatBytes(bytes) : utf8;
 }

@@ -18,7 +18,9 @@ constexpr UINT32 ParseHex(std::string_view digits) {
   UINT32 number = 0;
   for (const char digit : digits) {
     const std::size_t value = std::string_view("0123456789abcdef").find(digit);
-    if (value == std::string_view::npos) throw "not a lower-case hexadecimal digit";
+    if (value == std::string_view::npos) {
+      throw "not a lower-case hexadecimal digit";
+    }
     number = number * 16 + static_cast<UINT32>(value);
   }
   return number;
@@ -43,9 +45,15 @@ consteval GUID operator""_guid(const char* characters, std::size_t length) {
 
 /// A strict order of keys, that of their texts.
 constexpr bool Precedes(const GUID& left, const GUID& right) {
-  if (left.Data1 != right.Data1) return left.Data1 < right.Data1;
-  if (left.Data2 != right.Data2) return left.Data2 < right.Data2;
-  if (left.Data3 != right.Data3) return left.Data3 < right.Data3;
+  if (left.Data1 != right.Data1) {
+    return left.Data1 < right.Data1;
+  }
+  if (left.Data2 != right.Data2) {
+    return left.Data2 < right.Data2;
+  }
+  if (left.Data3 != right.Data3) {
+    return left.Data3 < right.Data3;
+  }
   return std::ranges::lexicographical_compare(left.Data4, right.Data4);
 }
 

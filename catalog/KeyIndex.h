@@ -18,12 +18,14 @@ template <class Entry, std::size_t kCount>
 class KeyIndex {
  public:
   constexpr explicit KeyIndex(const std::array<Entry, kCount>& table) {
-    for (std::size_t i = 0; i < kCount; ++i) sorted_[i] = &table[i];
+    for (std::size_t i = 0; i < kCount; ++i) {
+      sorted_[i] = &table[i];
+    }
     std::ranges::sort(sorted_, Precedes, KeyOf);
   }
 
   /// The entry with a key; null if there is none.
-  const Entry* Find(const GUID& key) const {
+  [[nodiscard]] const Entry* Find(const GUID& key) const {
     const auto found = std::ranges::lower_bound(sorted_, key, Precedes, KeyOf);
     return found != sorted_.end() && (*found)->key == key ? *found : nullptr;
   }

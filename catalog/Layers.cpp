@@ -304,7 +304,7 @@ class LayerTable {
     }
   }
 
-  std::span<const Layer> Layers() const { return layers_; }
+  [[nodiscard]] std::span<const Layer> Layers() const { return layers_; }
 
  private:
   std::vector<std::vector<LayerField>> fields_;

@@ -26,9 +26,10 @@ inline constexpr WindowsVersion kNewestWindows = WindowsVersion::Windows24H2;
 constexpr WindowsVersion VersionOfBuild(UINT32 build) {
   constexpr UINT32 kWindows11Build = 22000;
   constexpr UINT32 kWindows24H2Build = 26100;
-  return build >= kWindows24H2Build ? WindowsVersion::Windows24H2
-         : build >= kWindows11Build ? WindowsVersion::Windows11
-                                    : WindowsVersion::Windows10;
+  if (build >= kWindows24H2Build) {
+    return WindowsVersion::Windows24H2;
+  }
+  return build >= kWindows11Build ? WindowsVersion::Windows11 : WindowsVersion::Windows10;
 }
 
 /// "Windows 10", "Windows 11 before 24H2", "Windows 11 24H2".

@@ -42,13 +42,15 @@ class Engine {
   void ExpireTransactions();
 
   /// Whether no other session has a transaction that changes something.
-  bool MayWrite(const Session& session) const { return writer_ == nullptr || writer_ == session.handle; }
-  UINT32 LockWaitMilliseconds(const Session& session) const;
+  [[nodiscard]] bool MayWrite(const Session& session) const {
+    return writer_ == nullptr || writer_ == session.handle;
+  }
+  [[nodiscard]] UINT32 LockWaitMilliseconds(const Session& session) const;
 
   /// The objects that a session sees: the committed ones, with its own changes.
-  const ObjectStore& ObjectsOf(const Session& session) const;
+  [[nodiscard]] const ObjectStore& ObjectsOf(const Session& session) const;
   /// The committed objects with the changes of the open transaction, of whichever session that is.
-  const ObjectStore& NewestObjects() const;
+  [[nodiscard]] const ObjectStore& NewestObjects() const;
 
   // For each of these MayWrite(session) must hold.
 
@@ -64,9 +66,9 @@ class Engine {
   DWORD SetSecurity(Session& session, const GUID& key, const SecurityDescriptor& security);
 
   HANDLE NewHandle();
-  const std::unordered_map<HANDLE, Session>& Sessions() const { return sessions_; }
+  [[nodiscard]] const std::unordered_map<HANDLE, Session>& Sessions() const { return sessions_; }
 
-  const Switches& GetSwitches() const { return switches_; }
+  [[nodiscard]] const Switches& GetSwitches() const { return switches_; }
   void SetSwitches(const Switches& switches);
   std::mt19937_64& Random() { return random_; }
 
@@ -82,7 +84,7 @@ class Engine {
 
  private:
   DWORD Refuse(const Refusal& refusal);
-  Refusal CheckDeletion(const Session& session, const Origin& origin) const;
+  [[nodiscard]] Refusal CheckDeletion(const Session& session, const Origin& origin) const;
   /// Null in a transaction that only reads.
   ObjectStore* OpenForChange(Session& session);
   template <class Native>

@@ -38,10 +38,10 @@ class EngineMemory {
     return true;
   }
 
-  std::size_t Count() const { return blocks_.size(); }
+  [[nodiscard]] std::size_t Count() const { return blocks_.size(); }
 
   /// The calls whose blocks have not come back, oldest first.
-  std::vector<std::string> Functions() const {
+  [[nodiscard]] std::vector<std::string> Functions() const {
     std::vector<std::string> functions;
     for (const auto& [number, block] : blocks_) {
       functions.emplace_back(block.function);

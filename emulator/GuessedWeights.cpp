@@ -54,7 +54,17 @@ Narrowness OfRange(const FWP_RANGE0& range) {
 }
 
 Narrowness OfPrefix(UINT32 length, UINT32 longest) {
-  return length == 0 ? Narrowness::Everything : length < longest ? Narrowness::Range : Narrowness::Exact;
+  if (length == 0) {
+    return Narrowness::Everything;
+  }
+  return length < longest ? Narrowness::Range : Narrowness::Exact;
+}
+
+Narrowness OfMask(UINT32 mask) {
+  if (mask == 0) {
+    return Narrowness::Everything;
+  }
+  return mask == 0xFFFFFFFF ? Narrowness::Exact : Narrowness::Range;
 }
 
 Narrowness OfCondition(const FWPM_FILTER_CONDITION0& condition) {
@@ -63,9 +73,7 @@ Narrowness OfCondition(const FWPM_FILTER_CONDITION0& condition) {
     case FWP_RANGE_TYPE:
       return OfRange(*value.rangeValue);
     case FWP_V4_ADDR_MASK:
-      return value.v4AddrMask->mask == 0            ? Narrowness::Everything
-             : value.v4AddrMask->mask == 0xFFFFFFFF ? Narrowness::Exact
-                                                    : Narrowness::Range;
+      return OfMask(value.v4AddrMask->mask);
     case FWP_V6_ADDR_MASK:
       return OfPrefix(value.v6AddrMask->prefixLength, 128);
     default:

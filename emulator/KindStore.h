@@ -31,8 +31,8 @@ struct Object {
   UINT64 number;  ///< Rises in the order of adding, never used again. The id of a filter, callout or layer.
   std::shared_ptr<const SecurityDescriptor> security;  ///< null for the default
 
-  const Native& Record() const { return *block.root; }
-  const GUID& Key() const { return Record().*Kind<Native>::kKey; }
+  [[nodiscard]] const Native& Record() const { return *block.root; }
+  [[nodiscard]] const GUID& Key() const { return Record().*Kind<Native>::kKey; }
 };
 
 template <class Native>
@@ -57,18 +57,24 @@ class KindStore {
   explicit KindStore(const KindStore* base) : base_(base), count_(base->count_) {}
 
   /// Null when there is none.
-  ObjectPtr<Native> Find(const GUID& key) const {
+  [[nodiscard]] ObjectPtr<Native> Find(const GUID& key) const {
     const auto found = byKey_.find(key);
-    return found != byKey_.end() ? found->second : base_ != nullptr ? base_->Find(key) : nullptr;
+    if (found != byKey_.end()) {
+      return found->second;
+    }
+    return base_ != nullptr ? base_->Find(key) : nullptr;
   }
 
   /// Null when there is none.
-  ObjectPtr<Native> Find(UINT64 number) const {
+  [[nodiscard]] ObjectPtr<Native> Find(UINT64 number) const {
     const auto found = byNumber_.find(number);
-    return found != byNumber_.end() ? found->second : base_ != nullptr ? base_->Find(number) : nullptr;
+    if (found != byNumber_.end()) {
+      return found->second;
+    }
+    return base_ != nullptr ? base_->Find(number) : nullptr;
   }
 
-  std::size_t Count() const { return count_; }
+  [[nodiscard]] std::size_t Count() const { return count_; }
 
   /// Takes the place of an object with the same number, if there is one.
   void Insert(const ObjectPtr<Native>& object) {
@@ -102,7 +108,7 @@ class KindStore {
   }
 
   /// In the order of adding.
-  std::vector<ObjectPtr<Native>> All() const {
+  [[nodiscard]] std::vector<ObjectPtr<Native>> All() const {
     std::map<UINT64, ObjectPtr<Native>> merged;
     if (base_ != nullptr) {
       merged = base_->byNumber_;

@@ -20,7 +20,7 @@ class ObjectStore {
   explicit ObjectStore(const ObjectStore* base) : base_(base), stores_(Over(base->stores_)) {}
 
   template <class Native>
-  const KindStore<Native>& OfKind() const {
+  [[nodiscard]] const KindStore<Native>& OfKind() const {
     return std::get<KindStore<Native>>(stores_);
   }
 
@@ -47,7 +47,7 @@ class ObjectStore {
 
   /// How many objects refer to the one of this kind with this key.
   template <class Native>
-  int CountReferrers(const GUID& key) const {
+  [[nodiscard]] int CountReferrers(const GUID& key) const {
     const auto& counts = std::get<ReferencesTo<Native>>(references_).counts;
     const auto found = counts.find(key);
     return (found == counts.end() ? 0 : found->second) +

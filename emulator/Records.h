@@ -31,7 +31,7 @@ class Packer {
   }
 
   /// Bytes used so far.
-  std::size_t Size() const { return size_; }
+  [[nodiscard]] std::size_t Size() const { return size_; }
 
  private:
   void* CopyBytes(const void* source, std::size_t size);

@@ -19,8 +19,8 @@ class [[nodiscard]] Refusal {
   Refusal(HRESULT code, std::string reason) : code_(static_cast<DWORD>(code)), reason_(std::move(reason)) {}
 
   explicit operator bool() const { return code_ != ERROR_SUCCESS; }
-  DWORD Code() const { return code_; }
-  const std::string& Reason() const { return reason_; }
+  [[nodiscard]] DWORD Code() const { return code_; }
+  [[nodiscard]] const std::string& Reason() const { return reason_; }
 
  private:
   DWORD code_ = ERROR_SUCCESS;

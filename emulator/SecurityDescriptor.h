@@ -35,7 +35,7 @@ class SecurityDescriptor {
            const ACL* sacl);
 
   /// A self-relative descriptor of the parts that the information names, in a block of bytes.
-  Block<UINT8> Pack(SECURITY_INFORMATION information) const;
+  [[nodiscard]] Block<UINT8> Pack(SECURITY_INFORMATION information) const;
 
  private:
   /// In the order of SECURITY_INFORMATION's bits: owner, group, DACL, SACL.

@@ -65,8 +65,8 @@ struct Session {
       subscriptions;
   std::map<HANDLE, Block<FWPM_NET_EVENT_SUBSCRIPTION0>> netEventSubscriptions;
 
-  const GUID& Key() const { return record.root->sessionKey; }
-  bool IsDynamic() const { return (record.root->flags & FWPM_SESSION_FLAG_DYNAMIC) != 0; }
+  [[nodiscard]] const GUID& Key() const { return record.root->sessionKey; }
+  [[nodiscard]] bool IsDynamic() const { return (record.root->flags & FWPM_SESSION_FLAG_DYNAMIC) != 0; }
 
   template <class Native>
   Enumerations<Native>& EnumerationsOf() {
@@ -78,16 +78,16 @@ struct Session {
     return std::get<Subscriptions<Native>>(subscriptions);
   }
   template <class Native>
-  const Subscriptions<Native>& SubscriptionsTo() const {
+  [[nodiscard]] const Subscriptions<Native>& SubscriptionsTo() const {
     return std::get<Subscriptions<Native>>(subscriptions);
   }
 
-  std::size_t CountEnumerations() const {
+  [[nodiscard]] std::size_t CountEnumerations() const {
     const auto count = [](const auto&... kinds) { return (kinds.size() + ...); };
     return std::apply(count, enumerations) + netEventEnumerations.size();
   }
 
-  std::size_t CountSubscriptions() const {
+  [[nodiscard]] std::size_t CountSubscriptions() const {
     const auto count = [](const auto&... kinds) { return (kinds.size() + ...); };
     return std::apply(count, subscriptions) + netEventSubscriptions.size();
   }

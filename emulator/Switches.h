@@ -58,7 +58,7 @@ struct Switches {
   /// Matches whose weight nobody has seen count as one exact value; else by the values that they leave.
   UINT32 weighUnobservedAsExact = 0;
 
-  Catalog::WindowsVersion Version() const { return Catalog::VersionOfBuild(windowsBuild); }
+  [[nodiscard]] Catalog::WindowsVersion Version() const { return Catalog::VersionOfBuild(windowsBuild); }
 };
 
 /// Refuses nothing but what the documentation says is refused.

@@ -138,7 +138,7 @@ struct Pinned {
   unsigned conditions = 0;
   double bits = 0;
 
-  double Of(unsigned fieldBits) const {
+  [[nodiscard]] double Of(unsigned fieldBits) const {
     return conditions > 2 ? fieldBits : std::min<double>(bits, fieldBits);
   }
 };

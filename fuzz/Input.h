@@ -30,7 +30,7 @@ class Input {
  public:
   Input(const std::uint8_t* data, std::size_t size) : rest_(data, size) {}
 
-  bool IsEmpty() const { return rest_.empty(); }
+  [[nodiscard]] bool IsEmpty() const { return rest_.empty(); }
 
   /// The next `count` bytes; fewer at the end.
   std::span<const std::uint8_t> TakeBytes(std::size_t count) {

@@ -15,8 +15,9 @@ class ApplicationTable : public FieldTable {
  public:
   ApplicationTable(const StateLayout& layout, std::vector<TestGroup> groups);
 
-  std::size_t SignatureOf(const Connection& connection) const override;
-  ValueClass Collect(const std::vector<bool>& signatures, const Connection& ordinary) const override;
+  [[nodiscard]] std::size_t SignatureOf(const Connection& connection) const override;
+  [[nodiscard]] ValueClass Collect(const std::vector<bool>& signatures,
+                                   const Connection& ordinary) const override;
 
  private:
   struct Ending {
@@ -28,11 +29,11 @@ class ApplicationTable : public FieldTable {
   void AddNames();
   void AddEndings();
   void AddOthers();
-  const Ending* LongestEnding(const std::string& id) const;
+  [[nodiscard]] const Ending* LongestEnding(const std::string& id) const;
   /// An id with an ending that no name and no longer ending fits.
-  std::optional<std::string> ExampleOf(const std::string& ending) const;
+  [[nodiscard]] std::optional<std::string> ExampleOf(const std::string& ending) const;
   std::size_t InternId(const std::string& id);
-  std::size_t SignatureOfId(const std::string& id) const;
+  [[nodiscard]] std::size_t SignatureOfId(const std::string& id) const;
 
   std::map<std::string, std::size_t> names_;
   std::vector<Ending> endings_;  ///< longest first

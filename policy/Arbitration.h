@@ -47,16 +47,16 @@ class Arbitration {
 
   Arbitration(const Snapshot& snapshot, const Catalog::Layer& layer);
 
-  const Catalog::Layer& Layer() const { return *layer_; }
-  std::size_t WordCount() const { return words_; }
-  const std::vector<const Filter*>& Filters() const { return filters_; }
-  const std::vector<Slot>& Slots() const { return slots_; }
+  [[nodiscard]] const Catalog::Layer& Layer() const { return *layer_; }
+  [[nodiscard]] std::size_t WordCount() const { return words_; }
+  [[nodiscard]] const std::vector<const Filter*>& Filters() const { return filters_; }
+  [[nodiscard]] const std::vector<Slot>& Slots() const { return slots_; }
   /// Whether a callout decides in place of a filter.
   static bool IsCallout(const Filter& filter);
 
   /// The action where exactly these filters match and no assumption about their order matters; none where
   /// one does. For filters without callouts.
-  std::optional<Action> DecideSurely(const BitWord* matching) const;
+  [[nodiscard]] std::optional<Action> DecideSurely(const BitWord* matching) const;
 
   /// The actions in the worlds that read the engine's order in all possible ways.
   /// @param sure the filters that match; @param perhaps these, and those that perhaps match.
@@ -66,23 +66,24 @@ class Arbitration {
   /// One world for each way to read the order of a sublayer's filters.
   static std::vector<World> FilterOrders();
   /// The filter of a slot that decides in a world; none if none matches.
-  std::optional<std::size_t> Deciding(const Slot& slot, const BitWord* sure, World world) const;
+  [[nodiscard]] std::optional<std::size_t> Deciding(const Slot& slot, const BitWord* sure, World world) const;
   /// Whether no filter that matches comes before one of its slot in a world.
-  bool IsUndominated(std::size_t filter, const BitWord* sure, World world) const;
+  [[nodiscard]] bool IsUndominated(std::size_t filter, const BitWord* sure, World world) const;
   /// Whether two filters of a slot weigh the same in a world.
-  bool AreTied(std::size_t filter, std::size_t other, World world) const;
+  [[nodiscard]] bool AreTied(std::size_t filter, std::size_t other, World world) const;
 
-  StrengthRange RangeOf(std::size_t filter) const { return ranges_[filter]; }
-  StrengthRange Decide(const Slot& slot, const BitWord* sure, const BitWord* perhaps, World world) const;
+  [[nodiscard]] StrengthRange RangeOf(std::size_t filter) const { return ranges_[filter]; }
+  [[nodiscard]] StrengthRange Decide(const Slot& slot, const BitWord* sure, const BitWord* perhaps,
+                                     World world) const;
 
  private:
   void AddSlot(const Sublayer& sublayer, std::vector<const Filter*> filters);
   void RankSlot(const Slot& slot);
-  bool WinsTie(std::size_t filter, const Slot& slot, const BitWord* sure, World world) const;
-  std::optional<Action> Combine(const std::vector<StrengthRange>& decisions, World world) const;
-  Action Combine(const std::vector<StrengthRange>& decisions, Strength StrengthRange::*end,
-                 World world) const;
-  const BitWord* Row(const std::vector<BitWord>& rows, std::size_t filter) const {
+  [[nodiscard]] bool WinsTie(std::size_t filter, const Slot& slot, const BitWord* sure, World world) const;
+  [[nodiscard]] std::optional<Action> Combine(const std::vector<StrengthRange>& decisions, World world) const;
+  [[nodiscard]] Action Combine(const std::vector<StrengthRange>& decisions, Strength StrengthRange::*end,
+                               World world) const;
+  [[nodiscard]] const BitWord* Row(const std::vector<BitWord>& rows, std::size_t filter) const {
     return rows.data() + filter * words_;
   }
 

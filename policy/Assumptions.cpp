@@ -57,13 +57,13 @@ static_assert(kSteps.back() * kTexts.back().readings.size() == World::kCount);
 /// The worlds that agree with some choices.
 class Box {
  public:
-  bool Contains(World world) const {
+  [[nodiscard]] bool Contains(World world) const {
     return std::ranges::all_of(choices_, [world](const Choice& choice) {
       return world.ReadingOf(choice.assumption) == choice.reading;
     });
   }
 
-  WorldSet Worlds() const {
+  [[nodiscard]] WorldSet Worlds() const {
     WorldSet worlds;
     for (std::size_t i = 0; i < World::kCount; ++i) {
       worlds[i] = Contains(World::OfIndex(i));
@@ -71,13 +71,13 @@ class Box {
     return worlds;
   }
 
-  Box With(Choice choice) const {
+  [[nodiscard]] Box With(Choice choice) const {
     Box box = *this;
     box.choices_.push_back(choice);
     return box;
   }
 
-  const std::vector<Choice>& Choices() const { return choices_; }
+  [[nodiscard]] const std::vector<Choice>& Choices() const { return choices_; }
 
  private:
   std::vector<Choice> choices_;

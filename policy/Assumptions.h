@@ -70,18 +70,18 @@ class World {
   /// @param index below kCount; 0 is the world of the first readings.
   static World OfIndex(std::size_t index);
 
-  std::size_t Index() const;
-  std::size_t ReadingOf(Assumption assumption) const;
+  [[nodiscard]] std::size_t Index() const;
+  [[nodiscard]] std::size_t ReadingOf(Assumption assumption) const;
   /// Whether it has this reading of an assumption.
   template <class Reading>
-  bool Reads(Assumption assumption, Reading reading) const {
+  [[nodiscard]] bool Reads(Assumption assumption, Reading reading) const {
     return ReadingOf(assumption) == static_cast<std::size_t>(reading);
   }
   /// The same world but for one assumption.
-  World With(Assumption assumption, std::size_t reading) const;
+  [[nodiscard]] World With(Assumption assumption, std::size_t reading) const;
 
   template <class Reading>
-  World With(Assumption assumption, Reading reading) const {
+  [[nodiscard]] World With(Assumption assumption, Reading reading) const {
     return With(assumption, static_cast<std::size_t>(reading));
   }
 

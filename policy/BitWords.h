@@ -73,13 +73,13 @@ class WordTable {
   Entry Intern(const BitWord* words);
 
   const BitWord* operator[](std::size_t index) const { return words_.data() + index * width_; }
-  std::size_t Size() const { return size_; }
+  [[nodiscard]] std::size_t Size() const { return size_; }
 
  private:
   static constexpr std::size_t kFirstBuckets = 64;
   static constexpr UINT32 kEmpty = 0xFFFFFFFF;
 
-  std::size_t HashOf(const BitWord* words) const;
+  [[nodiscard]] std::size_t HashOf(const BitWord* words) const;
   UINT32& BucketOf(const BitWord* words);
   void Grow();
 

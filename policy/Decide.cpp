@@ -73,9 +73,11 @@ class OneMore {
   }
 
  private:
-  bool IsBlock(std::size_t filter) const { return layer_.RangeOf(filter).least == Strength::Block; }
+  [[nodiscard]] bool IsBlock(std::size_t filter) const {
+    return layer_.RangeOf(filter).least == Strength::Block;
+  }
 
-  std::optional<Action> LayerAction() const {
+  [[nodiscard]] std::optional<Action> LayerAction() const {
     Verdict verdict;
     layer_.Decide(sure_.data(), perhaps_.data(), worlds_, verdict);
     return verdict.In(world_);

@@ -66,10 +66,10 @@ class Decider {
   Decider(Decider&&) noexcept;
   Decider& operator=(Decider&&) noexcept;
 
-  Verdict Decide(const Connection& connection) const;
+  [[nodiscard]] Verdict Decide(const Connection& connection) const;
 
   /// @param world the trace says what happens in it; the verdicts are for all worlds.
-  Explanation Explain(const Connection& connection, World world = World()) const;
+  [[nodiscard]] Explanation Explain(const Connection& connection, World world = World()) const;
 
  private:
   struct Sections;

@@ -66,7 +66,7 @@ class Builder {
     return {false, nodeNumbers_[level][made]};
   }
 
-  Diagram::Level MergeSignatures(std::size_t level) const {
+  [[nodiscard]] Diagram::Level MergeSignatures(std::size_t level) const {
     Diagram::Level merged;
     const std::size_t signatures = section_.Tables()[level]->Signatures().Size();
     WordTable columns(made_[level].Size());
@@ -81,7 +81,7 @@ class Builder {
     return merged;
   }
 
-  std::vector<MapTarget> ByClass(const MapNode& node) const {
+  [[nodiscard]] std::vector<MapTarget> ByClass(const MapNode& node) const {
     const Diagram::Level& level = diagram_.levels[node.field];
     std::vector<MapTarget> targets(level.classCount);
     for (std::size_t i = 0; i < node.targets.size(); ++i) {

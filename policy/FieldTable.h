@@ -41,15 +41,16 @@ class FieldTable {
   /// judged.
   static bool CanJudge(Field field, const std::vector<const Test*>& tests);
 
-  Field GetField() const { return field_; }
-  const WordTable& Signatures() const { return signatures_; }
+  [[nodiscard]] Field GetField() const { return field_; }
+  [[nodiscard]] const WordTable& Signatures() const { return signatures_; }
 
   /// The number of the signature of a connection's value.
-  virtual std::size_t SignatureOf(const Connection& connection) const = 0;
+  [[nodiscard]] virtual std::size_t SignatureOf(const Connection& connection) const = 0;
   /// The class of all values with certain signatures, without a text.
   /// @param signatures for each number of a signature, whether it counts.
   /// @param ordinary its value is the example if it is in the class.
-  virtual ValueClass Collect(const std::vector<bool>& signatures, const Connection& ordinary) const = 0;
+  [[nodiscard]] virtual ValueClass Collect(const std::vector<bool>& signatures,
+                                           const Connection& ordinary) const = 0;
 
  protected:
   /// What a value makes of a group's tests.
@@ -58,10 +59,10 @@ class FieldTable {
     std::size_t failing = 0;   ///< negations that do not hold
   };
 
-  const StateLayout& Layout() const { return layout_; }
-  const std::vector<TestGroup>& Groups() const { return groups_; }
+  [[nodiscard]] const StateLayout& Layout() const { return layout_; }
+  [[nodiscard]] const std::vector<TestGroup>& Groups() const { return groups_; }
   /// A signature in which only the filters without conditions on this field match.
-  std::vector<BitWord> EmptySignature() const;
+  [[nodiscard]] std::vector<BitWord> EmptySignature() const;
   /// Writes what a group makes of a value.
   /// @param plane none to write all planes.
   void Write(std::vector<BitWord>& signature, std::size_t group, Standing standing,
@@ -78,8 +79,8 @@ class FieldTable {
     bool hasDoubt = false;
   };
 
-  bool Holds(std::size_t group, Standing standing, const Plane& plane) const;
-  bool HoldsUnset(std::size_t group, const Plane& plane) const;
+  [[nodiscard]] bool Holds(std::size_t group, Standing standing, const Plane& plane) const;
+  [[nodiscard]] bool HoldsUnset(std::size_t group, const Plane& plane) const;
   void WriteBits(std::vector<BitWord>& signature, std::size_t group, std::size_t plane, bool holds) const;
 
   Field field_;

@@ -25,9 +25,9 @@ class KnownWeight {
   explicit KnownWeight(const Filter& filter);
 
   /// Whether the filter comes before another under any rule that has the known properties.
-  bool Outranks(const KnownWeight& other) const;
+  [[nodiscard]] bool Outranks(const KnownWeight& other) const;
   /// The same text for filters that weigh the same under any rule.
-  const std::string& TieKey() const { return tieKey_; }
+  [[nodiscard]] const std::string& TieKey() const { return tieKey_; }
 
  private:
   /// How much of a field's values conditions leave open, from most to least.
@@ -45,9 +45,9 @@ class KnownWeight {
   static Share ShareOf(const Condition& condition);
   static std::partial_ordering Compare(const Share& left, const Share& right);
 
-  bool HasShare() const;
-  bool ChosenByEngineOutranks(const KnownWeight& other) const;
-  const Share& ShareOf(const GUID& field) const;
+  [[nodiscard]] bool HasShare() const;
+  [[nodiscard]] bool ChosenByEngineOutranks(const KnownWeight& other) const;
+  [[nodiscard]] const Share& ShareOf(const GUID& field) const;
 
   UINT64 weight_;
   bool isNumber_;

@@ -13,8 +13,9 @@ class FlagsTable : public FieldTable {
  public:
   FlagsTable(const StateLayout& layout, std::vector<TestGroup> groups);
 
-  std::size_t SignatureOf(const Connection& connection) const override;
-  ValueClass Collect(const std::vector<bool>& signatures, const Connection& ordinary) const override;
+  [[nodiscard]] std::size_t SignatureOf(const Connection& connection) const override;
+  [[nodiscard]] ValueClass Collect(const std::vector<bool>& signatures,
+                                   const Connection& ordinary) const override;
 
  private:
   struct Piece {
@@ -26,12 +27,12 @@ class FlagsTable : public FieldTable {
   void FindTestedBits();
   void AddNamedWords();
   void AddBitPatterns();
-  bool IsNamed(UINT32 word) const;
+  [[nodiscard]] bool IsNamed(UINT32 word) const;
   /// The named words with some of the tested bits, ascending.
-  std::vector<UINT32> NamedWith(UINT32 bits) const;
-  std::optional<UINT32> UnnamedWord(UINT32 bits) const;
+  [[nodiscard]] std::vector<UINT32> NamedWith(UINT32 bits) const;
+  [[nodiscard]] std::optional<UINT32> UnnamedWord(UINT32 bits) const;
   std::size_t InternWord(UINT32 word);
-  std::size_t SignatureOfWord(UINT32 word) const;
+  [[nodiscard]] std::size_t SignatureOfWord(UINT32 word) const;
 
   UINT32 testedBits_ = 0;
   std::vector<Piece> named_;

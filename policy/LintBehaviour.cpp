@@ -29,7 +29,7 @@ class FieldHalves {
     table_ = MakeFieldTable(field, ipVersion, layout_, {{0, false, false, std::move(tests)}});
   }
 
-  ValueClass Where(bool holds) const {
+  [[nodiscard]] ValueClass Where(bool holds) const {
     std::vector<bool> signatures;
     for (std::size_t i = 0; i < table_->Signatures().Size(); ++i) {
       signatures.push_back(HasBit(table_->Signatures()[i], 0) == holds);
@@ -117,9 +117,9 @@ class LayerLint {
     }
   }
 
-  const Filter* FilterAt(std::size_t filter) const { return layer_.Filters()[filter]; }
+  [[nodiscard]] const Filter* FilterAt(std::size_t filter) const { return layer_.Filters()[filter]; }
 
-  UINT16 WeightOf(std::size_t filter) const {
+  [[nodiscard]] UINT16 WeightOf(std::size_t filter) const {
     const auto holds = [filter](const Arbitration::Slot& slot) { return filter < slot.end; };
     return std::ranges::find_if(layer_.Slots(), holds)->sublayer->weight;
   }

@@ -33,7 +33,7 @@ struct Map {
   std::vector<MapSection> sections;
 
   /// The verdict of a connection, by following its section.
-  const Verdict& At(const Connection& connection) const;
+  [[nodiscard]] const Verdict& At(const Connection& connection) const;
 };
 
 /// Maps the filters of a snapshot.

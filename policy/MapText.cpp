@@ -75,7 +75,7 @@ class SectionText {
     }
   }
 
-  std::vector<Branch> BranchesOf(const MapNode& node) const {
+  [[nodiscard]] std::vector<Branch> BranchesOf(const MapNode& node) const {
     const FieldClasses& field = section_.fields[node.field];
     std::vector<Branch> branches;
     for (std::size_t i = 0; i < node.targets.size(); ++i) {
@@ -129,7 +129,8 @@ class SectionText {
     }
   }
 
-  std::string Text(const FieldClasses& field, const std::vector<Branch>& branches, std::size_t index) const {
+  [[nodiscard]] std::string Text(const FieldClasses& field, const std::vector<Branch>& branches,
+                                 std::size_t index) const {
     std::vector<const ValueClass*> rest;
     for (std::size_t i = 0; i < branches.size(); ++i) {
       if (i != index) {

@@ -14,8 +14,9 @@ class NumberTable : public FieldTable {
   /// @param bits of the field's numbers.
   NumberTable(Field field, unsigned bits, const StateLayout& layout, std::vector<TestGroup> groups);
 
-  std::size_t SignatureOf(const Connection& connection) const override;
-  ValueClass Collect(const std::vector<bool>& signatures, const Connection& ordinary) const override;
+  [[nodiscard]] std::size_t SignatureOf(const Connection& connection) const override;
+  [[nodiscard]] ValueClass Collect(const std::vector<bool>& signatures,
+                                   const Connection& ordinary) const override;
 
  private:
   /// Where the numbers of a test begin or end.
@@ -26,9 +27,9 @@ class NumberTable : public FieldTable {
     bool isBegin;
   };
 
-  std::vector<Edge> Edges() const;
+  [[nodiscard]] std::vector<Edge> Edges() const;
   void Sweep();
-  std::size_t SignatureAt(Number number) const;
+  [[nodiscard]] std::size_t SignatureAt(Number number) const;
 
   Number greatest_;
   std::vector<Number> starts_;  ///< of the intervals, ascending from 0

@@ -40,31 +40,31 @@ class Section {
   Section(const Section&) = delete;
   Section& operator=(const Section&) = delete;
 
-  SectionKey Key() const { return key_; }
-  const StateLayout& Layout() const { return layout_; }
-  const std::vector<Arbitration>& Layers() const { return layers_; }
+  [[nodiscard]] SectionKey Key() const { return key_; }
+  [[nodiscard]] const StateLayout& Layout() const { return layout_; }
+  [[nodiscard]] const std::vector<Arbitration>& Layers() const { return layers_; }
   /// In the order of enum Field; only fields that something tests.
-  const std::vector<std::unique_ptr<FieldTable>>& Tables() const { return tables_; }
+  [[nodiscard]] const std::vector<std::unique_ptr<FieldTable>>& Tables() const { return tables_; }
   /// The state before any field has been looked at: all filters match that can match at all.
-  const std::vector<BitWord>& BaseState() const { return base_; }
+  [[nodiscard]] const std::vector<BitWord>& BaseState() const { return base_; }
 
   /// The state of a connection.
   /// @param state has room for Layout().Width() words.
   void Read(const Connection& connection, BitWord* state) const;
 
   /// The verdict of a state.
-  Verdict Decide(const BitWord* state) const;
+  [[nodiscard]] Verdict Decide(const BitWord* state) const;
   /// The verdict of one layer.
-  Verdict DecideLayer(std::size_t layer, const BitWord* state) const;
+  [[nodiscard]] Verdict DecideLayer(std::size_t layer, const BitWord* state) const;
 
   /// The filters of a layer that match in a world: surely, and perhaps.
   struct Matching {
     const BitWord* sure;
     const BitWord* perhaps;
   };
-  Matching MatchingIn(World world, std::size_t layer, const BitWord* state) const;
+  [[nodiscard]] Matching MatchingIn(World world, std::size_t layer, const BitWord* state) const;
   /// The same by the number of a plane.
-  Matching MatchingIn(std::size_t plane, std::size_t layer, const BitWord* state) const;
+  [[nodiscard]] Matching MatchingIn(std::size_t plane, std::size_t layer, const BitWord* state) const;
 
   /// A filter of a layer, by number, that does not match because of one field alone.
   struct NearMatch {
@@ -72,7 +72,8 @@ class Section {
     Field field;
   };
   /// The near matches of a connection in a world, by field, without filters that would match only perhaps.
-  std::vector<NearMatch> NearMatchesIn(World world, std::size_t layer, const Connection& connection) const;
+  [[nodiscard]] std::vector<NearMatch> NearMatchesIn(World world, std::size_t layer,
+                                                     const Connection& connection) const;
 
  private:
   using GroupsByField = std::array<std::vector<TestGroup>, kFieldCount>;
@@ -83,8 +84,8 @@ class Section {
   void AddMarks(std::span<const Mark> marks, GroupsByField& groups);
   void ChoosePlanes(const GroupsByField& groups);
   void MakeBase(std::size_t marks);
-  std::size_t BitOf(std::size_t layer, std::size_t filter) const;
-  std::optional<Action> DecideSurely(const BitWord* state) const;
+  [[nodiscard]] std::size_t BitOf(std::size_t layer, std::size_t filter) const;
+  [[nodiscard]] std::optional<Action> DecideSurely(const BitWord* state) const;
 
   SectionKey key_;
   StateLayout layout_;

@@ -35,19 +35,19 @@ class ReadingSession {
     transaction_ = {session_.get(), engine.FwpmTransactionAbort0};
   }
 
-  std::vector<Provider> Providers() const {
+  [[nodiscard]] std::vector<Provider> Providers() const {
     return ReadAll<FWPM_PROVIDER0, Provider>(
         Named{engine_.FwpmProviderCreateEnumHandle0, "FwpmProviderCreateEnumHandle0"},
         Named{engine_.FwpmProviderEnum0, "FwpmProviderEnum0"}, engine_.FwpmProviderDestroyEnumHandle0);
   }
 
-  std::vector<Sublayer> Sublayers() const {
+  [[nodiscard]] std::vector<Sublayer> Sublayers() const {
     return ReadAll<FWPM_SUBLAYER0, Sublayer>(
         Named{engine_.FwpmSubLayerCreateEnumHandle0, "FwpmSubLayerCreateEnumHandle0"},
         Named{engine_.FwpmSubLayerEnum0, "FwpmSubLayerEnum0"}, engine_.FwpmSubLayerDestroyEnumHandle0);
   }
 
-  std::vector<Filter> Filters() const {
+  [[nodiscard]] std::vector<Filter> Filters() const {
     return ReadAll<FWPM_FILTER0, Filter>(
         Named{engine_.FwpmFilterCreateEnumHandle0, "FwpmFilterCreateEnumHandle0"},
         Named{engine_.FwpmFilterEnum0, "FwpmFilterEnum0"}, engine_.FwpmFilterDestroyEnumHandle0);
@@ -62,7 +62,8 @@ class ReadingSession {
 
   /// All objects of a kind, page by page.
   template <class Native, class Decoded, class Create, class Enumerate, class Destroy>
-  std::vector<Decoded> ReadAll(Named<Create> create, Named<Enumerate> enumerate, Destroy destroy) const {
+  [[nodiscard]] std::vector<Decoded> ReadAll(Named<Create> create, Named<Enumerate> enumerate,
+                                             Destroy destroy) const {
     const auto close = [this, destroy](HANDLE enumeration) { destroy(session_.get(), enumeration); };
     const auto free = [this](void* memory) { engine_.FwpmFreeMemory0(&memory); };
     HANDLE opened = nullptr;

@@ -61,7 +61,7 @@ struct Filter {
   std::vector<Condition> conditions;
 
   /// Whether static filters of lower sublayers cannot change what this one decides.
-  bool IsHard() const;
+  [[nodiscard]] bool IsHard() const;
 };
 
 /// "filter 12 \"Name\"": how texts refer to a filter.
@@ -83,7 +83,7 @@ class SnapshotError : public std::runtime_error {
  public:
   /// @param function such as "FwpmEngineOpen0".
   SnapshotError(DWORD code, const std::string& function);
-  DWORD Code() const { return code_; }
+  [[nodiscard]] DWORD Code() const { return code_; }
 
  private:
   DWORD code_;

@@ -26,9 +26,9 @@ struct StateLayout {
   bool hasDoubt = false;        ///< some filter can match perhaps
   std::size_t markWords = 0;
 
-  std::size_t PlaneWords() const { return filterWords * (hasDoubt ? 2 : 1); }
-  std::size_t MarksAt() const { return PlaneWords() * planes.size(); }
-  std::size_t Width() const { return MarksAt() + markWords; }
+  [[nodiscard]] std::size_t PlaneWords() const { return filterWords * (hasDoubt ? 2 : 1); }
+  [[nodiscard]] std::size_t MarksAt() const { return PlaneWords() * planes.size(); }
+  [[nodiscard]] std::size_t Width() const { return MarksAt() + markWords; }
 };
 
 }  // namespace Policy

@@ -30,7 +30,7 @@ struct Test {
   std::string bytes;
 
   /// Whether single flags of a word are tested.
-  bool TestsFlags() const;
+  [[nodiscard]] bool TestsFlags() const;
 
   bool operator==(const Test&) const = default;
 };

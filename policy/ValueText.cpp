@@ -51,6 +51,13 @@ void AddAddresses(IpVersion ipVersion, const Interval& interval, Texts& texts) {
   }
 }
 
+std::string ProtocolText(UINT64 number) {
+  if (number == kTcp) {
+    return "TCP";
+  }
+  return number == kUdp ? "UDP" : Catalog::FormatNumber(number);
+}
+
 std::string NumberText(Field field, UINT64 number, const Labels& labels) {
   const auto label = labels.interfaces.find(number);
   switch (field) {
@@ -61,7 +68,7 @@ std::string NumberText(Field field, UINT64 number, const Labels& labels) {
     case Field::Flags:
       return Catalog::FormatHex(static_cast<UINT32>(number));
     case Field::Protocol:
-      return std::string(number == kTcp ? "TCP" : number == kUdp ? "UDP" : Catalog::FormatNumber(number));
+      return ProtocolText(number);
     default:
       return Catalog::FormatNumber(number);
   }

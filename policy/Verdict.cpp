@@ -50,7 +50,10 @@ std::optional<Action> Verdict::In(World world) const {
 }
 
 Verdict::Kind Verdict::GetKind() const {
-  return permits_.all() ? Kind::Permit : blocks_.all() ? Kind::Block : Kind::Depends;
+  if (permits_.all()) {
+    return Kind::Permit;
+  }
+  return blocks_.all() ? Kind::Block : Kind::Depends;
 }
 
 std::vector<Assumption> Verdict::DependsOn() const {

@@ -27,20 +27,20 @@ class Verdict {
   /// The same action in every world.
   explicit Verdict(Action action);
 
-  const WorldSet& Permits() const { return permits_; }
-  const WorldSet& Blocks() const { return blocks_; }
+  [[nodiscard]] const WorldSet& Permits() const { return permits_; }
+  [[nodiscard]] const WorldSet& Blocks() const { return blocks_; }
   /// Says what happens in some worlds.
   /// @param action none where it is unsure.
   void Set(const WorldSet& worlds, std::optional<Action> action);
 
   /// The action in one world; none where it is unsure.
-  std::optional<Action> In(World world) const;
-  Kind GetKind() const;
+  [[nodiscard]] std::optional<Action> In(World world) const;
+  [[nodiscard]] Kind GetKind() const;
 
   /// The assumptions that make a difference to this verdict, and no others.
-  std::vector<Assumption> DependsOn() const;
+  [[nodiscard]] std::vector<Assumption> DependsOn() const;
   /// Whether in some world filters that only the engine can judge make the difference.
-  bool IsUnsure() const;
+  [[nodiscard]] bool IsUnsure() const;
 
   /// What one combination of the readings that matter gives.
   struct Outcome {
@@ -49,7 +49,7 @@ class Verdict {
   };
   /// Every combination of the readings that matter, first readings first. One outcome without choices if
   /// none matter.
-  std::vector<Outcome> Outcomes() const;
+  [[nodiscard]] std::vector<Outcome> Outcomes() const;
 
   bool operator==(const Verdict&) const = default;
 

@@ -91,8 +91,8 @@ class Networks {
     return *this;
   }
 
-  FieldTests Inside() const { return Either(Field::RemoteAddress, tests_); }
-  FieldTests Outside() const { return Neither(Field::RemoteAddress, tests_); }
+  [[nodiscard]] FieldTests Inside() const { return Either(Field::RemoteAddress, tests_); }
+  [[nodiscard]] FieldTests Outside() const { return Neither(Field::RemoteAddress, tests_); }
 
  private:
   IpVersion ipVersion_;
@@ -155,7 +155,7 @@ class PromiseList {
   }
 
   /// With DHCP on, these exchanges are meant to pass: they break no promise that connections are closed.
-  std::vector<Mark> AllowedExchanges(IpVersion ipVersion) const {
+  [[nodiscard]] std::vector<Mark> AllowedExchanges(IpVersion ipVersion) const {
     if (!features_.dhcp) {
       return {};
     }
@@ -164,7 +164,7 @@ class PromiseList {
   }
 
   /// What the local network block takes away again.
-  std::vector<Mark> TakenByLocalBlock(IpVersion ipVersion) const {
+  [[nodiscard]] std::vector<Mark> TakenByLocalBlock(IpVersion ipVersion) const {
     if (!features_.localNetworkBlock) {
       return {};
     }
@@ -172,7 +172,7 @@ class PromiseList {
   }
 
   /// Connections that the other features decide about, whether the kill switch is on or not.
-  std::vector<Mark> LeftToOthers(IpVersion ipVersion) const {
+  [[nodiscard]] std::vector<Mark> LeftToOthers(IpVersion ipVersion) const {
     std::vector<Mark> marks = TakenByLocalBlock(ipVersion);
     if (features_.leakProtection) {
       marks.push_back({{kLookUp}});

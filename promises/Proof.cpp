@@ -55,7 +55,7 @@ class ProofSection {
   }
 
   /// The worlds in which a promise holds here.
-  WorldSet WorldsOf(std::size_t promise) const {
+  [[nodiscard]] WorldSet WorldsOf(std::size_t promise) const {
     WorldSet worlds;
     worlds.set();
     for (const Leaf& leaf : leaves_) {
@@ -74,7 +74,7 @@ class ProofSection {
     Action promised = Action::Block;
   };
   /// The connection nearest to an ordinary one that breaks a promise in a world.
-  Counterexample FindCounterexample(std::size_t promise, World world) const {
+  [[nodiscard]] Counterexample FindCounterexample(std::size_t promise, World world) const {
     Counterexample best;
     for (const PlacedClause& clause : clauses_) {
       if (clause.promise != promise) {
@@ -137,7 +137,7 @@ class ProofSection {
   }
 
   /// How far a class of values is from the ordinary.
-  std::size_t DistanceOf(std::size_t level, const ValueClass& values) const {
+  [[nodiscard]] std::size_t DistanceOf(std::size_t level, const ValueClass& values) const {
     constexpr std::size_t kOther = 1;
     constexpr std::size_t kUnset = 3;
     if (!values.exampleNumber && !values.exampleApplication) {
@@ -158,8 +158,8 @@ class ProofSection {
     }
   }
 
-  std::size_t DistanceOf(MapTarget target, const std::vector<std::size_t>& distances,
-                         const PlacedClause& clause, World world) const {
+  [[nodiscard]] std::size_t DistanceOf(MapTarget target, const std::vector<std::size_t>& distances,
+                                       const PlacedClause& clause, World world) const {
     if (!target.isVerdict) {
       return distances[target.index];
     }
@@ -167,15 +167,15 @@ class ProofSection {
     return Speaks(clause, leaf) && !Allowed(clause, leaf)[world.Index()] ? 0 : kNoWay;
   }
 
-  std::size_t DistanceBy(const MapNode& node, std::size_t valueClass,
-                         const std::vector<std::size_t>& distances, const PlacedClause& clause,
-                         World world) const {
+  [[nodiscard]] std::size_t DistanceBy(const MapNode& node, std::size_t valueClass,
+                                       const std::vector<std::size_t>& distances, const PlacedClause& clause,
+                                       World world) const {
     const std::size_t rest = DistanceOf(node.targets[valueClass], distances, clause, world);
     return rest == kNoWay ? kNoWay : rest + DistanceOf(node.field, classes_[node.field][valueClass]);
   }
 
   /// For each node, how far the nearest connection is that breaks the clause.
-  std::vector<std::size_t> Distances(const PlacedClause& clause, World world) const {
+  [[nodiscard]] std::vector<std::size_t> Distances(const PlacedClause& clause, World world) const {
     std::vector<std::size_t> distances;
     for (const MapNode& node : diagram_.nodes) {
       std::size_t least = kNoWay;
@@ -187,7 +187,8 @@ class ProofSection {
     return distances;
   }
 
-  Connection Walk(const std::vector<std::size_t>& distances, const PlacedClause& clause, World world) const {
+  [[nodiscard]] Connection Walk(const std::vector<std::size_t>& distances, const PlacedClause& clause,
+                                World world) const {
     Connection connection = OrdinaryConnection(key_.direction, key_.ipVersion);
     for (MapTarget target = diagram_.root; !target.isVerdict;) {
       const MapNode& node = diagram_.nodes[target.index];
@@ -211,7 +212,10 @@ class ProofSection {
 };
 
 Keeping KeepingIn(const WorldSet& worlds) {
-  return worlds.all() ? Keeping::Holds : worlds.any() ? Keeping::Conditional : Keeping::Broken;
+  if (worlds.all()) {
+    return Keeping::Holds;
+  }
+  return worlds.any() ? Keeping::Conditional : Keeping::Broken;
 }
 
 World FirstOutside(const WorldSet& worlds) {

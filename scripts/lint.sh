@@ -18,6 +18,17 @@ echo "Layout: ${#sources[@]} files"
 clang-format --dry-run --Werror "${sources[@]}"
 (cd tests/page && npm ci --loglevel=error --no-audit --no-fund && npm run --silent check-layout)
 
+echo "What clang-tidy has no check for"
+refuse() { # refuse PATTERN ADVICE
+  if grep -nP "$1" "${sources[@]}"; then
+    echo "$2" >&2
+    exit 1
+  fi
+}
+refuse 'template <.*\btypename\b' 'Write "class" for a type that a template takes.'
+refuse '\?(?:[^()?,;]|(\((?:[^()]++|(?1))*+\)))* : (?:[^()?,;]|(?1))*\? |^ *: .*\? ' \
+  'Write "if" around a conditional operator, not a second one inside it.'
+
 echo "Folders see only what they may"
 forbid() { # forbid FOLDER... -- PATTERN
   local folders=()

@@ -38,7 +38,7 @@ constexpr FailureTexts kInterfaceLeakTexts{"NATIVE: IFaceLeakProtection Firewall
 
 /// Builds a rule set and registers it; says whether that worked. A failure neither ends the command nor
 /// becomes its result: the rule set is left out and the others still protect.
-template <typename Build>
+template <class Build>
 bool Register(const GUID& key, const FailureTexts& texts, LogCallback log, const Build& build) {
   try {
     auto ruleSet = build();

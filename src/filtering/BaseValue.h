@@ -24,7 +24,7 @@ class WFPFIREWALL_API BaseValue {
 
 /// A value held as the engine's native type T. Copies share the one T, whose address stays fixed: a
 /// native filter record points straight at it.
-template <typename T>
+template <class T>
 class Value : public BaseValue {
  public:
   /// The held T, owned by the value and its copies; null when the value was moved from or made without one.

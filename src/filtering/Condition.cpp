@@ -28,13 +28,13 @@ constexpr MatchPair kMatchPairs[]{
 };
 
 /// A value that the engine gives by pointer. Null when the pointer is null, as in a test for an unset field.
-template <typename ValueClass, typename Native>
+template <class ValueClass, class Native>
 std::unique_ptr<BaseValue> ReadPointer(const Native* native) {
   return native == nullptr ? nullptr : std::make_unique<ValueClass>(*native);
 }
 
 /// The value of one of the four address fields, in the class that fits its data type. Null when none fits.
-template <typename Address, typename NetworkV4, typename NetworkV6>
+template <class Address, class NetworkV4, class NetworkV6>
 std::unique_ptr<BaseValue> ReadAddress(const FWP_CONDITION_VALUE0& value) {
   switch (value.type) {
     case FWP_V4_ADDR_MASK:
@@ -48,22 +48,8 @@ std::unique_ptr<BaseValue> ReadAddress(const FWP_CONDITION_VALUE0& value) {
   }
 }
 
-/// Null for a field that has no value class.
-std::unique_ptr<BaseValue> ReadValue(const GUID& key, const FWP_CONDITION_VALUE0& value) {
-  if (key == kConditionAleAppId) return ReadPointer<AppId>(value.byteBlob);
-  if (key == kConditionIpArrivalInterface) return ReadPointer<ArrivalInterfaceLuid>(value.uint64);
-  if (key == kConditionIpLocalInterface) return ReadPointer<LocalInterfaceLuid>(value.uint64);
-  if (key == kConditionInterfaceIndex) {
-    return std::make_unique<InterfaceIndex>(static_cast<int>(value.uint32));
-  }
-  if (key == kConditionSubInterfaceIndex) {
-    return std::make_unique<SubInterfaceIndex>(static_cast<int>(value.uint32));
-  }
-  if (key == kConditionIpProtocol) return std::make_unique<Protocol>(static_cast<IPPROTO>(value.uint8));
-  if (key == kConditionIpLocalAddressType) {
-    return std::make_unique<IpLocalAddressType>(static_cast<NL_ADDRESS_TYPE>(value.uint8));
-  }
-  if (key == kConditionFlags) return std::make_unique<Flag>(static_cast<int>(value.uint32));
+/// Null for a field that holds no address.
+std::unique_ptr<BaseValue> ReadAddressField(const GUID& key, const FWP_CONDITION_VALUE0& value) {
   if (key == kConditionIpLocalAddress) {
     return ReadAddress<LocalIpAddressV4, LocalIpAddressAndMaskV4, LocalIpAddressAndMaskV6>(value);
   }
@@ -77,9 +63,42 @@ std::unique_ptr<BaseValue> ReadValue(const GUID& key, const FWP_CONDITION_VALUE0
   if (key == kConditionIpSourceAddress) {
     return ReadAddress<SourceIpAddressV4, SourceIpAddressAndMaskV4, SourceIpAddressAndMaskV6>(value);
   }
-  if (key == kConditionIpLocalPort) return std::make_unique<LocalPort>(value.uint16);
-  if (key == kConditionIpRemotePort) return std::make_unique<RemotePort>(value.uint16);
   return nullptr;
+}
+
+/// Null for a field that has no value class.
+std::unique_ptr<BaseValue> ReadValue(const GUID& key, const FWP_CONDITION_VALUE0& value) {
+  if (key == kConditionAleAppId) {
+    return ReadPointer<AppId>(value.byteBlob);
+  }
+  if (key == kConditionIpArrivalInterface) {
+    return ReadPointer<ArrivalInterfaceLuid>(value.uint64);
+  }
+  if (key == kConditionIpLocalInterface) {
+    return ReadPointer<LocalInterfaceLuid>(value.uint64);
+  }
+  if (key == kConditionInterfaceIndex) {
+    return std::make_unique<InterfaceIndex>(static_cast<int>(value.uint32));
+  }
+  if (key == kConditionSubInterfaceIndex) {
+    return std::make_unique<SubInterfaceIndex>(static_cast<int>(value.uint32));
+  }
+  if (key == kConditionIpProtocol) {
+    return std::make_unique<Protocol>(static_cast<IPPROTO>(value.uint8));
+  }
+  if (key == kConditionIpLocalAddressType) {
+    return std::make_unique<IpLocalAddressType>(static_cast<NL_ADDRESS_TYPE>(value.uint8));
+  }
+  if (key == kConditionFlags) {
+    return std::make_unique<Flag>(static_cast<int>(value.uint32));
+  }
+  if (key == kConditionIpLocalPort) {
+    return std::make_unique<LocalPort>(value.uint16);
+  }
+  if (key == kConditionIpRemotePort) {
+    return std::make_unique<RemotePort>(value.uint16);
+  }
+  return ReadAddressField(key, value);
 }
 
 }  // namespace

@@ -25,7 +25,7 @@ FWP_VALUE0 ToNativeWeight(std::int16_t weight) {
 }
 
 /// Writes a value of a type that may stand alone or be an end of a range; false for any other type.
-template <typename NativeValue>
+template <class NativeValue>
 bool WriteCommonType(const NativeField& field, NativeValue& native) {
   native.type = field.type;
   switch (field.type) {

@@ -13,14 +13,14 @@ namespace {
 
 using namespace Values;
 
-template <typename ValueClass>
+template <class ValueClass>
 bool Is(const BaseValue* value) {
   return dynamic_cast<const ValueClass*>(value) != nullptr;
 }
 
 /// Null if the value was moved from. The dynamic cast is right also for a class that has several values as
 /// bases.
-template <typename ValueClass>
+template <class ValueClass>
 void* Data(const BaseValue* value) {
   return dynamic_cast<const ValueClass&>(*value).GetValue();
 }
@@ -33,7 +33,7 @@ struct FieldRule {
   FWP_DATA_TYPE type;
 };
 
-template <typename ValueClass>
+template <class ValueClass>
 constexpr FieldRule Rule(const GUID& key, FWP_DATA_TYPE type) {
   return {&typeid(ValueClass), Is<ValueClass>, Data<ValueClass>, &key, type};
 }

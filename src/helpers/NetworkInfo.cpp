@@ -48,7 +48,7 @@ std::vector<IP_ADAPTER_ADDRESSES> ReadAdapters() {
   throw NetworkInfoException("Failed to get interfaces. ", static_cast<int>(lastError));
 }
 
-template <typename SocketAddress>
+template <class SocketAddress>
 std::optional<SocketAddress> ReadSocketAddress(const SOCKET_ADDRESS& address, ADDRESS_FAMILY family) {
   SocketAddress result{};
   if (address.iSockaddrLength < static_cast<INT>(sizeof(result)) || address.lpSockaddr->sa_family != family) {

@@ -13,7 +13,7 @@ bool Same(const IpV6Address& left, const IpV6Address& right) {
 
 // Takes only an address that the list already holds. The lists of the machine's interfaces start empty and so
 // stay empty; the rule sets need none, they name interfaces by LUID alone.
-template <typename Address>
+template <class Address>
 void Offer(std::vector<Address>& addresses, const Address& address) {
   if (std::any_of(addresses.begin(), addresses.end(),
                   [&address](const Address& held) { return Same(held, address); })) {

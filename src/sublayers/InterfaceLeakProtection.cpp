@@ -36,7 +36,7 @@ enum class Test {
 };
 using enum Test;
 
-template <typename Network>
+template <class Network>
 struct Row {
   Action action;
   Test conditions[2];
@@ -80,7 +80,7 @@ struct Arguments {
   const Filter* permitListed = nullptr;  ///< carries the conditions; null when there are no addresses
 };
 
-template <typename Network>
+template <class Network>
 void AddConditions(const FilterBuilder& filter, Test test, const Network& remote,
                    const Arguments& arguments) {
   switch (test) {
@@ -109,7 +109,7 @@ void AddConditions(const FilterBuilder& filter, Test test, const Network& remote
   }
 }
 
-template <typename Network>
+template <class Network>
 Filter MakeFilter(LayerType layer, const Row<Network>& row, const Arguments& arguments) {
   FilterBuilder filter = FilterBuilder().CreateFilter(row.action).InLayer(layer);
   for (const Test test : row.conditions) {

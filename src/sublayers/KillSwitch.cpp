@@ -36,7 +36,7 @@ enum class Test {
 };
 using enum Test;
 
-template <typename Network>
+template <class Network>
 struct Row {
   Action action;
   Test conditions[2]{};
@@ -68,7 +68,7 @@ constexpr Row<NetworkV6> kRowsV6[]{
     {Permit, {Remote, RemotePortNotDns}, {"ff0e::c", 128}},  // 9
 };
 
-template <typename Network>
+template <class Network>
 void AddCondition(const FilterBuilder& filter, Test test, const Network& remote) {
   switch (test) {
     case None:
@@ -85,7 +85,7 @@ void AddCondition(const FilterBuilder& filter, Test test, const Network& remote)
   }
 }
 
-template <typename Network>
+template <class Network>
 Filter MakeFilter(LayerType layer, const Row<Network>& row) {
   FilterBuilder filter = FilterBuilder().CreateFilter(row.action).InLayer(layer);
   for (const Test test : row.conditions) {

@@ -58,7 +58,7 @@ std::string Narrow(const wchar_t* text) {
 }
 
 /// Records a call. Gives the failure that is planned for it, if any.
-template <typename... Arguments>
+template <class... Arguments>
 std::optional<Failure> Enter(const std::string& function, const Arguments&... arguments) {
   const Occurrence occurrence{function, ++machine.counts[function]};
   std::ostringstream call;
@@ -85,7 +85,7 @@ BOOL Fail(DWORD code) {
   return FALSE;
 }
 
-template <typename Handle>
+template <class Handle>
 Handle NewHandle() {
   return reinterpret_cast<Handle>(++lastHandle);
 }
@@ -151,7 +151,7 @@ class Layout {
     return copy;
   }
 
-  template <typename Record>
+  template <class Record>
   Record* Take(std::size_t size) {
     return reinterpret_cast<Record*>(std::exchange(next_, next_ + size));
   }
@@ -159,7 +159,7 @@ class Layout {
   std::uint8_t* next_;
 };
 
-template <typename SocketAddress>
+template <class SocketAddress>
 Bytes ToBytes(const SocketAddress& address) {
   const auto* first = reinterpret_cast<const std::uint8_t*>(&address);
   return {first, first + sizeof(address)};

@@ -80,8 +80,8 @@ class TextList {
   TextList(const TextList&) = delete;
   TextList& operator=(const TextList&) = delete;
 
-  const wchar_t* const* Data() const { return pointers_.data(); }
-  std::uint32_t Count() const { return static_cast<std::uint32_t>(pointers_.size()); }
+  [[nodiscard]] const wchar_t* const* Data() const { return pointers_.data(); }
+  [[nodiscard]] std::uint32_t Count() const { return static_cast<std::uint32_t>(pointers_.size()); }
 
  private:
   std::vector<std::wstring> texts_;

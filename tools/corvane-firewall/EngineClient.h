@@ -9,7 +9,7 @@
 /// A function of the engine's client library that is loaded in this process. If the program imported that
 /// library, the loader would bind it to the system's before the emulator can be loaded. So every function is
 /// looked up when it is needed.
-template <typename Function>
+template <class Function>
 Function FindInEngine(const char* function) {
   return FindFunction<Function>(GetModuleHandleW(L"fwpuclnt.dll"), function);
 }
@@ -20,7 +20,7 @@ struct FreeEngineMemory {
 };
 
 /// Owns memory that the engine handed out.
-template <typename Memory>
+template <class Memory>
 std::unique_ptr<Memory, FreeEngineMemory> Own(Memory* memory) {
   return {memory, FreeEngineMemory{FindInEngine<decltype(&::FwpmFreeMemory0)>("FwpmFreeMemory0")}};
 }

@@ -24,7 +24,7 @@ void* FindAddress(HMODULE module, const char* function);
 
 /// @tparam Function such as decltype(&::EnableDhcp).
 /// @throws Failure naming the function and the module that lacks it.
-template <typename Function>
+template <class Function>
 Function FindFunction(HMODULE module, const char* function) {
   return reinterpret_cast<Function>(FindAddress(module, function));
 }

@@ -16,7 +16,7 @@ namespace {
 using WfpFirewall::Helpers::NetworkInfo;
 using WfpFirewall::Helpers::NetworkInfoException;
 
-template <typename Function>
+template <class Function>
 void Find(Function& found, const char* function) {
   found = FindInEngine<Function>(function);
 }

@@ -47,7 +47,7 @@ void DisableDhcpStep(const StepContext& context, const StepOptions&) {
 }
 
 /// Runs a command that searches the adapters. @throws Failure when they cannot be listed.
-template <typename Search>
+template <class Search>
 void SearchAdapters(const Search& search) {
   try {
     search();

@@ -35,7 +35,7 @@ RegistryKey OpenDriverKey(HDEVINFO set, SP_DEVINFO_DATA& device) {
   return RegistryKey(key);
 }
 
-template <typename Content>
+template <class Content>
 Content Expect(RegistryProperty property, const std::string& name) {
   if (auto* content = std::get_if<Content>(&property)) {
     return std::move(*content);

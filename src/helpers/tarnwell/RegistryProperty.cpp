@@ -61,7 +61,7 @@ std::vector<std::wstring> ToStrings(std::span<const std::byte> data) {
   return strings;
 }
 
-template <typename Number>
+template <class Number>
 Number ToNumber(std::span<const std::byte> data, const char* check, int line) {
   if (data.size() < sizeof(Number)) {
     RaiseFailedAssertion(check, line, kUnit, kUnitName);

@@ -14,7 +14,7 @@ struct LocalMemoryDeleter {
 };
 
 /// snprintf into a string, whatever the length of the text.
-template <typename... Arguments>
+template <class... Arguments>
 std::string Format(const char* format, Arguments... arguments) {
   const int length = std::snprintf(nullptr, 0, format, arguments...);
   std::string text(length < 0 ? 0 : static_cast<std::size_t>(length), '\0');

@@ -108,7 +108,7 @@ TEST_F(LibraryCommands, LogOnTheCallersThread) {
   DWORD caller = 0;
   std::thread([&] {
     caller = GetCurrentThreadId();
-    DisableInternet();
+    EXPECT_EQ(DisableInternet(), 0U);
     library_->EnableDhcp(Log);
     library_->DisableDhcp(Log);
   }).join();

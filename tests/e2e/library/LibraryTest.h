@@ -21,7 +21,7 @@ class LibraryTest : public testing::Test {
   /// filters that its copy of application blocks points into.
   void ExpectOutstandingMemory(std::size_t blocks) { memoryBlocks_ = blocks; }
   /// DisableInternet without apps and interface names.
-  std::uint64_t DisableInternet() const;
+  [[nodiscard]] std::uint64_t DisableInternet() const;
 
   /// The log callback that the tests give to commands.
   static std::uint64_t CORVANE_CALL Log(const char* line);

@@ -19,7 +19,7 @@ class LoadedModule {
 
   /// The exported function of that name.
   /// @throws std::runtime_error when there is none.
-  template <typename Function>
+  template <class Function>
   [[nodiscard]] Function Find(const char* name) const {
     return reinterpret_cast<Function>(FindAddress(name));
   }

@@ -18,7 +18,7 @@ class LocalNetworkAndSkein : public LibraryTest {
  protected:
   LocalNetworkAndSkein() { Initialize(); }
 
-  std::uint64_t EnableSkein(std::uint64_t luid) const {
+  [[nodiscard]] std::uint64_t EnableSkein(std::uint64_t luid) const {
     return library_->EnableSkeinFirewallRules(Log, nullptr, 0, luid, kPeers, 2);
   }
 };

@@ -6,7 +6,7 @@
 
 namespace {
 
-template <typename Record>
+template <class Record>
 const Record* At(HMODULE module, std::size_t offset) {
   return reinterpret_cast<const Record*>(reinterpret_cast<const char*>(module) + offset);
 }

@@ -90,7 +90,7 @@ class ContentsOfEngine : public testing::Test {
   }
 
  private:
-  template <typename Function>
+  template <class Function>
   Function Find(const char* function) {
     return FindFunction<Function>(emulator_.get(), function);
   }

@@ -23,7 +23,7 @@ class PolicyReader : public testing::Test {
  protected:
   PolicyReader() { Find<decltype(&::EngineEmulatorReset)>("EngineEmulatorReset")(); }
 
-  template <typename Function>
+  template <class Function>
   Function Find(const char* function) {
     return FindFunction<Function>(emulator_.get(), function);
   }
@@ -161,7 +161,9 @@ TEST(ReportPage, AsksAboutEveryAssumption) {
   const std::size_t begin = page.find("id=\"data\">") + 10;
   const Json data = Json::parse(page.substr(begin, page.find("</script>", begin) - begin));
   std::vector<std::string> names;
-  for (const Json& assumption : data["assumptions"]) names.push_back(assumption["name"]);
+  for (const Json& assumption : data["assumptions"]) {
+    names.push_back(assumption["name"]);
+  }
   EXPECT_THAT(names, ElementsAre("filter-ties", "automatic-weights", "sublayer-ties", "several-negations",
                                  "unset-fields", "static-block-below-hard-permit", "loopback-bits"));
 }

@@ -13,7 +13,9 @@ using ::testing::ElementsAre;
 std::vector<std::string_view> NamesOfKind(FWPM_FIELD_TYPE type) {
   std::vector<std::string_view> names;
   for (const Field& field : kFields) {
-    if (field.type == type) names.push_back(field.name);
+    if (field.type == type) {
+      names.push_back(field.name);
+    }
   }
   return names;
 }
@@ -21,7 +23,9 @@ std::vector<std::string_view> NamesOfKind(FWPM_FIELD_TYPE type) {
 std::vector<std::string_view> NamesOfType(FWP_DATA_TYPE type) {
   std::vector<std::string_view> names;
   for (const Field& field : kFields) {
-    if (field.dataType == type) names.push_back(field.name);
+    if (field.dataType == type) {
+      names.push_back(field.name);
+    }
   }
   return names;
 }

@@ -39,7 +39,9 @@ namespace {
 std::map<std::string, GUID> KeysOf(std::string_view prefix) {
   std::map<std::string, GUID> keys;
   for (const auto& [name, key] : Keys()) {
-    if (name.starts_with(prefix)) keys.emplace(name.substr(prefix.size()), key);
+    if (name.starts_with(prefix)) {
+      keys.emplace(name.substr(prefix.size()), key);
+    }
   }
   return keys;
 }

@@ -185,13 +185,17 @@ TEST(LayerFields, AreInTheEnginesOrder) {
   std::vector<std::string> layers;
   std::string fields;
   const auto finish = [&] {
-    for (const std::string& layer : layers) expected[layer] = fields;
+    for (const std::string& layer : layers) {
+      expected[layer] = fields;
+    }
     layers.clear();
     fields.clear();
   };
   bool inFields = false;
   for (std::string line; std::getline(words, line);) {
-    if (inFields && !line.starts_with("  ")) finish();
+    if (inFields && !line.starts_with("  ")) {
+      finish();
+    }
     inFields = line.starts_with("  ") || line.ends_with(":");
     std::istringstream row(line);
     for (std::string word; row >> word;) {
@@ -218,7 +222,9 @@ std::string Added(const Layer& layer) {
 
 std::map<std::string, int> CountAdded(WindowsVersion version) {
   std::map<std::string, int> counts;
-  for (const Layer& layer : AllLayers(version)) ++counts[Added(layer)];
+  for (const Layer& layer : AllLayers(version)) {
+    ++counts[Added(layer)];
+  }
   return counts;
 }
 

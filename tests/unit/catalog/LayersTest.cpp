@@ -151,7 +151,9 @@ TEST(Layers, AnUnknownKeyIdOrNameIsNoLayer) {
 TEST(Layers, TwoHaveNoSymbol) {
   std::string names;
   for (const Layer& layer : AllLayers()) {
-    if (!layer.hasSymbol) names.append(layer.name).append(" ");
+    if (!layer.hasSymbol) {
+      names.append(layer.name).append(" ");
+    }
   }
   EXPECT_EQ(names, "ALE_ACCEPT_REDIRECT_V4 ALE_ACCEPT_REDIRECT_V6 ");
 }

@@ -51,7 +51,9 @@ TEST(ActionName, AgreesWithThePlatformsHeaders) {
       {FWP_ACTION_NONE, "NONE"},
       {FWP_ACTION_NONE_NO_MATCH, "NONE_NO_MATCH"},
   };
-  for (const auto& [action, name] : kActions) EXPECT_EQ(ActionName(action), name);
+  for (const auto& [action, name] : kActions) {
+    EXPECT_EQ(ActionName(action), name);
+  }
 }
 
 TEST(ActionName, AnUnknownActionIsTheBareNumber) {
@@ -73,7 +75,9 @@ TEST(MatchName, AgreesWithThePlatformsHeaders) {
       {FWP_MATCH_EQUAL_CASE_INSENSITIVE, "EQUAL_CASE_INSENSITIVE"},
       {FWP_MATCH_NOT_EQUAL, "NOT_EQUAL"},
   };
-  for (const auto& [match, name] : kMatches) EXPECT_EQ(MatchName(match), name);
+  for (const auto& [match, name] : kMatches) {
+    EXPECT_EQ(MatchName(match), name);
+  }
 }
 
 TEST(MatchName, KnowsTheMatchesOfRecentHeaders) {
@@ -111,7 +115,9 @@ TEST(DataTypeName, AgreesWithThePlatformsHeaders) {
       {FWP_V6_ADDR_MASK, "V6_ADDR_MASK"},
       {FWP_RANGE_TYPE, "RANGE"},
   };
-  for (const auto& [type, name] : kTypes) EXPECT_EQ(DataTypeName(type), name);
+  for (const auto& [type, name] : kTypes) {
+    EXPECT_EQ(DataTypeName(type), name);
+  }
 }
 
 TEST(DataTypeName, KnowsTheTypesOfRecentHeaders) {
@@ -135,7 +141,9 @@ TEST(FilterFlagNames, AgreeWithThePlatformsHeaders) {
       {FWPM_FILTER_FLAG_DISABLED, "DISABLED"},
       {FWPM_FILTER_FLAG_INDEXED, "INDEXED"},
   };
-  for (const auto& [flag, name] : kFlags) EXPECT_EQ(FilterFlagNames(flag), name);
+  for (const auto& [flag, name] : kFlags) {
+    EXPECT_EQ(FilterFlagNames(flag), name);
+  }
 }
 
 TEST(Numbers, OfNamesAreThoseThatGiveThem) {
@@ -195,7 +203,9 @@ TEST(ConditionFlagNames, AgreeWithThePlatformsHeaders) {
       {FWP_CONDITION_FLAG_IS_RESERVED, "IS_RESERVED"},
       {FWP_CONDITION_FLAG_IS_HONORING_POLICY_AUTHORIZE, "IS_HONORING_POLICY_AUTHORIZE"},
   };
-  for (const auto& [flag, name] : kFlags) EXPECT_EQ(ConditionFlagNames(flag), name);
+  for (const auto& [flag, name] : kFlags) {
+    EXPECT_EQ(ConditionFlagNames(flag), name);
+  }
 }
 
 TEST(ConditionFlagNames, StandFromTheHighestBitToTheLowest) {

@@ -5,7 +5,7 @@ namespace {
 /// Each test spoils one thing in a filter that the engine would accept.
 class FilterChecks : public EngineTest {
  protected:
-  DWORD Check() const {
+  [[nodiscard]] DWORD Check() const {
     const TestSession session;
     return Add(session, filter_);
   }

@@ -135,14 +135,18 @@ TEST_F(Journal, HoldsEachFunctionUnderItsOwnName) {
 
 TEST_F(Journal, HoldsEveryFunctionThatTheDllExports) {
   std::vector<std::string> names;
-  for (const Function& function : kFunctions) names.emplace_back(function.name);
+  for (const Function& function : kFunctions) {
+    names.emplace_back(function.name);
+  }
   EXPECT_THAT(names, testing::UnorderedElementsAreArray(kEmulatedFunctions));
 }
 
 /// A file name as the journal shows it. @param units its UTF-16 units.
 std::string Written(std::initializer_list<unsigned> units) {
   std::wstring name;
-  for (const unsigned unit : units) name += static_cast<wchar_t>(unit);
+  for (const unsigned unit : units) {
+    name += static_cast<wchar_t>(unit);
+  }
   FWP_BYTE_BLOB* blob = nullptr;
   FwpmGetAppIdFromFileName0(name.c_str(), &blob);
   return EngineEmulator::Journal().back().arguments;

@@ -119,14 +119,26 @@ TEST_F(ObservedWeight, OfFieldsOfDifferentClassesNeverOverlaps) {
   }
 }
 
+/// 0 for what is no number.
+int BitsOf(FWP_DATA_TYPE type) {
+  switch (type) {
+    case FWP_UINT8:
+      return 8;
+    case FWP_UINT16:
+      return 16;
+    case FWP_UINT32:
+      return 32;
+    case FWP_BYTE_ARRAY16_TYPE:
+      return 128;
+    default:
+      return 0;
+  }
+}
+
 /// A condition of random width on a field, and one that pins down more bits.
 std::pair<std::string, std::string> Narrowed(const Catalog::LayerField& field, std::mt19937& random) {
   const std::string name(field.field->name);
-  const int bits = field.dataType == FWP_UINT8               ? 8
-                   : field.dataType == FWP_UINT16            ? 16
-                   : field.dataType == FWP_UINT32            ? 32
-                   : field.dataType == FWP_BYTE_ARRAY16_TYPE ? 128
-                                                             : 0;
+  const int bits = BitsOf(field.dataType);
   if (bits == 0 || field.type == FWPM_FIELD_FLAGS) {
     return {name, name};
   }

@@ -111,7 +111,9 @@ std::vector<UINT8> WeightsInOrder(HANDLE session, UINT32 flags) {
   EXPECT_EQ(FwpmFilterCreateEnumHandle0(session, &criteria, &enumHandle), kSuccess);
   EXPECT_EQ(FwpmFilterEnum0(session, enumHandle, 100, &filters, &count), kSuccess);
   std::vector<UINT8> weights;
-  for (UINT32 index = 0; index < count; ++index) weights.push_back(filters[index]->weight.uint8);
+  for (UINT32 index = 0; index < count; ++index) {
+    weights.push_back(filters[index]->weight.uint8);
+  }
   Free(filters);
   FwpmFilterDestroyEnumHandle0(session, enumHandle);
   return weights;

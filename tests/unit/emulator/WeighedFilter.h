@@ -57,10 +57,7 @@ class WeighedFilter {
     const char sign = end == std::string::npos ? ' ' : text[end];
     FWPM_FILTER_CONDITION0 condition{};
     condition.fieldKey = field->key;
-    condition.matchType = sign == '!'   ? FWP_MATCH_NOT_EQUAL
-                          : sign == '&' ? FWP_MATCH_FLAGS_ALL_SET
-                          : sign == '~' ? FWP_MATCH_FLAGS_NONE_SET
-                                        : FWP_MATCH_EQUAL;
+    condition.matchType = MatchOf(sign);
     if (sign == '/' || sign == '#') {
       SetRange(condition, fieldAt->dataType, CountOf(text.substr(end), fieldAt->dataType));
     } else {
@@ -69,8 +66,30 @@ class WeighedFilter {
     return condition;
   }
 
+  static FWP_MATCH_TYPE MatchOf(char sign) {
+    switch (sign) {
+      case '!':
+        return FWP_MATCH_NOT_EQUAL;
+      case '&':
+        return FWP_MATCH_FLAGS_ALL_SET;
+      case '~':
+        return FWP_MATCH_FLAGS_NONE_SET;
+      default:
+        return FWP_MATCH_EQUAL;
+    }
+  }
+
   static int BitsOf(FWP_DATA_TYPE type) {
-    return type == FWP_UINT8 ? 8 : type == FWP_UINT16 ? 16 : type == FWP_UINT32 ? 32 : 128;
+    switch (type) {
+      case FWP_UINT8:
+        return 8;
+      case FWP_UINT16:
+        return 16;
+      case FWP_UINT32:
+        return 32;
+      default:
+        return 128;
+    }
   }
 
   /// The number of values in a range, exact to 53 bits.
@@ -90,9 +109,15 @@ class WeighedFilter {
       range.valueHigh.byteArray16 = &addresses_.emplace_back(HighestOf(count));
     } else {
       const auto high = static_cast<UINT32>(count - 1);
-      if (type == FWP_UINT8) range.valueHigh.uint8 = static_cast<UINT8>(high);
-      if (type == FWP_UINT16) range.valueHigh.uint16 = static_cast<UINT16>(high);
-      if (type == FWP_UINT32) range.valueHigh.uint32 = high;
+      if (type == FWP_UINT8) {
+        range.valueHigh.uint8 = static_cast<UINT8>(high);
+      }
+      if (type == FWP_UINT16) {
+        range.valueHigh.uint16 = static_cast<UINT16>(high);
+      }
+      if (type == FWP_UINT32) {
+        range.valueHigh.uint32 = high;
+      }
     }
     condition.matchType = FWP_MATCH_RANGE;
     condition.conditionValue.type = FWP_RANGE_TYPE;

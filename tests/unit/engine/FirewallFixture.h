@@ -31,7 +31,9 @@ class FirewallFixture : public EngineTest {
   /// The keys of the sublayers in the engine, in the order of adding.
   static std::vector<GUID> InstalledKeys() {
     std::vector<GUID> keys;
-    for (const auto& sublayer : EngineEmulator::TakeSnapshot().sublayers) keys.push_back(sublayer.key);
+    for (const auto& sublayer : EngineEmulator::TakeSnapshot().sublayers) {
+      keys.push_back(sublayer.key);
+    }
     return keys;
   }
 

@@ -97,7 +97,11 @@ Texts Expectations::Log(const Outcome& outcome, const char* loggedCode) const {
     lines.pop_back();
   }
   for (const std::string& line : command_.failureLog) {
-    lines.push_back(line == kCodeLine ? loggedCode : line == kMessageLine ? outcome.message : line);
+    if (line == kCodeLine) {
+      lines.emplace_back(loggedCode);
+    } else {
+      lines.push_back(line == kMessageLine ? outcome.message : line);
+    }
   }
   return lines;
 }

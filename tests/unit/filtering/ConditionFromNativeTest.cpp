@@ -37,7 +37,7 @@ FWPM_FILTER_CONDITION0 NativeNumber(const GUID& key, FWP_DATA_TYPE type) {
 }
 
 /// The value read from a condition. If it is not of exactly this class, gives null and fails the test.
-template <typename ValueClass>
+template <class ValueClass>
 std::shared_ptr<ValueClass> Read(FWPM_FILTER_CONDITION0& native) {
   const std::shared_ptr<BaseValue> value = Condition::FromNative(native).GetConditionValue();
   const BaseValue& held = *value;
@@ -71,7 +71,7 @@ TEST(ConditionFromNative, InterfaceLuidsAreCopied) {
   EXPECT_EQ(*localValue->GetValue(), 0x0006008001000000u);
 }
 
-template <typename ValueClass>
+template <class ValueClass>
 void ExpectNumberRead(FWPM_FILTER_CONDITION0 native, int expected) {
   const auto value = Read<ValueClass>(native);
   ASSERT_NE(value, nullptr);
@@ -108,7 +108,7 @@ TEST(ConditionFromNative, Ports) {
   ExpectNumberRead<RemotePort>(remote, 8080);
 }
 
-template <typename ValueClass>
+template <class ValueClass>
 void ExpectAddressRead(const GUID& key) {
   FWPM_FILTER_CONDITION0 native = NativeNumber(key, FWP_UINT32);
   native.conditionValue.uint32 = 0xC0A80001;
@@ -124,7 +124,7 @@ TEST(ConditionFromNative, SingleAddressesAreReadByTheirField) {
   ExpectAddressRead<SourceIpAddressV4>(kSourceAddress);
 }
 
-template <typename ValueClass>
+template <class ValueClass>
 void ExpectNetworkV4Read(const GUID& key) {
   FWP_V4_ADDR_AND_MASK network{0xC0A80000, 0xFFFF0000};
   FWPM_FILTER_CONDITION0 native = Native(key, FWP_V4_ADDR_MASK);
@@ -143,7 +143,7 @@ TEST(ConditionFromNative, IpV4NetworksAreCopied) {
   ExpectNetworkV4Read<SourceIpAddressAndMaskV4>(kSourceAddress);
 }
 
-template <typename ValueClass>
+template <class ValueClass>
 void ExpectNetworkV6Read(const GUID& key) {
   FWP_V6_ADDR_AND_MASK network{{0xfe, 0x80}, 10};
   FWPM_FILTER_CONDITION0 native = Native(key, FWP_V6_ADDR_MASK);

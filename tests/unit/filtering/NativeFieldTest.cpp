@@ -18,7 +18,7 @@ TEST(NativeField, ClassDecidesFieldAndDataType) {
   constexpr FWP_V4_ADDR_AND_MASK kNetworkV4{};
   constexpr FWP_V6_ADDR_AND_MASK kNetworkV6{};
   struct Row {
-    BaseValue* value;  ///< the condition takes it over
+    BaseValue* value;  ///< the condition takes ownership
     GUID key;
     int type;  ///< the number of the FWP_DATA_TYPE
   };
@@ -155,7 +155,7 @@ TEST(NativeField, ClassesWithoutAFieldAreRefused) {
 }
 
 /// A value that was moved from.
-template <typename ValueClass>
+template <class ValueClass>
 BaseValue* MovedFrom(ValueClass value) {
   const ValueClass heir = std::move(value);
   return new ValueClass(std::move(value));  // NOLINT(bugprone-use-after-move): that is the test.

@@ -11,7 +11,9 @@
 struct NativeForm {
   explicit NativeForm(const std::vector<WfpFirewall::Filtering::Condition>& conditions) {
     filter.SetLayer(WfpFirewall::Filtering::LayerType::AleAuthConnectV4);
-    for (const auto& condition : conditions) filter.AddCondition(condition);
+    for (const auto& condition : conditions) {
+      filter.AddCondition(condition);
+    }
     record = filter.ToNativeFilter();
   }
   NativeForm(const NativeForm&) = delete;

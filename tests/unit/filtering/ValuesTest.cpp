@@ -74,7 +74,7 @@ TEST(IpAddressV4, ParsesTextToHostOrder) {
   EXPECT_EQ(*DestinationIpAddressV4("255.255.255.255").GetValue(), 0xFFFFFFFFu);
 }
 
-template <typename ValueClass>
+template <class ValueClass>
 std::string LeftOfAddress() {
   return LeftOf(std::string("10.0.0.1"), [](std::string&& text) { ValueClass{std::move(text)}; });
 }
@@ -108,7 +108,7 @@ TEST(IpAddressAndMaskV4, TakesAddressesOfEitherForm) {
   EXPECT_EQ(value.GetValue()->mask, 0xFF000000u);
 }
 
-template <typename ValueClass>
+template <class ValueClass>
 std::string LeftOfNetworkV4() {
   const auto fromAddress = [](std::string&& text) { ValueClass(std::move(text), "255.0.0.0"); };
   const auto fromMask = [](std::string&& text) { ValueClass("10.0.0.0", std::move(text)); };
@@ -139,7 +139,7 @@ TEST(IpAddressAndMaskV6, ParsesTextAndKeepsThePrefixLength) {
   EXPECT_EQ(value.GetValue()->prefixLength, 10);
 }
 
-template <typename ValueClass>
+template <class ValueClass>
 std::string LeftOfNetworkV6() {
   return LeftOf(std::string("fe80::"), [](std::string&& text) { ValueClass(std::move(text), 10); });
 }

@@ -36,7 +36,11 @@ class Dice {
     const std::string layer =
         OneOf(std::array{"ALE_AUTH_CONNECT", "ALE_AUTH_RECV_ACCEPT", "ALE_FLOW_ESTABLISHED"});
     std::string text = layer + suffix + " | ";
-    text += OneIn(12) ? "CALLOUT_TERMINATING" : OneIn(2) ? "PERMIT" : "BLOCK";
+    if (OneIn(12)) {
+      text += "CALLOUT_TERMINATING";
+    } else {
+      text += OneIn(2) ? "PERMIT" : "BLOCK";
+    }
     text += OneOf(std::array{" | UINT8 3 | ", " | UINT8 3 | ", " | UINT8 4 | ", " | EMPTY | ",
                              " | UINT64 0x3000000000000005 | ", " | UINT64 0x4000000000000000 | "});
     text += OneIn(4) ? "CLEAR_ACTION_RIGHT | " : "- | ";

@@ -218,7 +218,9 @@ TEST_F(AssumptionsTest, AlternativesLeaveOutWhatDoesNotMatter) {
   EXPECT_THAT(Policy::Distinguishing(worlds),
               ElementsAre(Assumption::SublayerTies, Assumption::LoopbackBits));
   std::vector<std::string> texts;
-  for (const auto& choices : Alternatives(worlds)) texts.push_back(Policy::Describe(choices));
+  for (const auto& choices : Alternatives(worlds)) {
+    texts.push_back(Policy::Describe(choices));
+  }
   EXPECT_THAT(texts, testing::UnorderedElementsAre("sublayer-ties = permit-first", "loopback-bits = alone"));
 }
 

@@ -17,8 +17,12 @@ class DecideTest : public PolicyTest {
   /// The verdict of filters in a heavier and in a lighter sublayer, in the world of the first readings.
   std::string Above(const char* higher, const char* lower) {
     SetUpAgain();
-    if (higher != nullptr) Install(2, higher);
-    if (lower != nullptr) Install(1, lower);
+    if (higher != nullptr) {
+      Install(2, higher);
+    }
+    if (lower != nullptr) {
+      Install(1, lower);
+    }
     const Policy::Snapshot snapshot = Read();
     const auto action = Policy::Decider(snapshot).Decide(To("198.51.100.1")).In(Policy::World());
     return std::string(Policy::ActionText(action.value()));

@@ -70,7 +70,9 @@ TEST_F(MapTest, ClassesAreNamedByTheShorterWay) {
   const Map map = Policy::MakeMap(snapshot, {{{7, "Tunnel"}}, {}});
   ASSERT_THAT(map.sections.at(0).fields, SizeIs(1));
   std::vector<std::string> texts;
-  for (const auto& values : map.sections.at(0).fields.front().classes) texts.push_back(values.text);
+  for (const auto& values : map.sections.at(0).fields.front().classes) {
+    texts.push_back(values.text);
+  }
   EXPECT_THAT(texts, testing::UnorderedElementsAre("Tunnel", "other than Tunnel"));
 }
 
@@ -223,8 +225,9 @@ ALE_AUTH_CONNECT_V4 | BLOCK | UINT8 1 | - | ALE_APP_ID PREFIX BYTE_BLOB a.exe
 
 TEST_F(MapTest, LongListsCanBeCut) {
   std::string filter = "ALE_AUTH_CONNECT_V4 | BLOCK | UINT8 2 | - | IP_REMOTE_PORT EQUAL UINT16 1";
-  for (const char* port : {"3", "5", "7", "9"})
+  for (const char* port : {"3", "5", "7", "9"}) {
     filter += std::string(" & IP_REMOTE_PORT EQUAL UINT16 ") + port;
+  }
   Install(1, filter);
   EXPECT_THAT(MapText({}, {2}), HasSubstr("remote port 1, 3 and 3 more: block"));
   EXPECT_THAT(MapText(), HasSubstr("remote port 1, 3, 5, 7, 9: block"));

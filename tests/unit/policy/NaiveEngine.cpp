@@ -69,8 +69,12 @@ Order Compare(const Fields& left, const Fields& right, const std::string& field)
   }
   const Narrowness narrow = ofLeft == left.end() ? Narrowness{} : NarrownessOf(ofLeft->second.conditions);
   const Narrowness other = ofRight == right.end() ? Narrowness{} : NarrownessOf(ofRight->second.conditions);
-  if (narrow.least > other.most) return Greater;
-  if (narrow.most < other.least) return Less;
+  if (narrow.least > other.most) {
+    return Greater;
+  }
+  if (narrow.most < other.least) {
+    return Less;
+  }
   return other.most == 0 ? Same : Unknown;
 }
 
@@ -100,7 +104,9 @@ bool OutranksAsKnown(const NaiveFilter& filter, const NaiveFilter& other) {
   all.insert(theirs.begin(), theirs.end());
   for (const auto& [field, conditions] : all) {
     const Order order = Compare(mine, theirs, field);
-    if (order == Less || order == Unknown) return false;
+    if (order == Less || order == Unknown) {
+      return false;
+    }
     isGreater = isGreater || order == Greater;
   }
   return isGreater;
@@ -130,13 +136,19 @@ bool Ties(const NaiveFilter& filter, const NaiveFilter& other, World world) {
 }
 
 Decision Least(const NaiveFilter& filter) {
-  if (filter.IsCallout()) return Veto;
-  if (filter.record->action.type == FWP_ACTION_BLOCK) return Block;
+  if (filter.IsCallout()) {
+    return Veto;
+  }
+  if (filter.record->action.type == FWP_ACTION_BLOCK) {
+    return Block;
+  }
   return (filter.record->flags & 8) != 0 ? HardPermit : Nothing;
 }
 
 Decision Most(const NaiveFilter& filter) {
-  if (filter.record->action.type == FWP_ACTION_BLOCK) return Block;
+  if (filter.record->action.type == FWP_ACTION_BLOCK) {
+    return Block;
+  }
   return (filter.record->flags & 8) != 0 ? HardPermit : Nothing;
 }
 
@@ -154,13 +166,17 @@ bool IsOutranked(const NaiveFilter& filter, const Filters& others, World world) 
 Decision DecideSurely(const Filters& filters, World world) {
   Filters first;
   for (const NaiveFilter* filter : filters) {
-    if (!IsOutranked(*filter, filters, world)) first.push_back(filter);
+    if (!IsOutranked(*filter, filters, world)) {
+      first.push_back(filter);
+    }
   }
   std::vector<Decision> decisions;
   for (const NaiveFilter* filter : first) {
     std::vector<Decision> tied;
     for (const NaiveFilter* other : first) {
-      if (Ties(*filter, *other, world)) tied.push_back(Least(*other));
+      if (Ties(*filter, *other, world)) {
+        tied.push_back(Least(*other));
+      }
     }
     decisions.push_back(Pick(tied, !Second(world, Assumption::FilterTies)));
   }
@@ -175,7 +191,9 @@ std::pair<Decision, Decision> Decide(const NaiveSublayer& sublayer, const GUID& 
   for (const NaiveFilter& filter : sublayer.filters) {
     if (filter.record->layerKey == layer) {
       const Matching matching = Matches(filter, connection, world);
-      if (matching != No) (matching == Yes ? sure : perhaps).push_back(&filter);
+      if (matching != No) {
+        (matching == Yes ? sure : perhaps).push_back(&filter);
+      }
     }
   }
   std::vector<Decision> decisions{DecideSurely(sure, world)};
@@ -194,13 +212,19 @@ using Turns = std::vector<std::pair<UINT16, Decision>>;
 Action Combine(Turns turns, World world) {
   const bool blockFirst = !Second(world, Assumption::SublayerTies);
   std::ranges::sort(turns, [blockFirst](const auto& left, const auto& right) {
-    if (left.first != right.first) return left.first > right.first;
+    if (left.first != right.first) {
+      return left.first > right.first;
+    }
     return blockFirst ? left.second < right.second : left.second > right.second;
   });
   bool isHard = false;
   for (const auto& [weight, decision] : turns) {
-    if (decision == Veto) return Action::Block;
-    if (decision == Block && (!isHard || Second(world, Assumption::StaticBlocks))) return Action::Block;
+    if (decision == Veto) {
+      return Action::Block;
+    }
+    if (decision == Block && (!isHard || Second(world, Assumption::StaticBlocks))) {
+      return Action::Block;
+    }
     isHard = isHard || decision == HardPermit;
   }
   return Action::Permit;

@@ -123,14 +123,30 @@ Value ValueOf(const std::string& field, const Connection& connection, World worl
     const bool accompanied = connection.flags == UINT32{1} && Second(world, Assumption::LoopbackBits);
     return Numeric(accompanied ? std::optional<UINT32>(0x00800001) : connection.flags);
   }
-  if (field == "IP_LOCAL_INTERFACE") return Numeric(connection.localInterface);
-  if (field == "IP_PROTOCOL") return Numeric(connection.protocol);
-  if (field == "IP_LOCAL_PORT") return Numeric(connection.localPort);
-  if (field == "IP_REMOTE_PORT") return Numeric(connection.remotePort);
-  if (field == "IP_LOCAL_ADDRESS") return Numeric(connection.localAddress);
-  if (field == "IP_REMOTE_ADDRESS") return Numeric(connection.remoteAddress);
-  if (field == "ALE_APP_ID") return {true, std::nullopt, connection.application};
-  if (field == "DIRECTION") return Numeric(std::optional<UINT32>(connection.direction == Direction::Inbound));
+  if (field == "IP_LOCAL_INTERFACE") {
+    return Numeric(connection.localInterface);
+  }
+  if (field == "IP_PROTOCOL") {
+    return Numeric(connection.protocol);
+  }
+  if (field == "IP_LOCAL_PORT") {
+    return Numeric(connection.localPort);
+  }
+  if (field == "IP_REMOTE_PORT") {
+    return Numeric(connection.remotePort);
+  }
+  if (field == "IP_LOCAL_ADDRESS") {
+    return Numeric(connection.localAddress);
+  }
+  if (field == "IP_REMOTE_ADDRESS") {
+    return Numeric(connection.remoteAddress);
+  }
+  if (field == "ALE_APP_ID") {
+    return {true, std::nullopt, connection.application};
+  }
+  if (field == "DIRECTION") {
+    return Numeric(std::optional<UINT32>(connection.direction == Direction::Inbound));
+  }
   return {false, std::nullopt, std::nullopt};
 }
 

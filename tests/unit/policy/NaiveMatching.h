@@ -23,7 +23,7 @@ struct NaiveFilter {
     std::string text;
   };
 
-  bool IsCallout() const { return record->action.type == FWP_ACTION_CALLOUT_TERMINATING; }
+  [[nodiscard]] bool IsCallout() const { return record->action.type == FWP_ACTION_CALLOUT_TERMINATING; }
 
   const FWPM_FILTER0* record;
   UINT64 effectiveWeight = 0;

@@ -107,7 +107,9 @@ TEST_F(SnapshotTest, ReadsTheProvidersOfTheEngine) {
   features.dhcp = true;
   Install(features);
   std::vector<std::string> names;
-  for (const Policy::Provider& provider : Read().providers) names.push_back(provider.name);
+  for (const Policy::Provider& provider : Read().providers) {
+    names.push_back(provider.name);
+  }
   EXPECT_THAT(names, testing::Contains("Corvane"));
 }
 
@@ -115,7 +117,9 @@ TEST_F(SnapshotTest, SublayersDescendByWeight) {
   Install(7, "");
   Install(0xFFFF, "");
   std::vector<UINT16> weights;
-  for (const Policy::Sublayer& sublayer : Read().sublayers) weights.push_back(sublayer.weight);
+  for (const Policy::Sublayer& sublayer : Read().sublayers) {
+    weights.push_back(sublayer.weight);
+  }
   EXPECT_TRUE(std::ranges::is_sorted(weights, std::greater<>()));
   EXPECT_EQ(weights.front(), 0xFFFF);
 }
@@ -131,7 +135,9 @@ TEST_F(SnapshotTest, ASublayerThatIsNotShownIsMarked) {
 
 TEST_F(SnapshotTest, ReadsEveryPage) {
   std::string filters;
-  for (int i = 0; i < 2500; ++i) filters += "ALE_AUTH_CONNECT_V4 | BLOCK | EMPTY | - | -\n";
+  for (int i = 0; i < 2500; ++i) {
+    filters += "ALE_AUTH_CONNECT_V4 | BLOCK | EMPTY | - | -\n";
+  }
   Install(1, filters);
   const Snapshot snapshot = Read();
   EXPECT_THAT(snapshot.filters, SizeIs(2500));

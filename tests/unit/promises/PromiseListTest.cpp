@@ -19,7 +19,9 @@ std::vector<std::string> TextsOf(const Features& features) {
 
 std::vector<std::string> NamesOf(const Features& features) {
   std::vector<std::string> names;
-  for (const Promises::Promise& promise : Promises::PromisesOf(features)) names.push_back(promise.name);
+  for (const Promises::Promise& promise : Promises::PromisesOf(features)) {
+    names.push_back(promise.name);
+  }
   return names;
 }
 

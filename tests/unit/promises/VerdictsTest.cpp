@@ -32,7 +32,9 @@ const Policy::Labels kLabels{{{kTunnel, "Tunnel"}, {kSkein, "Skein"}},
 /// always the same.
 Features FeaturesOf(unsigned combination) {
   Features features;
-  if ((combination & 1) != 0) features.killSwitch.emplace();
+  if ((combination & 1) != 0) {
+    features.killSwitch.emplace();
+  }
   features.dhcp = (combination & 2) != 0;
   features.localNetworkBlock = (combination & 4) != 0;
   if ((combination & 8) != 0) {
@@ -40,14 +42,18 @@ Features FeaturesOf(unsigned combination) {
     features.leakProtection = Features::LeakProtection{{kTunnel}, 0xCB007101, {0xCB007102, 0xCB007103},
                                                        kResolver, {kBlocked}, {kBlocked}};
   }
-  if ((combination & 16) != 0) features.skein = Features::Skein{{kSkein}, {0x64400001, 0x64400002}};
+  if ((combination & 16) != 0) {
+    features.skein = Features::Skein{{kSkein}, {0x64400001, 0x64400002}};
+  }
   return features;
 }
 
 std::string NameOf(unsigned combination) {
   std::string name;
   for (std::size_t i = 0; i < std::size(kFeatureNames); ++i) {
-    if ((combination >> i & 1) != 0) name.append(name.empty() ? "" : "+").append(kFeatureNames[i]);
+    if ((combination >> i & 1) != 0) {
+      name.append(name.empty() ? "" : "+").append(kFeatureNames[i]);
+    }
   }
   return name.empty() ? "nothing" : name;
 }
@@ -98,7 +104,11 @@ class Traffic {
     Set(connection.protocol, OneIn(2) ? UINT8{6} : UINT8{17});
     Set(connection.localInterface, OneOf(kInterfaces));
     Set(connection.flags, OneOf(kWords));
-    Set(connection.application, OneIn(3) ? kResolver : OneIn(3) ? kBlocked : connection.application);
+    if (OneIn(3)) {
+      Set(connection.application, kResolver);
+    } else {
+      Set(connection.application, OneIn(3) ? kBlocked : connection.application);
+    }
     return connection;
   }
 
@@ -183,7 +193,9 @@ TEST_F(PromiseStatesTest, AreThoseInTheFile) {
     const Policy::Snapshot snapshot = Read();
     text += NameOf(combination) + '\n';
     for (const Promises::PromiseResult& result : Promises::Prove(snapshot, FeaturesOf(combination))) {
-      if (result.keeping == Promises::Keeping::Holds) continue;
+      if (result.keeping == Promises::Keeping::Holds) {
+        continue;
+      }
       text += "  " + result.name + ": " + std::string(Promises::KeepingText(result.keeping)) + '\n';
       for (const auto& choices : Policy::Alternatives(result.worlds)) {
         text += "    holds with " + Policy::Describe(choices) + '\n';

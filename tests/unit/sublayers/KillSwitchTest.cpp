@@ -56,7 +56,9 @@ TEST_F(KillSwitchTest, OnlyLimitedBroadcastOverridesOtherSublayers) {
   const std::vector<std::string> filters = Install(Make());
   std::vector<std::size_t> overriding;
   for (std::size_t i = 0; i < filters.size(); ++i) {
-    if (filters[i].find("CLEAR_ACTION_RIGHT") != std::string::npos) overriding.push_back(i + 1);
+    if (filters[i].find("CLEAR_ACTION_RIGHT") != std::string::npos) {
+      overriding.push_back(i + 1);
+    }
   }
   EXPECT_EQ(overriding, (std::vector<std::size_t>{8, 16, 24}));
 }

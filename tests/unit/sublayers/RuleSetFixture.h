@@ -17,7 +17,9 @@ inline std::vector<std::string> Lines(const std::string& table) {
   std::istringstream stream(table);
   std::vector<std::string> lines;
   for (std::string line; std::getline(stream, line);) {
-    if (!line.empty()) lines.push_back(line);
+    if (!line.empty()) {
+      lines.push_back(line);
+    }
   }
   return lines;
 }
@@ -36,7 +38,9 @@ class RuleSetFixture : public EngineTest {
   /// Applies a rule set and gives the filters in the engine as texts.
   static std::vector<std::string> Install(const WfpFirewall::Sublayer& ruleSet) {
     std::vector<std::string> texts;
-    for (const auto& filter : InstallAndLook(ruleSet).filters) texts.push_back(filter.text);
+    for (const auto& filter : InstallAndLook(ruleSet).filters) {
+      texts.push_back(filter.text);
+    }
     return texts;
   }
 
@@ -45,7 +49,9 @@ class RuleSetFixture : public EngineTest {
     const std::vector<std::string> installed = Install(ruleSet);
     const std::vector<std::string> expected = Lines(table);
     const auto [is, shouldBe] = std::ranges::mismatch(installed, expected);
-    if (is == installed.end() && shouldBe == expected.end()) return testing::AssertionSuccess();
+    if (is == installed.end() && shouldBe == expected.end()) {
+      return testing::AssertionSuccess();
+    }
     return testing::AssertionFailure()
            << "filter " << is - installed.begin() + 1 << " differs\n"
            << "  expected:  " << (shouldBe == expected.end() ? "none" : *shouldBe) << "\n"
