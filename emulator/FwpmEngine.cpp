@@ -7,7 +7,7 @@ using namespace EngineEmulator;
 
 namespace {
 
-constexpr const char* kSecurityName = "engine";
+constexpr const char* kEngineSecurityName = "engine";
 
 /// FWPM_ENGINE_OPTION has grown with Windows; a number is an option if there is room for its value.
 UINT32* FindOption(Engine& engine, FWPM_ENGINE_OPTION option) {
@@ -91,14 +91,14 @@ DWORD WINAPI FwpmEngineSetOption0(HANDLE engineHandle, FWPM_ENGINE_OPTION option
 DWORD WINAPI FwpmEngineGetSecurityInfo0(HANDLE engineHandle, SECURITY_INFORMATION securityInfo,
                                         PSID* sidOwner, PSID* sidGroup, PACL* dacl, PACL* sacl,
                                         PSECURITY_DESCRIPTOR* securityDescriptor) {
-  return AnswerGetSecurity("FwpmEngineGetSecurityInfo0", engineHandle, kSecurityName, securityInfo,
+  return AnswerGetSecurity("FwpmEngineGetSecurityInfo0", engineHandle, kEngineSecurityName, securityInfo,
                            {sidOwner, sidGroup, dacl, sacl, securityDescriptor});
 }
 
 DWORD WINAPI FwpmEngineSetSecurityInfo0(HANDLE engineHandle, SECURITY_INFORMATION securityInfo,
                                         const SID* sidOwner, const SID* sidGroup, const ACL* dacl,
                                         const ACL* sacl) {
-  return AnswerSetSecurity("FwpmEngineSetSecurityInfo0", engineHandle, kSecurityName, securityInfo,
+  return AnswerSetSecurity("FwpmEngineSetSecurityInfo0", engineHandle, kEngineSecurityName, securityInfo,
                            {sidOwner, sidGroup, dacl, sacl});
 }
 

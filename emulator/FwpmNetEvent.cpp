@@ -6,7 +6,7 @@ using namespace EngineEmulator;
 
 namespace {
 
-constexpr const char* kSecurityName = "net events";
+constexpr const char* kEventsSecurityName = "net events";
 
 template <class Event>
 DWORD AnswerNoEvents(const char* function, HANDLE engineHandle, HANDLE enumHandle, Event*** entries,
@@ -108,14 +108,14 @@ DWORD WINAPI FwpmNetEventSubscriptionsGet0(HANDLE engineHandle, FWPM_NET_EVENT_S
 DWORD WINAPI FwpmNetEventsGetSecurityInfo0(HANDLE engineHandle, SECURITY_INFORMATION securityInfo,
                                            PSID* sidOwner, PSID* sidGroup, PACL* dacl, PACL* sacl,
                                            PSECURITY_DESCRIPTOR* securityDescriptor) {
-  return AnswerGetSecurity("FwpmNetEventsGetSecurityInfo0", engineHandle, kSecurityName, securityInfo,
+  return AnswerGetSecurity("FwpmNetEventsGetSecurityInfo0", engineHandle, kEventsSecurityName, securityInfo,
                            {sidOwner, sidGroup, dacl, sacl, securityDescriptor});
 }
 
 DWORD WINAPI FwpmNetEventsSetSecurityInfo0(HANDLE engineHandle, SECURITY_INFORMATION securityInfo,
                                            const SID* sidOwner, const SID* sidGroup, const ACL* dacl,
                                            const ACL* sacl) {
-  return AnswerSetSecurity("FwpmNetEventsSetSecurityInfo0", engineHandle, kSecurityName, securityInfo,
+  return AnswerSetSecurity("FwpmNetEventsSetSecurityInfo0", engineHandle, kEventsSecurityName, securityInfo,
                            {sidOwner, sidGroup, dacl, sacl});
 }
 

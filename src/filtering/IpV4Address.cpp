@@ -9,7 +9,7 @@ namespace WfpFirewall {
 namespace {
 
 constexpr std::int32_t kSeeText = -1;
-constexpr std::size_t kTextSize = 22;
+constexpr std::size_t kTextSizeV4 = 22;
 
 }  // namespace
 
@@ -31,7 +31,7 @@ std::string IpV4Address::GetAddressString() const {
     return text_;
   }
   // The number is in host byte order and inet_ntop takes network byte order: the octets print reversed.
-  std::array<char, kTextSize> buffer{};
+  std::array<char, kTextSizeV4> buffer{};
   inet_ntop(AF_INET, &address_, buffer.data(), buffer.size());
   return buffer.data();
 }

@@ -8,7 +8,7 @@
 namespace WfpFirewall {
 namespace {
 
-constexpr std::size_t kTextSize = 65;
+constexpr std::size_t kTextSizeV6 = 65;
 
 }  // namespace
 
@@ -32,7 +32,7 @@ std::string IpV6Address::GetAddressString() const {
   if (!text_.empty()) {
     return text_;
   }
-  std::array<char, kTextSize> buffer{};
+  std::array<char, kTextSizeV6> buffer{};
   inet_ntop(AF_INET6, &bytes_, buffer.data(), buffer.size());
   return buffer.data();
 }

@@ -12,7 +12,7 @@
 namespace Tarnwell {
 namespace {
 
-constexpr auto kUnit = "DeviceInfoSet.cpp";
+constexpr auto kDeviceInfoSetUnit = "DeviceInfoSet.cpp";
 
 // Parts of the error texts: they stay the same when the code moves to other lines.
 constexpr int kEnumLine = 73;
@@ -30,7 +30,7 @@ using RegistryKey = std::unique_ptr<std::remove_pointer_t<HKEY>, RegistryKeyClos
 RegistryKey OpenDriverKey(HDEVINFO set, SP_DEVINFO_DATA& device) {
   const HKEY key = SetupDiOpenDevRegKey(set, &device, DICS_FLAG_GLOBAL, 0, DIREG_DRV, KEY_READ);
   if (key == INVALID_HANDLE_VALUE) {
-    RaiseSystemError(kUnit, kOpenKeyLine, GetLastError(), "SetupDiOpenDevRegKey");
+    RaiseSystemError(kDeviceInfoSetUnit, kOpenKeyLine, GetLastError(), "SetupDiOpenDevRegKey");
   }
   return RegistryKey(key);
 }
@@ -70,7 +70,7 @@ void ForEachNetworkDevice(const std::function<void(NetworkDevice)>& visit) {
   }
   const DWORD code = GetLastError();
   if (code != ERROR_NO_MORE_ITEMS) {
-    RaiseSystemError(kUnit, kEnumLine, code, "SetupDiEnumDeviceInfo");
+    RaiseSystemError(kDeviceInfoSetUnit, kEnumLine, code, "SetupDiEnumDeviceInfo");
   }
 }
 

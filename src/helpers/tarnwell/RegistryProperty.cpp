@@ -9,7 +9,7 @@
 namespace Tarnwell {
 namespace {
 
-constexpr auto kUnit = "RegistryProperty.cpp";
+constexpr auto kRegistryPropertyUnit = "RegistryProperty.cpp";
 constexpr auto kUnitName = "RegistryProperty";
 
 // Parts of the error texts: they stay the same when the code moves to other lines.
@@ -64,7 +64,7 @@ std::vector<std::wstring> ToStrings(std::span<const std::byte> data) {
 template <class Number>
 Number ToNumber(std::span<const std::byte> data, const char* check, int line) {
   if (data.size() < sizeof(Number)) {
-    RaiseFailedAssertion(check, line, kUnit, kUnitName);
+    RaiseFailedAssertion(check, line, kRegistryPropertyUnit, kUnitName);
   }
   Number number = 0;
   std::memcpy(&number, data.data(), sizeof(number));
@@ -111,13 +111,13 @@ RegistryProperty ReadDeviceProperty(HDEVINFO set, SP_DEVINFO_DATA& device, DWORD
   if (!SetupDiGetDeviceRegistryPropertyW(set, &device, property, &type, nullptr, 0, &size)) {
     const DWORD code = GetLastError();
     if (code != ERROR_SUCCESS && code != ERROR_INSUFFICIENT_BUFFER && code != ERROR_MORE_DATA) {
-      RaiseSystemError(kUnit, kPropertySizeLine, code, "FromCallback");
+      RaiseSystemError(kRegistryPropertyUnit, kPropertySizeLine, code, "FromCallback");
     }
   }
   std::vector<std::byte> data(size);
   if (!SetupDiGetDeviceRegistryPropertyW(set, &device, property, &type, reinterpret_cast<BYTE*>(data.data()),
                                          static_cast<DWORD>(data.size()), &size)) {
-    RaiseSystemError(kUnit, kPropertyLine, GetLastError(), "FromCallback");
+    RaiseSystemError(kRegistryPropertyUnit, kPropertyLine, GetLastError(), "FromCallback");
   }
   data.resize(std::min<std::size_t>(data.size(), size));
   return DecodeRegistryProperty(type, data);
@@ -128,12 +128,12 @@ RegistryProperty ReadRegistryValue(HKEY key, const wchar_t* name) {
   DWORD size = 0;
   LONG result = RegQueryValueExW(key, name, nullptr, &type, nullptr, &size);
   if (result != ERROR_SUCCESS) {
-    RaiseSystemError(kUnit, kValueSizeLine, static_cast<DWORD>(result), "RegQueryValueExW");
+    RaiseSystemError(kRegistryPropertyUnit, kValueSizeLine, static_cast<DWORD>(result), "RegQueryValueExW");
   }
   std::vector<std::byte> data(size);
   result = RegQueryValueExW(key, name, nullptr, &type, reinterpret_cast<BYTE*>(data.data()), &size);
   if (result != ERROR_SUCCESS) {
-    RaiseSystemError(kUnit, kValueLine, static_cast<DWORD>(result), "RegQueryValueExW");
+    RaiseSystemError(kRegistryPropertyUnit, kValueLine, static_cast<DWORD>(result), "RegQueryValueExW");
   }
   data.resize(std::min<std::size_t>(data.size(), size));
   return DecodeRegistryProperty(type, data);

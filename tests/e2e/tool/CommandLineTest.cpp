@@ -32,10 +32,10 @@ TEST_P(WrongUsage, IsAJsonDocumentWhereOneIsAskedFor) {
   const ToolRun run = RunTool(arguments);
   EXPECT_EQ(run.exitCode, 2u);
   EXPECT_EQ(run.errors, "");
-  const Json document = DocumentOf(run);
+  const ParsedJson document = DocumentOf(run);
   EXPECT_TRUE(document["engine"].is_null());
   EXPECT_EQ(document["ok"], false);
-  EXPECT_EQ(document["steps"], Json::array());
+  EXPECT_EQ(document["steps"], ParsedJson::array());
   EXPECT_THAT(document["error"]["text"].get<std::string>(), HasSubstr(GetParam().wrong));
   EXPECT_THAT(
       document["error"]["hint"].get<std::string>(),

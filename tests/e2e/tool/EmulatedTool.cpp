@@ -15,13 +15,13 @@ std::string WithoutIds(const std::string& text) {
   return std::regex_replace(text, std::regex("filter [0-9]+"), "filter #");
 }
 
-Json DocumentOf(const ToolRun& run) {
-  Json document = Json::parse(run.output);
+ParsedJson DocumentOf(const ToolRun& run) {
+  ParsedJson document = ParsedJson::parse(run.output);
   EXPECT_EQ(FaultsOf(document), "") << run.output;
   return document;
 }
 
-Json LastStep(std::vector<std::wstring> arguments) {
+ParsedJson LastStep(std::vector<std::wstring> arguments) {
   arguments.insert(arguments.begin(), L"--json");
   const ToolRun run = RunEmulated(std::move(arguments));
   EXPECT_EQ(run.exitCode, 0u);

@@ -6,7 +6,7 @@
 
 #include "ToolProcess.h"
 
-using Json = nlohmann::json;
+using ParsedJson = nlohmann::json;
 
 /// Runs the tool on the emulated engine.
 ToolRun RunEmulated(std::vector<std::wstring> arguments);
@@ -15,7 +15,7 @@ ToolRun RunEmulated(std::vector<std::wstring> arguments);
 std::string WithoutIds(const std::string& text);
 
 /// The document that a run with --json has written, checked with the schema in docs/json.
-Json DocumentOf(const ToolRun& run);
+ParsedJson DocumentOf(const ToolRun& run);
 
 /// Runs the tool with --json, expects success, and gives the last step of the document.
-Json LastStep(std::vector<std::wstring> arguments);
+ParsedJson LastStep(std::vector<std::wstring> arguments);

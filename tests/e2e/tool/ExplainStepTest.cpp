@@ -35,7 +35,7 @@ TEST(Explain, KillSwitchBlocksWithTheFilterThatDecides) {
 }
 
 TEST(Explain, EachRemoteIsExplained) {
-  const Json explanations =
+  const ParsedJson explanations =
       LastStep({L"explain", L"--remote", L"1.1.1.1", L"--remote", L"[fe80::1]:53"})["explanations"];
   ASSERT_EQ(explanations.size(), 2u);
   EXPECT_EQ(explanations[0]["connection"]["remoteAddress"], "1.1.1.1");
@@ -46,11 +46,11 @@ TEST(Explain, EachRemoteIsExplained) {
 }
 
 TEST(Explain, OptionsMakeTheConnection) {
-  const Json connection =
+  const ParsedJson connection =
       LastStep({L"explain", L"--inbound", L"--remote", L"10.0.0.1:53", L"--local", L"10.0.0.2:67",
                 L"--protocol", L"udp", L"--app", L"\\device\\harddiskvolume1\\a.exe", L"--interface", L"7",
                 L"--loopback"})["explanations"][0]["connection"];
-  EXPECT_EQ(connection, Json::parse(R"json({
+  EXPECT_EQ(connection, ParsedJson::parse(R"json({
     "text": "inbound IPv4, protocol 17 (UDP), local 10.0.0.2:67, remote 10.0.0.1:53, application \\device\\harddiskvolume1\\a.exe, interface 7, flags 0x00000001",
     "direction": "inbound",
     "ipVersion": 4,
@@ -70,7 +70,7 @@ TEST(Explain, OptionsMakeTheConnection) {
 TEST(Explain, IcmpIsAnEchoRequestOfTheIpVersion) {
   const std::vector<std::wstring> both{L"explain",  L"--protocol", L"icmp",   L"--remote",
                                        L"10.0.0.1", L"--remote",   L"fe80::1"};
-  const Json explanations = LastStep(both)["explanations"];
+  const ParsedJson explanations = LastStep(both)["explanations"];
   EXPECT_THAT(explanations[0]["connection"]["text"].get<std::string>(),
               HasSubstr("protocol 1 (ICMP), local 192.0.2.1:8, remote 10.0.0.1:0"));
   EXPECT_THAT(explanations[1]["connection"]["text"].get<std::string>(),
@@ -78,20 +78,21 @@ TEST(Explain, IcmpIsAnEchoRequestOfTheIpVersion) {
 }
 
 TEST(Explain, IcmpTypeAndCodeAreOptions) {
-  const Json connection = LastStep({L"explain", L"--protocol", L"1", L"--remote", L"10.0.0.1", L"--icmp-type",
-                                    L"3", L"--icmp-code", L"13"})["explanations"][0]["connection"];
+  const ParsedJson connection =
+      LastStep({L"explain", L"--protocol", L"1", L"--remote", L"10.0.0.1", L"--icmp-type", L"3",
+                L"--icmp-code", L"13"})["explanations"][0]["connection"];
   EXPECT_EQ(connection["protocol"], 1);
   EXPECT_EQ(connection["localPort"], 3);
   EXPECT_EQ(connection["remotePort"], 13);
-  const Json withoutCode = LastStep({L"explain", L"--protocol", L"58", L"--remote", L"fe80::1",
-                                     L"--icmp-type", L"135"})["explanations"][0]["connection"];
+  const ParsedJson withoutCode = LastStep({L"explain", L"--protocol", L"58", L"--remote", L"fe80::1",
+                                           L"--icmp-type", L"135"})["explanations"][0]["connection"];
   EXPECT_EQ(withoutCode["localPort"], 135);
   EXPECT_EQ(withoutCode["remotePort"], 0);
 }
 
 TEST(Explain, ProtocolWithoutPortsHasNone) {
   for (const wchar_t* protocol : {L"47", L"50", L"58"}) {
-    const Json connection = LastStep(
+    const ParsedJson connection = LastStep(
         {L"explain", L"--protocol", protocol, L"--remote", L"10.0.0.1"})["explanations"][0]["connection"];
     EXPECT_TRUE(connection["localPort"].is_null());
     EXPECT_TRUE(connection["remotePort"].is_null());
@@ -129,9 +130,9 @@ TEST(Explain, PortsAndIcmpTypesAreOfTheirProtocolsOnly) {
 
 TEST(Explain, ExemptApplicationIsKnownByItsFile) {
   const std::wstring app = (ProgramFolder() / L"corvane-firewall.exe").native();
-  const Json explained =
+  const ParsedJson explained =
       LastStep({L"disable-internet", L"--app", app, L"explain", L"--remote", L"1.1.1.1", L"--app", app});
-  const Json& connect = explained["explanations"][0]["layers"][0];
+  const ParsedJson& connect = explained["explanations"][0]["layers"][0];
   EXPECT_EQ(connect["layer"], "ALE_AUTH_CONNECT_V4");
   ASSERT_EQ(connect["sublayers"].size(), 1u);
   EXPECT_EQ(connect["sublayers"][0]["name"], "Corvane Kill Switch");
@@ -141,10 +142,10 @@ TEST(Explain, ExemptApplicationIsKnownByItsFile) {
 TEST(Explain, NamesTheFiltersThatOneFieldKeepsFromPermitting) {
   EXPECT_THAT(RunEmulated({L"disable-internet", L"explain", L"--remote", L"10.0.0.1:53"}).output,
               HasSubstr("\"Corvane Kill Switch\" would permit, but the remote port is 53\n"));
-  const Json sublayer = LastStep({L"disable-internet", L"explain", L"--remote",
-                                  L"10.0.0.1:53"})["explanations"][0]["layers"][0]["sublayers"][0];
+  const ParsedJson sublayer = LastStep({L"disable-internet", L"explain", L"--remote",
+                                        L"10.0.0.1:53"})["explanations"][0]["layers"][0]["sublayers"][0];
   std::vector<std::string> fields;
-  for (const Json& miss : sublayer["nearMisses"]) {
+  for (const ParsedJson& miss : sublayer["nearMisses"]) {
     EXPECT_EQ(miss["action"], "permit");
     EXPECT_EQ(miss["filter"]["name"], "Corvane Kill Switch");
     fields.push_back(miss["field"].get<std::string>());
@@ -191,7 +192,7 @@ TEST(Explain, LeakProtectionLeadsThroughTheTunnel) {
     arguments.insert(arguments.end(), explain.begin(), explain.end());
     return LastStep(arguments)["explanations"][0];
   };
-  const Json outside = after({L"1.1.1.1"});
+  const ParsedJson outside = after({L"1.1.1.1"});
   EXPECT_EQ(outside["verdict"]["verdict"], "block");
   EXPECT_EQ(outside["layers"][0]["sublayers"][3]["name"], "Corvane Interface Leak Protection");
   EXPECT_EQ(outside["layers"][0]["sublayers"][3]["effect"], "stands");
@@ -199,7 +200,7 @@ TEST(Explain, LeakProtectionLeadsThroughTheTunnel) {
   EXPECT_EQ(after({L"198.51.100.7"})["verdict"]["verdict"], "permit");
   EXPECT_EQ(after({L"198.51.100.7:53"})["verdict"]["verdict"], "block");
 
-  const Json blocked =
+  const ParsedJson blocked =
       after({L"2001:db8::1", L"--interface", L"7", L"--app", L"\\device\\harddiskvolume1\\bad.exe"});
   EXPECT_EQ(blocked["verdict"]["verdict"], "block");
   EXPECT_EQ(blocked["layers"][0]["sublayers"][2]["name"], "Corvane Copy of Windows Firewall");

@@ -65,9 +65,9 @@ TEST(Files, MissingFileIsInTheJsonDocumentToo) {
   folder.Copy("corvane-firewall.exe", "corvane-firewall.exe");
   const ToolRun run = RunTool({L"--json", L"status"}, folder.Path());
   EXPECT_EQ(run.exitCode, 1u);
-  const Json document = DocumentOf(run);
+  const ParsedJson document = DocumentOf(run);
   EXPECT_EQ(document["ok"], false);
-  EXPECT_EQ(document["steps"], Json::array());
+  EXPECT_EQ(document["steps"], ParsedJson::array());
   EXPECT_THAT(document["error"]["text"].get<std::string>(), testing::StartsWith("Cannot load "));
 }
 

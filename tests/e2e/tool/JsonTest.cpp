@@ -7,7 +7,7 @@
 
 namespace {
 
-Json RunForJson(std::vector<std::wstring> arguments, DWORD exitCode) {
+ParsedJson RunForJson(std::vector<std::wstring> arguments, DWORD exitCode) {
   arguments.insert(arguments.begin(), {L"--engine", L"emulated", L"--json"});
   const ToolRun run = RunTool(arguments);
   EXPECT_EQ(run.exitCode, exitCode);
@@ -16,7 +16,7 @@ Json RunForJson(std::vector<std::wstring> arguments, DWORD exitCode) {
 }
 
 TEST(JsonOutput, HasEveryStepWithItsLogLines) {
-  EXPECT_EQ(RunForJson({L"enable-dhcp", L"status", L"enable-dhcp"}, 0), Json::parse(R"json({
+  EXPECT_EQ(RunForJson({L"enable-dhcp", L"status", L"enable-dhcp"}, 0), ParsedJson::parse(R"json({
     "engine": "emulated",
     "ok": true,
     "steps": [
@@ -30,26 +30,26 @@ TEST(JsonOutput, HasEveryStepWithItsLogLines) {
 }
 
 TEST(JsonOutput, ListsProviderSublayersAndFilters) {
-  const Json document = RunForJson({L"disable-internet", L"list"}, 0);
-  const Json& list = document["steps"][1];
-  EXPECT_EQ(list["provider"], Json::parse(R"json({"key": "b2574836-bff5-4a6e-9bc2-db92f1632330",
+  const ParsedJson document = RunForJson({L"disable-internet", L"list"}, 0);
+  const ParsedJson& list = document["steps"][1];
+  EXPECT_EQ(list["provider"], ParsedJson::parse(R"json({"key": "b2574836-bff5-4a6e-9bc2-db92f1632330",
                                               "name": "Corvane Firewall Tool",
                                               "description": "Rules installed by corvane-firewall"})json"));
   ASSERT_EQ(list["sublayers"].size(), 1u);
-  const Json& sublayer = list["sublayers"][0];
+  const ParsedJson& sublayer = list["sublayers"][0];
   EXPECT_EQ(sublayer["key"], "d1afa5f6-6c35-4ca2-b760-1643d9dbc916");
   EXPECT_EQ(sublayer["name"], "Corvane Kill Switch");
   EXPECT_EQ(sublayer["description"], "Blocks traffic outside the tunnel");
   EXPECT_EQ(sublayer["weight"], 0);
   ASSERT_EQ(sublayer["filters"].size(), 51u);
-  Json broadcast = sublayer["filters"][7];
+  ParsedJson broadcast = sublayer["filters"][7];
   EXPECT_GT(broadcast["id"], 0);
   EXPECT_EQ(broadcast["key"].get<std::string>().size(), 36u);
   EXPECT_EQ(broadcast["effectiveWeight"]["type"], "UINT64");
   for (const char* member : {"id", "key", "effectiveWeight"}) {
     broadcast.erase(member);
   }
-  EXPECT_EQ(broadcast, Json::parse(R"json({
+  EXPECT_EQ(broadcast, ParsedJson::parse(R"json({
     "name": "Corvane Kill Switch",
     "provider": "b2574836-bff5-4a6e-9bc2-db92f1632330",
     "layer": "ALE_AUTH_CONNECT_V4",
@@ -70,12 +70,12 @@ TEST(JsonOutput, ListsProviderSublayersAndFilters) {
 }
 
 TEST(JsonOutput, ListOfAllHasEverySublayer) {
-  const Json document = RunForJson({L"--block-app", L"C:\\bad.exe", L"list", L"list", L"--all"}, 0);
-  EXPECT_EQ(document["steps"][0]["sublayers"], Json::array());
-  const Json& all = document["steps"][1]["sublayers"];
+  const ParsedJson document = RunForJson({L"--block-app", L"C:\\bad.exe", L"list", L"list", L"--all"}, 0);
+  EXPECT_EQ(document["steps"][0]["sublayers"], ParsedJson::array());
+  const ParsedJson& all = document["steps"][1]["sublayers"];
   EXPECT_EQ(all.size(), 18u);
   const auto universal =
-      std::ranges::find_if(all, [](const Json& one) { return one["name"] == "UNIVERSAL"; });
+      std::ranges::find_if(all, [](const ParsedJson& one) { return one["name"] == "UNIVERSAL"; });
   ASSERT_NE(universal, all.end());
   ASSERT_EQ((*universal)["filters"].size(), 2u);
   EXPECT_EQ((*universal)["filters"][0]["name"], "Block of another owner");
@@ -83,48 +83,48 @@ TEST(JsonOutput, ListOfAllHasEverySublayer) {
 }
 
 TEST(JsonOutput, LuidsAreDecimalTextsEverywhere) {
-  const Json document =
+  const ParsedJson document =
       RunForJson({L"enable-skein", L"--luid", L"18446744073709551615", L"list", L"explain", L"--inbound",
                   L"--remote", L"100.64.0.1", L"--interface", L"18446744073709551615", L"map", L"prove"},
                  0);
   const std::string luid = "18446744073709551615";
   EXPECT_EQ(document["steps"][1]["sublayers"][0]["filters"][0]["conditions"][0]["value"], luid);
-  const Json& connection = document["steps"][2]["explanations"][0]["connection"];
+  const ParsedJson& connection = document["steps"][2]["explanations"][0]["connection"];
   EXPECT_EQ(connection["interface"], luid);
   EXPECT_EQ(connection["arrivalInterface"], luid);
   EXPECT_TRUE(connection["nextHopInterface"].is_null());
-  const Json& interfaces = document["steps"][3]["map"]["sections"][2]["fields"][0];
+  const ParsedJson& interfaces = document["steps"][3]["map"]["sections"][2]["fields"][0];
   EXPECT_EQ(interfaces["field"], "interface");
-  EXPECT_EQ(interfaces["classes"][0]["intervals"], Json::parse(R"([["0", "18446744073709551614"]])"));
+  EXPECT_EQ(interfaces["classes"][0]["intervals"], ParsedJson::parse(R"([["0", "18446744073709551614"]])"));
   EXPECT_EQ(interfaces["classes"][0]["example"], "999");
   EXPECT_EQ(interfaces["classes"][1]["intervals"],
-            Json::parse(R"([["18446744073709551615", "18446744073709551615"]])"));
+            ParsedJson::parse(R"([["18446744073709551615", "18446744073709551615"]])"));
   EXPECT_EQ(interfaces["classes"][1]["example"], luid);
 }
 
 TEST(JsonOutput, ListOfAnEmptyEngineHasNoProvider) {
-  const Json list = RunForJson({L"list"}, 0)["steps"][0];
+  const ParsedJson list = RunForJson({L"list"}, 0)["steps"][0];
   EXPECT_TRUE(list["provider"].is_null());
-  EXPECT_EQ(list["sublayers"], Json::array());
+  EXPECT_EQ(list["sublayers"], ParsedJson::array());
 }
 
 TEST(JsonOutput, FailureEndsTheDocumentWithItsCode) {
-  const Json document = RunForJson(
+  const ParsedJson document = RunForJson(
       {L"status", L"disable-internet", L"--app", (ProgramFolder() / L"no such file.exe").native(), L"list"},
       1);
   EXPECT_EQ(document["ok"], false);
   ASSERT_EQ(document["steps"].size(), 2u);
   EXPECT_EQ(document["steps"][1]["ok"], false);
-  EXPECT_EQ(document["error"], Json::parse(R"json({"text": "Failed to retrieve app blob",
+  EXPECT_EQ(document["error"], ParsedJson::parse(R"json({"text": "Failed to retrieve app blob",
                                                "code": 2,
                                                "name": "ERROR_FILE_NOT_FOUND (0x00000002)"
 })json"));
 }
 
 TEST(JsonOutput, AdaptersHaveNameDescriptionAndLuid) {
-  const Json adapters = RunForJson({L"adapters"}, 0)["steps"][0]["adapters"];
+  const ParsedJson adapters = RunForJson({L"adapters"}, 0)["steps"][0]["adapters"];
   ASSERT_FALSE(adapters.empty());
-  for (const Json& adapter : adapters) {
+  for (const ParsedJson& adapter : adapters) {
     EXPECT_TRUE(adapter["name"].is_string());
     EXPECT_TRUE(adapter["description"].is_string());
     EXPECT_THAT(adapter["luid"].get<std::string>(), testing::MatchesRegex("\\d+"));
@@ -134,51 +134,51 @@ TEST(JsonOutput, AdaptersHaveNameDescriptionAndLuid) {
 TEST(JsonSchema, HasAPlaceForWhatEveryStepWrites) {
   const TemporaryFolder folder;
   const std::wstring app = (ProgramFolder() / L"corvane-firewall.exe").native();
-  const Json document = RunForJson({L"--dns-app",
-                                    app,
-                                    L"--block-app",
-                                    L"C:\\bad.exe",
-                                    L"disable-internet",
-                                    L"--app",
-                                    app,
-                                    L"enable-dhcp",
-                                    L"enable-leak-protection",
-                                    L"--server",
-                                    L"198.51.100.7",
-                                    L"--luid",
-                                    L"7",
-                                    L"disable-local-network",
-                                    L"enable-skein",
-                                    L"--luid",
-                                    L"9",
-                                    L"status",
-                                    L"adapters",
-                                    L"list",
-                                    L"--all",
-                                    L"explain",
-                                    L"--remote",
-                                    L"fe80::1",
-                                    L"--protocol",
-                                    L"47",
-                                    L"map",
-                                    L"prove",
-                                    L"lint",
-                                    L"report",
-                                    (folder.Path() / L"page.html").native(),
-                                    L"enable-internet",
-                                    L"disable-dhcp",
-                                    L"disable-leak-protection",
-                                    L"enable-local-network",
-                                    L"disable-skein"},
-                                   0);
+  const ParsedJson document = RunForJson({L"--dns-app",
+                                          app,
+                                          L"--block-app",
+                                          L"C:\\bad.exe",
+                                          L"disable-internet",
+                                          L"--app",
+                                          app,
+                                          L"enable-dhcp",
+                                          L"enable-leak-protection",
+                                          L"--server",
+                                          L"198.51.100.7",
+                                          L"--luid",
+                                          L"7",
+                                          L"disable-local-network",
+                                          L"enable-skein",
+                                          L"--luid",
+                                          L"9",
+                                          L"status",
+                                          L"adapters",
+                                          L"list",
+                                          L"--all",
+                                          L"explain",
+                                          L"--remote",
+                                          L"fe80::1",
+                                          L"--protocol",
+                                          L"47",
+                                          L"map",
+                                          L"prove",
+                                          L"lint",
+                                          L"report",
+                                          (folder.Path() / L"page.html").native(),
+                                          L"enable-internet",
+                                          L"disable-dhcp",
+                                          L"disable-leak-protection",
+                                          L"enable-local-network",
+                                          L"disable-skein"},
+                                         0);
   EXPECT_EQ(document["steps"].size(), 18u);
 }
 
 TEST(JsonSchema, TakesNoDocumentWithoutItsParts) {
-  const Json whole = RunForJson({L"enable-skein", L"--luid", L"7", L"list", L"explain", L"--inbound",
-                                 L"--remote", L"100.64.0.1", L"map"},
-                                0);
-  const Json::json_pointer parts[]{
+  const ParsedJson whole = RunForJson({L"enable-skein", L"--luid", L"7", L"list", L"explain", L"--inbound",
+                                       L"--remote", L"100.64.0.1", L"map"},
+                                      0);
+  const ParsedJson::json_pointer parts[]{
       "/engine"_json_pointer,
       "/steps/0/log"_json_pointer,
       "/steps/1/provider"_json_pointer,
@@ -190,18 +190,18 @@ TEST(JsonSchema, TakesNoDocumentWithoutItsParts) {
       "/steps/3/map"_json_pointer,
       "/steps/3/map/sections/2/fields/0/classes/0/example"_json_pointer,
   };
-  for (const Json::json_pointer& part : parts) {
-    Json document = whole;
+  for (const ParsedJson::json_pointer& part : parts) {
+    ParsedJson document = whole;
     ASSERT_EQ(document.at(part.parent_pointer()).erase(part.back()), 1u) << part;
     EXPECT_NE(FaultsOf(document), "") << part;
   }
 }
 
 TEST(JsonSchema, TakesNoDocumentWithOtherValues) {
-  const Json whole = RunForJson({L"enable-skein", L"--luid", L"7", L"list", L"explain", L"--inbound",
-                                 L"--remote", L"100.64.0.1", L"map"},
-                                0);
-  const std::pair<Json::json_pointer, Json> values[]{
+  const ParsedJson whole = RunForJson({L"enable-skein", L"--luid", L"7", L"list", L"explain", L"--inbound",
+                                       L"--remote", L"100.64.0.1", L"map"},
+                                      0);
+  const std::pair<ParsedJson::json_pointer, ParsedJson> values[]{
       {"/engine"_json_pointer, "pretended"},
       {"/error"_json_pointer, {{"text", "of a run that went well"}}},
       {"/steps/0/step"_json_pointer, "enable-skeins"},
@@ -216,7 +216,7 @@ TEST(JsonSchema, TakesNoDocumentWithOtherValues) {
       {"/steps/3/map/sections/2/root"_json_pointer, {{"node", 0}, {"verdict", 0}}},
   };
   for (const auto& [place, value] : values) {
-    Json document = whole;
+    ParsedJson document = whole;
     ASSERT_NE(document[place], value) << place;
     document[place] = value;
     EXPECT_NE(FaultsOf(document), "") << place;

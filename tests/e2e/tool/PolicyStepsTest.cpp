@@ -28,9 +28,9 @@ TEST(Map, EmptyEngineHasOneLineForEachSection) {
 }
 
 TEST(Map, JsonHasTheClassesAndTheWayToEachVerdict) {
-  const Json map = LastStep({L"disable-internet", L"map"})["map"];
+  const ParsedJson map = LastStep({L"disable-internet", L"map"})["map"];
   ASSERT_EQ(map["sections"].size(), 4u);
-  const Json& section = map["sections"][0];
+  const ParsedJson& section = map["sections"][0];
   EXPECT_EQ(section["direction"], "outbound");
   EXPECT_EQ(section["ipVersion"], 4);
   ASSERT_EQ(section["fields"].size(), 3u);
@@ -38,7 +38,7 @@ TEST(Map, JsonHasTheClassesAndTheWayToEachVerdict) {
   EXPECT_EQ(section["fields"][1]["field"], "remote port");
   EXPECT_EQ(section["fields"][2]["field"], "remote address");
   EXPECT_EQ(section["fields"][1]["classes"][0]["intervals"],
-            Json::parse(R"([["0x0", "0x34"], ["0x36", "0xffff"]])"));
+            ParsedJson::parse(R"([["0x0", "0x34"], ["0x36", "0xffff"]])"));
   EXPECT_EQ(section["fields"][1]["classes"][0]["text"], "0 to 52, 54 to 65535");
   EXPECT_TRUE(section["root"].contains("node"));
   EXPECT_THAT(map["verdicts"].dump(), HasSubstr(R"("verdict":"block")"));
@@ -78,8 +78,8 @@ TEST(Prove, PromisesNothingWhenNothingIsOn) {
 /// The state of each promise, from the last step, prove.
 std::vector<std::string> StatesAfter(const std::vector<std::wstring>& arguments) {
   std::vector<std::string> states;
-  const Json step = LastStep(arguments);
-  for (const Json& promise : step["promises"]) {
+  const ParsedJson step = LastStep(arguments);
+  for (const ParsedJson& promise : step["promises"]) {
     states.push_back(promise["name"].get<std::string>() + ": " + promise["state"].get<std::string>());
     EXPECT_EQ(promise["state"] == "holds", promise["counterexample"].is_null());
   }
@@ -106,7 +106,7 @@ TEST(Prove, LeakProtectionIsCheckedWithItsArguments) {
 }
 
 TEST(Prove, LeakProtectionWithoutItsNameRulesLetsLookUpsOut) {
-  const Json promises = LastStep(
+  const ParsedJson promises = LastStep(
       {L"enable-leak-protection", L"--server", L"198.51.100.7", L"--luid", L"7", L"prove"})["promises"];
   EXPECT_EQ(promises[0]["name"], "leak-no-look-ups");
   EXPECT_EQ(promises[0]["state"], "broken");
@@ -134,7 +134,7 @@ TEST(Prove, KillSwitchKeepsThePeersOfSkeinOut) {
 
 TEST(Lint, FindsNothingInAnEmptyEngine) {
   EXPECT_EQ(RunEmulated({L"lint"}).output, "lint\n  no findings\n  done\n");
-  EXPECT_EQ(LastStep({L"lint"})["findings"], Json::array());
+  EXPECT_EQ(LastStep({L"lint"})["findings"], ParsedJson::array());
 }
 
 TEST(Lint, NamesTheFilterTheReasonAndWhatWouldBeClearer) {
@@ -145,12 +145,12 @@ TEST(Lint, NamesTheFilterTheReasonAndWhatWouldBeClearer) {
                     HasSubstr("Clearer: test the bits that matter, with FLAGS_ALL_SET or FLAGS_NONE_SET.\n"
                               "    filter "),
                     HasSubstr(" \"Corvane Kill Switch\"\n")));
-  const Json findings = LastStep({L"disable-internet", L"lint"})["findings"];
+  const ParsedJson findings = LastStep({L"disable-internet", L"lint"})["findings"];
   ASSERT_FALSE(findings.empty());
   EXPECT_EQ(findings[0]["filter"]["name"], "Corvane Kill Switch");
 }
 
-std::string ReadFile(const std::filesystem::path& path) {
+std::string ReadText(const std::filesystem::path& path) {
   std::ifstream file(path, std::ios::binary);
   return {std::istreambuf_iterator<char>(file), {}};
 }
@@ -158,10 +158,10 @@ std::string ReadFile(const std::filesystem::path& path) {
 TEST(Report, IsOneFileThatLoadsNothing) {
   const TemporaryFolder folder;
   const std::filesystem::path path = folder.Path() / L"Übersicht.html";
-  const Json step = LastStep({L"disable-internet", L"report", path.native()});
+  const ParsedJson step = LastStep({L"disable-internet", L"report", path.native()});
   EXPECT_THAT(step["file"].get<std::string>(), EndsWith("\xc3\x9c"
                                                         "bersicht.html"));
-  const std::string page = ReadFile(path);
+  const std::string page = ReadText(path);
   EXPECT_THAT(page, AllOf(StartsWith("<!doctype html>"), EndsWith("</html>\n"),
                           HasSubstr("default-src 'none'"), HasSubstr(R"("name":"Corvane Kill Switch")")));
   EXPECT_THAT(page, AllOf(Not(HasSubstr("@DATA@")), Not(HasSubstr("@STYLE@")), Not(HasSubstr("@SCRIPT@"))));

@@ -181,9 +181,9 @@ TEST_F(InternetInterfaces, ACountWithoutAnArrayIsNoNames) {
 TEST_F(InternetInterfaces, WithAppsTheNamesAreLoggedButNotUsed) {
   AddAdapter(L"Tunnel", L"Tunnel", 7);
   EngineEmulator::PretendFileExists(L"C:\\a.exe");
-  constexpr const wchar_t* kApps[]{L"C:\\a.exe"};
+  constexpr const wchar_t* kApp[]{L"C:\\a.exe"};
   constexpr const wchar_t* kNames[]{L"Tunnel"};
-  EXPECT_EQ(DisableInternet(kApps, 1, kNames, 1, Log), 0U);
+  EXPECT_EQ(DisableInternet(kApp, 1, kNames, 1, Log), 0U);
   EXPECT_THAT(TakeLog(), ElementsAre("NATIVE: DisableInternet", "NATIVE: DisableInternet: Tunnel",
                                      "NATIVE: create killswitch layer", "NATIVE: Apply firewall."));
   EXPECT_THAT(FilterTexts(), AllOf(SizeIs(57), Each(Not(HasSubstr("IP_LOCAL_INTERFACE")))));

@@ -13,7 +13,7 @@ struct RuleSetName {
   const char* name;
 };
 
-constexpr RuleSetName kNames[]{
+constexpr RuleSetName kRuleSetNames[]{
     {kDnsLeakKey, "dns"}, {kFirewallCopyKey, "copy"}, {kInterfaceLeakKey, "interface"}};
 
 }  // namespace
@@ -65,7 +65,7 @@ void LeakProtectionTest::LeaveOnly(std::size_t nth) {
 
 std::string LeakProtectionTest::Registered() {
   std::string names;
-  for (const RuleSetName& ruleSet : kNames) {
+  for (const RuleSetName& ruleSet : kRuleSetNames) {
     if (IsRegistered(ruleSet.key)) {
       names += (names.empty() ? "" : " ") + std::string(ruleSet.name);
     }
@@ -76,7 +76,7 @@ std::string LeakProtectionTest::Registered() {
 std::string LeakProtectionTest::Installed() {
   const EngineEmulator::Snapshot engine = EngineEmulator::TakeSnapshot();
   std::string text;
-  for (const RuleSetName& ruleSet : kNames) {
+  for (const RuleSetName& ruleSet : kRuleSetNames) {
     const auto is = [&](const auto& sublayer) { return sublayer.key == ruleSet.key; };
     const auto isIn = [&](const auto& filter) { return filter.subLayerKey == ruleSet.key; };
     if (std::any_of(engine.sublayers.begin(), engine.sublayers.end(), is)) {

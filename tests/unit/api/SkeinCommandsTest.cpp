@@ -16,7 +16,7 @@ using testing::IsEmpty;
 
 /// 100.64.0.9 and 203.0.113.5
 constexpr std::uint32_t kPeers[]{0x64400009, 0xcb007105};
-constexpr const wchar_t* kNames[]{L"Skein", L"Other"};
+constexpr const wchar_t* kInterfaceNames[]{L"Skein", L"Other"};
 
 class SkeinBeforeInitialize : public ModuleTest {};
 
@@ -56,7 +56,7 @@ class SkeinCommands : public InitializedModuleTest {
 
 TEST_F(SkeinCommands, EnableByLuidInstallsABlockAndAPermitThroughANewSession) {
   AddAdapter(L"a", L"Skein", 8);
-  EXPECT_EQ(EnableSkeinFirewallRules(Log, kNames, 2, 7, kPeers, 2), 0U);
+  EXPECT_EQ(EnableSkeinFirewallRules(Log, kInterfaceNames, 2, 7, kPeers, 2), 0U);
   EXPECT_THAT(TakeLog(),
               ElementsAre("NATIVE: Enabling skein firewall rules",
                           "NATIVE: Enabling  skein firewall. Allowed interface: Skein,Other",
@@ -71,7 +71,7 @@ TEST_F(SkeinCommands, EnableWithoutALuidSearchesByName) {
   AddAdapter(L"a", L"Skein adapter", 7);
   AddAdapter(L"b", L"Ethernet", 9);
   AddAdapter(L"c", L"Some Other", 8);
-  EXPECT_EQ(EnableSkeinFirewallRules(Log, kNames, 2, 0, kPeers, 2), 0U);
+  EXPECT_EQ(EnableSkeinFirewallRules(Log, kInterfaceNames, 2, 0, kPeers, 2), 0U);
   EXPECT_THAT(
       TakeLog(),
       ElementsAre("NATIVE: Enabling skein firewall rules",
@@ -85,7 +85,7 @@ TEST_F(SkeinCommands, EnableWithoutALuidSearchesByName) {
 
 TEST_F(SkeinCommands, EnableWithNamesThatMatchNothingInstallsAnEmptySublayer) {
   AddAdapter(L"a", L"Ethernet", 7);
-  EXPECT_EQ(EnableSkeinFirewallRules(Log, kNames, 1, 0, kPeers, 2), 0U);
+  EXPECT_EQ(EnableSkeinFirewallRules(Log, kInterfaceNames, 1, 0, kPeers, 2), 0U);
   EXPECT_THAT(TakeLog(),
               ElementsAre("NATIVE: Enabling skein firewall rules",
                           "NATIVE: Enabling  skein firewall. Allowed interface: Skein",

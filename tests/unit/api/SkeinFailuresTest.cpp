@@ -14,10 +14,10 @@ using testing::ElementsAre;
 using testing::IsEmpty;
 using testing::SizeIs;
 
-constexpr std::uint32_t kPeers[]{0x64400009};
+constexpr std::uint32_t kPeer[]{0x64400009};
 
 std::uint64_t EnableOn(std::uint64_t luid, LogCallback log) {
-  return EnableSkeinFirewallRules(log, nullptr, 0, luid, kPeers, 1);
+  return EnableSkeinFirewallRules(log, nullptr, 0, luid, kPeer, 1);
 }
 
 struct SkeinFault {

@@ -35,7 +35,7 @@ FWPM_FILTER_CONDITION0 PortIsNot(UINT16 port) {
 }
 
 FWPM_FILTER_CONDITION0 FlagsAre(UINT32 flags) {
-  return {kFlags, FWP_MATCH_EQUAL, Make(FWP_UINT32, [&](auto& value) { value.uint32 = flags; })};
+  return {kFlagsField, FWP_MATCH_EQUAL, Make(FWP_UINT32, [&](auto& value) { value.uint32 = flags; })};
 }
 
 TEST(DescribeConditionValue, UnsignedNumbers) {
@@ -63,7 +63,7 @@ TEST(DescribeConditionValue, FloatingPointNumbers) {
 TEST(DescribeConditionValue, ThirtyTwoBitsReadAsTheFieldDoes) {
   const auto set = [](auto& value) { value.uint32 = 0x0a000001; };
   EXPECT_EQ(Describe(kRemoteAddress, FWP_UINT32, set), "UINT32 10.0.0.1");
-  EXPECT_EQ(Describe(kFlags, FWP_UINT32, set), "UINT32 0x0a000001");
+  EXPECT_EQ(Describe(kFlagsField, FWP_UINT32, set), "UINT32 0x0a000001");
   EXPECT_EQ(Describe(kInterfaceIndex, FWP_UINT32, set), "UINT32 167772161");
   EXPECT_EQ(Describe(GUID{}, FWP_UINT32, set), "UINT32 167772161");
 }

@@ -14,17 +14,7 @@ using NetEvents = EngineTest;
 using ProviderContexts = EngineTest;
 
 constexpr DWORD kCalloutNotFound = 0x80320001;
-constexpr DWORD kTypeMismatch = 0x80320027;
 constexpr DWORD kNotSupported = 50;
-constexpr GUID kCalloutKey{0x0d000001, 0, 0, {}};
-
-FWPM_CALLOUT0 CalloutRecord() {
-  FWPM_CALLOUT0 callout{};
-  callout.calloutKey = kCalloutKey;
-  callout.displayData = {kName, kDescription};
-  callout.applicableLayer = kConnectV4;
-  return callout;
-}
 
 TEST_F(Layer, HasItsFieldsWithTheirTypes) {
   const TestSession session;
@@ -72,7 +62,7 @@ TEST_F(Layer, ListHoldsAllOfThem) {
 
 TEST_F(Callout, IsStoredAndGetsAnId) {
   const TestSession session;
-  const FWPM_CALLOUT0 callout = CalloutRecord();
+  const FWPM_CALLOUT0 callout = CalloutRecord(kConnectV4);
   UINT32 id = 0;
   ASSERT_EQ(FwpmCalloutAdd0(session, &callout, nullptr, &id), kSuccess);
   EXPECT_NE(id, 0U);
@@ -88,7 +78,7 @@ TEST_F(Callout, IsStoredAndGetsAnId) {
 
 TEST_F(Callout, StaysWhileAFilterNamesIt) {
   const TestSession session;
-  const FWPM_CALLOUT0 callout = CalloutRecord();
+  const FWPM_CALLOUT0 callout = CalloutRecord(kConnectV4);
   FWPM_FILTER0 filter = FilterRecord();
   filter.action.type = FWP_ACTION_CALLOUT_TERMINATING;
   filter.action.calloutKey = kCalloutKey;
@@ -102,7 +92,7 @@ TEST_F(Callout, StaysWhileAFilterNamesIt) {
 
 TEST_F(Callout, IsForItsLayerOnly) {
   const TestSession session;
-  const FWPM_CALLOUT0 callout = CalloutRecord();
+  const FWPM_CALLOUT0 callout = CalloutRecord(kConnectV4);
   ASSERT_EQ(FwpmCalloutAdd0(session, &callout, nullptr, nullptr), kSuccess);
   FWPM_FILTER0 filter = FilterRecord();
   filter.layerKey = kConnectV6;
@@ -128,7 +118,7 @@ TEST_F(Callout, OfTheSystemIsThere) {
 
 TEST_F(Callout, ListCanSelectALayer) {
   const TestSession session;
-  FWPM_CALLOUT0 callout = CalloutRecord();
+  FWPM_CALLOUT0 callout = CalloutRecord(kConnectV4);
   callout.applicableLayer = kFlowEstablishedV4;
   ASSERT_EQ(FwpmCalloutAdd0(session, &callout, nullptr, nullptr), kSuccess);
   for (const auto& [layer, expected] :

@@ -6,13 +6,10 @@ namespace {
 
 constexpr DWORD kConditionNotFound = 0x80320002;
 constexpr DWORD kInvalidNetMask = 0x8032001F;
-constexpr DWORD kInvalidRange = 0x80320020;
 constexpr DWORD kZeroLengthArray = 0x80320022;
 constexpr DWORD kMatchTypeMismatch = 0x80320026;
-constexpr DWORD kTypeMismatch = 0x80320027;
 constexpr DWORD kOutOfBounds = 0x80320028;
 constexpr DWORD kDuplicateCondition = 0x8032002A;
-constexpr DWORD kInvalidSecurityDescriptor = 1338;
 
 constexpr auto kPrefix = static_cast<FWP_MATCH_TYPE>(11);
 constexpr auto kNotPrefix = static_cast<FWP_MATCH_TYPE>(12);

@@ -33,7 +33,10 @@ inline constexpr DWORD kNullPointer = 0x8032001C;
 inline constexpr DWORD kInvalidEnumerator = 0x8032001D;
 inline constexpr DWORD kInvalidFlags = 0x8032001E;
 inline constexpr DWORD kNullDisplayName = 0x80320023;
+inline constexpr DWORD kInvalidRange = 0x80320020;
+inline constexpr DWORD kTypeMismatch = 0x80320027;
 inline constexpr DWORD kInvalidParameter = 0x80320035;
+inline constexpr DWORD kInvalidSecurityDescriptor = 1338;
 
 inline constexpr UINT32 kDynamic = 1;
 inline constexpr UINT32 kPersistent = 1;
@@ -44,6 +47,7 @@ inline constexpr GUID kSublayerKey{0x0b000001, 0, 0, {}};
 inline constexpr GUID kOtherSublayerKey{0x0b000002, 0, 0, {}};
 inline constexpr GUID kFilterKey{0x0c000001, 0, 0, {}};
 inline constexpr GUID kOtherFilterKey{0x0c000002, 0, 0, {}};
+inline constexpr GUID kCalloutKey{0x0d000001, 0, 0, {}};
 
 /// A session that the destructor closes.
 class TestSession {
@@ -98,6 +102,14 @@ inline FWPM_FILTER0 FilterRecord(const GUID& key = kFilterKey) {
   filter.weight.type = FWP_UINT8;
   filter.weight.uint8 = 14;
   return filter;
+}
+
+inline FWPM_CALLOUT0 CalloutRecord(const GUID& layer) {
+  FWPM_CALLOUT0 callout{};
+  callout.calloutKey = kCalloutKey;
+  callout.displayData = {kName, kDescription};
+  callout.applicableLayer = layer;
+  return callout;
 }
 
 inline DWORD Add(HANDLE engine, const FWPM_PROVIDER0& provider) {

@@ -4,9 +4,6 @@
 
 namespace {
 
-constexpr DWORD kInvalidRange = 0x80320020;
-constexpr DWORD kTypeMismatch = 0x80320027;
-
 class Range : public EngineTest {
  protected:
   static DWORD Check(const GUID& field, const FWP_VALUE0& low, const FWP_VALUE0& high) {

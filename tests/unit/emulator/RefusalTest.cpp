@@ -6,16 +6,6 @@
 
 namespace {
 
-constexpr GUID kCalloutKey{0x0d000001, 0, 0, {}};
-
-FWPM_CALLOUT0 CalloutRecord() {
-  FWPM_CALLOUT0 callout{};
-  callout.calloutKey = kCalloutKey;
-  callout.displayData = {kName, kDescription};
-  callout.applicableLayer = kConnectV6;
-  return callout;
-}
-
 DWORD Add(HANDLE engine, const FWPM_CALLOUT0& callout) {
   return FwpmCalloutAdd0(engine, &callout, nullptr, nullptr);
 }
@@ -131,7 +121,7 @@ constexpr Fault<FWPM_CALLOUT0> kFaultsOfCallouts[]{
 
 TEST_F(Refusal, OfACallout) {
   for (const auto& [reason, spoil] : kFaultsOfCallouts) {
-    FWPM_CALLOUT0 callout = CalloutRecord();
+    FWPM_CALLOUT0 callout = CalloutRecord(kConnectV6);
     spoil(callout);
     EXPECT_EQ(Of(callout), reason);
   }
@@ -202,10 +192,10 @@ TEST_F(Refusal, OfAFilterForItsCallout) {
   FWPM_FILTER0 filter = FilterRecord();
   filter.action.type = FWP_ACTION_CALLOUT_TERMINATING;
   filter.action.calloutKey = kCalloutKey;
-  ASSERT_EQ(Add(dynamic, CalloutRecord()), kSuccess);
+  ASSERT_EQ(Add(dynamic, CalloutRecord(kConnectV6)), kSuccess);
   EXPECT_EQ(Of(filter), "the callout 0d000001-0000-0000-0000-000000000000 may end before the filter");
   ASSERT_EQ(FwpmCalloutDeleteByKey0(dynamic, &kCalloutKey), kSuccess);
-  ASSERT_EQ(Add(session, CalloutRecord()), kSuccess);
+  ASSERT_EQ(Add(session, CalloutRecord(kConnectV6)), kSuccess);
   EXPECT_EQ(Of(filter), "the callout 0d000001-0000-0000-0000-000000000000 is not for ALE_AUTH_CONNECT_V4");
 }
 

@@ -9,7 +9,6 @@ using Security = EngineTest;
 constexpr SECURITY_INFORMATION kOwner = 1;
 constexpr SECURITY_INFORMATION kDacl = 4;
 constexpr SECURITY_INFORMATION kAll = 0xF;
-constexpr DWORD kInvalidSecurityDescriptor = 1338;
 
 const SID kLocalSystem{1, 1, {{0, 0, 0, 0, 0, 5}}, {18}};
 

@@ -155,8 +155,8 @@ TEST_F(Weight, OfARangeGoesByItsEndsWhateverTheirTypeWhenGuessed) {
   EXPECT_GT(Of({condition}), 0U);
 
   condition.fieldKey = kAppId;
-  UINT8 byte = 'a';
-  FWP_BYTE_BLOB blob{1, &byte};
+  UINT8 letter = 'a';
+  FWP_BYTE_BLOB blob{1, &letter};
   range.valueLow.type = range.valueHigh.type = FWP_BYTE_BLOB_TYPE;
   range.valueLow.byteBlob = range.valueHigh.byteBlob = &blob;
   EXPECT_GT(Of({condition}), 0U);

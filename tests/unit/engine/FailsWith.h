@@ -7,6 +7,9 @@
 
 #include "engine/FirewallException.h"
 
+/// The engine's code for an object that another one still refers to.
+inline constexpr std::uint32_t kInUse = 0x8032000A;
+
 /// The code of a failure that is not that of an engine call.
 inline constexpr std::uint32_t kNoCode = 1;
 

@@ -18,7 +18,6 @@ using testing::IsEmpty;
 using testing::SizeIs;
 
 constexpr DWORD kProviderNotFound = 0x80320005;
-constexpr DWORD kInUse = 0x8032000a;
 
 class FirewallRegistry : public FirewallFixture {};
 

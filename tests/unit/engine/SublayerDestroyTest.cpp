@@ -15,8 +15,6 @@ using testing::ElementsAre;
 using testing::IsEmpty;
 using testing::SizeIs;
 
-constexpr DWORD kInUse = 0x8032000A;
-
 /// The engine has a sublayer with three filters.
 class SublayerDestroy : public SublayerFixture {
  protected:

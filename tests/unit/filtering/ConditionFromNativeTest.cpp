@@ -85,7 +85,7 @@ TEST(ConditionFromNative, ThirtyTwoBitFields) {
   FWPM_FILTER_CONDITION0 subIndex = NativeNumber(kSubInterfaceIndex, FWP_UINT32);
   subIndex.conditionValue.uint32 = 0x10002;
   ExpectNumberRead<SubInterfaceIndex>(subIndex, 0x10002);
-  FWPM_FILTER_CONDITION0 flags = NativeNumber(kFlags, FWP_UINT32);
+  FWPM_FILTER_CONDITION0 flags = NativeNumber(kFlagsField, FWP_UINT32);
   flags.conditionValue.uint32 = 1;
   ExpectNumberRead<Flag>(flags, 1);
 }
@@ -203,7 +203,7 @@ TEST(ConditionFromNative, MatchTypeIsReadBack) {
 }
 
 TEST(ConditionFromNative, UnknownMatchTypesAreRefused) {
-  FWPM_FILTER_CONDITION0 native = Native(kFlags, FWP_UINT32);
+  FWPM_FILTER_CONDITION0 native = Native(kFlagsField, FWP_UINT32);
   native.matchType = FWP_MATCH_FLAGS_ALL_SET;
   EXPECT_THAT([&] { Condition::FromNative(native); }, FailsWith("Not supported Condition type."));
 }

@@ -15,7 +15,7 @@ TEST(EngineKeys, ConditionFieldsHaveTheEnginesKeys) {
   EXPECT_EQ(kConditionSubInterfaceIndex, kSubInterfaceIndex);
   EXPECT_EQ(kConditionIpProtocol, kProtocol);
   EXPECT_EQ(kConditionIpLocalAddressType, kLocalAddressType);
-  EXPECT_EQ(kConditionFlags, kFlags);
+  EXPECT_EQ(kConditionFlags, kFlagsField);
   EXPECT_EQ(kConditionIpLocalAddress, kLocalAddress);
   EXPECT_EQ(kConditionIpRemoteAddress, kRemoteAddress);
   EXPECT_EQ(kConditionIpDestinationAddress, kDestinationAddress);
