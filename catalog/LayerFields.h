@@ -5,7 +5,7 @@
 #pragma once
 
 #include "catalog/FieldList.h"
-#include "catalog/Layers.h"
+#include "catalog/LayerFamily.h"
 
 namespace Catalog {
 

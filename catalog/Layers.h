@@ -11,49 +11,13 @@
 #include <string_view>
 
 #include "catalog/Fields.h"
+#include "catalog/LayerFamily.h"
 #include "catalog/WindowsVersion.h"
 
 namespace Catalog {
 
 /// The IP version of the traffic that a layer sees.
 enum class IpVersion { V4, V6 };
-
-/// Layers that differ only in IP version and direction, or in being a twin for discarded traffic.
-enum class LayerFamily {
-  InboundIpPacket,
-  OutboundIpPacket,
-  IpForward,
-  InboundTransport,
-  OutboundTransport,
-  Stream,
-  DatagramData,
-  InboundIcmpError,
-  OutboundIcmpError,
-  AleResourceAssignment,
-  AleAuthListen,
-  AleAuthRecvAccept,
-  AleAuthConnect,
-  AleFlowEstablished,
-  MacFrameEthernet,
-  MacFrameNative,
-  NameResolutionCache,
-  AleResourceRelease,
-  AleEndpointClosure,
-  AleConnectRedirect,
-  AleBindRedirect,
-  StreamPacket,
-  VswitchEthernet,
-  VswitchTransport,
-  Fast,
-  Reserved,
-  AleAcceptRedirect,
-  NetworkConnectionPolicy,
-  IpsecKmDemux,
-  Ipsec,
-  Ikeext,
-  Rpc,
-  KmAuthorization,
-};
 
 /// A field as a layer has it.
 struct LayerField {

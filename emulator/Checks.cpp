@@ -1,7 +1,7 @@
 #include "emulator/Checks.h"
 
 #include "catalog/Names.h"
-#include "emulator/Texts.h"
+#include "emulator/Utf8.h"
 
 namespace EngineEmulator {
 namespace {

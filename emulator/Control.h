@@ -12,6 +12,7 @@
 #include <string>
 #include <vector>
 
+#include "emulator/Call.h"
 #include "emulator/Switches.h"
 
 namespace EngineEmulator {
@@ -24,13 +25,6 @@ void Reset();
 /// Several plans for one function may be waiting.
 /// @param function such as "FwpmFilterAdd0"; empty for calls of any function but FwpmFreeMemory0.
 void FailCall(const std::string& function, std::size_t nth, DWORD code);
-
-/// One call that a client made.
-struct Call {
-  std::string function;   ///< "FwpmFilterAdd0"
-  std::string arguments;  ///< in words, without handles
-  DWORD result;
-};
 
 /// The calls since the last Reset or ClearJournal, oldest first.
 std::vector<Call> Journal();

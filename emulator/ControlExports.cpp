@@ -5,7 +5,7 @@
 
 #include "catalog/Names.h"
 #include "emulator/Control.h"
-#include "emulator/Texts.h"
+#include "emulator/Utf8.h"
 
 namespace {
 

@@ -10,7 +10,7 @@
 #include <string>
 #include <string_view>
 
-#include "emulator/Control.h"
+#include "emulator/Call.h"
 #include "emulator/EngineMemory.h"
 #include "emulator/FaultPlan.h"
 #include "emulator/Refusal.h"

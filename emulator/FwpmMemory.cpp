@@ -1,6 +1,7 @@
 // What the engine's interface offers without a session.
 #include "emulator/ApplicationId.h"
 #include "emulator/EntryPoint.h"
+#include "emulator/Utf8.h"
 
 using namespace EngineEmulator;
 

@@ -7,15 +7,8 @@
 #include <WfpPlatform.h>
 
 #include <string>
-#include <string_view>
 
 namespace EngineEmulator {
-
-/// UTF-16 as UTF-8; halves of a surrogate pair that stand alone become U+FFFD.
-std::string Utf8(std::wstring_view text);
-
-/// Whether every surrogate is part of a pair.
-bool IsWellFormed(std::wstring_view text);
 
 std::string Describe(const GUID* key);
 /// "dynamic", "static"

@@ -1,7 +1,6 @@
 #include "policy/Lint.h"
 
 #include <algorithm>
-#include <array>
 #include <map>
 
 #include "catalog/Flags.h"
@@ -11,11 +10,6 @@
 
 namespace Policy {
 namespace {
-
-constexpr std::array<std::string_view, 12> kNames{
-    "always-true",       "never-true",         "never-decides",     "tie-of-actions",
-    "tie-of-sublayers",  "flags-equality",     "overridden-permit", "flow-established",
-    "several-negations", "interleaved-fields", "refusable",         "unreadable"};
 
 constexpr UINT32 kKnownFlags = [] {
   UINT32 known = 0;
@@ -160,8 +154,6 @@ class FilterLint {
 
 }  // namespace
 
-std::string_view FindingName(FindingKind kind) { return kNames[static_cast<std::size_t>(kind)]; }
-
 std::vector<Finding> Lint(const Snapshot& snapshot) {
   std::vector<Finding> findings;
   for (const Filter& filter : snapshot.filters) {
@@ -171,15 +163,6 @@ std::vector<Finding> Lint(const Snapshot& snapshot) {
   LintBehaviour(snapshot, findings);
   std::ranges::stable_sort(findings, {}, [](const Finding& finding) { return finding.filter->id; });
   return findings;
-}
-
-std::string Describe(const Finding& finding) {
-  std::string text(FindingName(finding.kind));
-  text += ": " + Describe(*finding.filter);
-  if (finding.other != nullptr) {
-    text += " and " + Describe(*finding.other);
-  }
-  return text + ": " + finding.reason + " Clearer: " + finding.advice + '.';
 }
 
 }  // namespace Policy

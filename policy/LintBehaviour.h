@@ -6,7 +6,7 @@
 
 #include <vector>
 
-#include "policy/Lint.h"
+#include "policy/Finding.h"
 
 namespace Policy {
 

@@ -58,7 +58,7 @@ floors=(
   'BitWords|State|ValueClass|ValueText|FieldTable|NumberTable|FlagsTable|ApplicationTable|MakeFieldTable'
   'Assumptions|Verdict|FilterOrder|Arbitration|Mark|Section'
   'MapNode|Diagram'
-  'Map|MapText|Decide|Explain|Lint|LintBehaviour'
+  'Map|MapText|Decide|Explain|Finding|Lint|LintBehaviour'
 )
 above=
 for ((i = ${#floors[@]} - 1; i >= 0; i--)); do
