@@ -1,6 +1,6 @@
-# Puts report.css and the scripts into report.html and writes the result as a C++ array of bytes:
+# Puts the styles and the scripts into report.html and writes the result as a C++ array of bytes:
 #   cmake -DFOLDER=... -DHEADER=... -P Embed.cmake
-foreach(name report.html report.css policy.js dom.js matrix.js report.js)
+foreach(name report.html report.css results.css media.css policy.js dom.js matrix.js report.js)
   file(READ "${FOLDER}/${name}" hex HEX)
   set(${name} "${hex}")
 endforeach()
@@ -10,7 +10,7 @@ function(replace_line mark replacement)
   string(REPLACE "${hex_mark}" "${replacement}" page "${report.html}")
   set(report.html "${page}" PARENT_SCOPE)
 endfunction()
-replace_line("@STYLE@" "${report.css}")
+replace_line("@STYLE@" "${report.css}${results.css}${media.css}")
 replace_line("@SCRIPT@" "${policy.js}${dom.js}${matrix.js}${report.js}")
 
 string(REGEX REPLACE "(..)" "0x\\1," bytes "${report.html}")
