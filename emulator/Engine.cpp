@@ -46,6 +46,16 @@ void FillSublayer(FWPM_FILTER0& filter) {
 }
 
 template <class Native>
+void AssignWeight(Native&, const ObjectStore&, const Switches&) {}
+
+template <>
+void AssignWeight(FWPM_SUBLAYER0& sublayer, const ObjectStore& objects, const Switches& switches) {
+  if (switches.keepSublayerWeights == 0) {
+    sublayer.weight = objects.WeightsOfSublayers().NearestFree(sublayer.weight);
+  }
+}
+
+template <class Native>
 ObjectPtr<Native> MakeNumbered(const Native& record, const Origin& origin, UINT64 number,
                                std::shared_ptr<const SecurityDescriptor> security, const Switches&) {
   return MakeObject(record, origin, number, std::move(security));
@@ -133,6 +143,7 @@ DWORD Engine::Add(Session& session, const Native& record, PSECURITY_DESCRIPTOR s
   if (objects->template OfKind<Native>().Find(key) != nullptr) {
     return Refuse({FWP_E_ALREADY_EXISTS, std::string("there is a ") + Kind<Native>::kName + " " + Text(key)});
   }
+  AssignWeight(filled, *objects, switches_);
   UINT64& next = std::is_same_v<Native, FWPM_CALLOUT0> ? nextCalloutNumber_ : nextNumber_;
   const ObjectPtr<Native> object = MakeNumbered(filled, origin, next++, std::move(descriptor), switches_);
   objects->template Add<Native>(object);

@@ -36,6 +36,7 @@ void ObjectStore::Apply(const ObjectStore& changes) {
     (stores.Apply(std::get<std::remove_reference_t<decltype(stores)>>(changes.stores_)), ...);
   };
   std::apply(applyStores, stores_);
+  sublayerWeights_ = SublayerWeights(OfKind<FWPM_SUBLAYER0>());
   const auto applyCounts = [&]<class... Natives>(const ReferencesTo<Natives>&... references) {
     const auto apply = [&]<class Native>(const ReferencesTo<Native>& changed) {
       for (const auto& [key, change] : changed.counts) {

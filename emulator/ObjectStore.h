@@ -7,6 +7,7 @@
 #include <tuple>
 
 #include "emulator/KindStore.h"
+#include "emulator/SublayerWeights.h"
 
 namespace EngineEmulator {
 
@@ -17,7 +18,8 @@ class ObjectStore {
  public:
   ObjectStore() = default;
   /// @param base must outlive this store.
-  explicit ObjectStore(const ObjectStore* base) : base_(base), stores_(Over(base->stores_)) {}
+  explicit ObjectStore(const ObjectStore* base)
+      : base_(base), stores_(Over(base->stores_)), sublayerWeights_(base->sublayerWeights_) {}
 
   template <class Native>
   [[nodiscard]] const KindStore<Native>& OfKind() const {
@@ -28,6 +30,9 @@ class ObjectStore {
   void Add(const ObjectPtr<Native>& object) {
     std::get<KindStore<Native>>(stores_).Insert(object);
     CountReferences(object->Record(), 1);
+    if constexpr (std::is_same_v<Native, FWPM_SUBLAYER0>) {
+      sublayerWeights_.Take(object->Record().weight);
+    }
   }
 
   /// Puts an object in the place of one that differs in nothing but its security.
@@ -39,11 +44,16 @@ class ObjectStore {
   template <class Native>
   void Remove(const ObjectPtr<Native>& object) {
     CountReferences(object->Record(), -1);
+    if constexpr (std::is_same_v<Native, FWPM_SUBLAYER0>) {
+      sublayerWeights_.Free(object->Record().weight);
+    }
     std::get<KindStore<Native>>(stores_).Erase(*object);
   }
 
   /// Makes the changes that another store holds which lies over this one.
   void Apply(const ObjectStore& changes);
+
+  [[nodiscard]] const SublayerWeights& WeightsOfSublayers() const { return sublayerWeights_; }
 
   /// How many objects refer to the one of this kind with this key.
   template <class Native>
@@ -82,6 +92,7 @@ class ObjectStore {
   const ObjectStore* base_ = nullptr;
   Stores<FWPM_PROVIDER0, FWPM_SUBLAYER0, FWPM_CALLOUT0, FWPM_FILTER0, FWPM_LAYER0> stores_;
   References<FWPM_PROVIDER0, FWPM_SUBLAYER0, FWPM_CALLOUT0, FWPM_FILTER0, FWPM_LAYER0> references_;
+  SublayerWeights sublayerWeights_;
 };
 
 }  // namespace EngineEmulator

@@ -31,6 +31,7 @@ constexpr NamedSwitch kSwitches[]{
     {"shuffleEnumerations", &Switches::shuffleEnumerations},
     {"lockWaitMilliseconds", &Switches::lockWaitMilliseconds},
     {"windowsBuild", &Switches::windowsBuild},
+    {"keepSublayerWeights", &Switches::keepSublayerWeights},
     {"guessWeights", &Switches::guessWeights},
     {"weighUnobservedAsExact", &Switches::weighUnobservedAsExact},
 };

@@ -53,6 +53,8 @@ struct Switches {
   UINT32 lockWaitMilliseconds = 15'000;
   /// The build of Windows that the engine is of. To be set before anything is added.
   UINT32 windowsBuild = 26100;
+  /// Sublayers keep the weight that they ask for, even if another one has it.
+  UINT32 keepSublayerWeights = 0;
   /// Conditions weigh by a guess everywhere, not by what live engines show.
   UINT32 guessWeights = 0;
   /// Matches whose weight nobody has seen count as one exact value; else by the values that they leave.

@@ -54,7 +54,7 @@ test("the box blocks what the kill switch blocks, and names the filter", async (
   assert.match(await page.textContent("#verdict"), /^✕ blocked/);
   const answer = await page.textContent("#answer");
   assert.match(answer, /ALE_AUTH_CONNECT_V4: block/);
-  assert.match(answer, /“Corvane Kill Switch” \(weight 0\): hard block of filter \d+/);
+  assert.match(answer, /“Corvane Kill Switch” \(weight 8\): hard block of filter \d+/);
   assert.match(answer, /matches every connection/);
 });
 

@@ -63,10 +63,10 @@ TEST_F(LibraryCommands, InstallUnderTheIdentitiesOfInitialize) {
             "provider c0de0000-0001-4001-8000-000000000001 flags 0 \"provider name\" "
             "\"provider description\" service \"provider name\"");
   EXPECT_EQ(objects[1],
-            "sublayer c0de0000-0002-4002-8000-000000000002 flags 0 weight 0 provider - "
+            "sublayer c0de0000-0002-4002-8000-000000000002 flags 0 weight 8 provider - "
             "\"kill switch name\" \"kill switch description\"");
   EXPECT_EQ(objects[2],
-            "sublayer c0de0000-0004-4004-8000-000000000004 flags 0 weight 0 provider - "
+            "sublayer c0de0000-0004-4004-8000-000000000004 flags 0 weight 9 provider - "
             "\"dhcp name\" \"dhcp description\"");
   EXPECT_THAT(objects[3],
               HasSubstr("sublayer c0de0000-0002-4002-8000-000000000002 provider "
@@ -129,7 +129,7 @@ TEST_F(LibraryCommands, FollowAnInitializeThatKeptNoPointerToItsArguments) {
             "provider c0de0000-0002-4002-8000-000000000002 flags 0 \"handed over\" \"handed over\" service "
             "\"handed over\"");
   EXPECT_EQ(engine_.Snapshot().at(1),
-            "sublayer c0de0000-0002-4002-8000-000000000002 flags 0 weight 0 provider - \"handed over\" "
+            "sublayer c0de0000-0002-4002-8000-000000000002 flags 0 weight 8 provider - \"handed over\" "
             "\"handed over\"");
 }
 

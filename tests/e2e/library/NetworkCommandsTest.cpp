@@ -31,7 +31,7 @@ TEST_F(LocalNetworkAndSkein, BlockAndFreeTheLocalNetworks) {
   const Texts objects = engine_.Snapshot();
   ASSERT_THAT(objects, SizeIs(17));
   EXPECT_EQ(objects[1],
-            "sublayer c0de0000-0003-4003-8000-000000000003 flags 0 weight 0 provider - "
+            "sublayer c0de0000-0003-4003-8000-000000000003 flags 0 weight 8 provider - "
             "\"local network description\" \"\"");
   EXPECT_THAT(objects[2],
               EndsWith("ALE_AUTH_CONNECT_V4 | BLOCK | UINT8 14 | - | IP_REMOTE_PORT NOT_EQUAL "

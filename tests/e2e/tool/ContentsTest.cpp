@@ -145,14 +145,14 @@ TEST_F(ContentsOfEngine, FindsWhatOthersOwnOnRequest) {
 }
 
 TEST_F(ContentsOfEngine, PutsTheWeightiestSublayerFirst) {
-  AddSublayer(kDhcp.key, 3);
+  AddSublayer(kDhcp.key, 13);
   AddSublayer(kKillSwitch.key, 65535);
   AddSublayer(kSkein.key, 15);
   const Contents contents = Read(Owners::Ours);
   ASSERT_EQ(contents.sublayers.size(), 3u);
   EXPECT_EQ(contents.sublayers[0].sublayer->weight, 65535u);
   EXPECT_EQ(contents.sublayers[1].sublayer->weight, 15u);
-  EXPECT_EQ(contents.sublayers[2].sublayer->weight, 3u);
+  EXPECT_EQ(contents.sublayers[2].sublayer->weight, 13u);
 }
 
 TEST_F(ContentsOfEngine, TellsWeightsWithTheirTypes) {

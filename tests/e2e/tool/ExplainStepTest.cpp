@@ -29,7 +29,7 @@ TEST(Explain, KillSwitchBlocksWithTheFilterThatDecides) {
   EXPECT_THAT(run.output, AllOf(HasSubstr("remote 1.1.1.1:80, application other.exe, interface 999, flags "
                                           "0x00000000: block\n"
                                           "    ALE_AUTH_CONNECT_V4: block\n"
-                                          "      sublayer \"Corvane Kill Switch\" (weight 0): hard block of "
+                                          "      sublayer \"Corvane Kill Switch\" (weight 8): hard block of "
                                           "filter "),
                                 HasSubstr("        matches every connection\n")));
 }

@@ -40,7 +40,7 @@ TEST(JsonOutput, ListsProviderSublayersAndFilters) {
   EXPECT_EQ(sublayer["key"], "d1afa5f6-6c35-4ca2-b760-1643d9dbc916");
   EXPECT_EQ(sublayer["name"], "Corvane Kill Switch");
   EXPECT_EQ(sublayer["description"], "Blocks traffic outside the tunnel");
-  EXPECT_EQ(sublayer["weight"], 0);
+  EXPECT_EQ(sublayer["weight"], 8);
   ASSERT_EQ(sublayer["filters"].size(), 51u);
   ParsedJson broadcast = sublayer["filters"][7];
   EXPECT_GT(broadcast["id"], 0);

@@ -72,7 +72,7 @@ TEST(LeakProtectionSteps, ListTheThreeRuleSetsByWeight) {
   const std::size_t interfaces = run.output.find(
       "  sublayer \"Corvane Interface Leak Protection\" {9cedb32c-df7c-4391-ba9b-0222838d2370}: Keeps "
       "traffic on "
-      "the tunnel's interface; weight 0; filters 21\n");
+      "the tunnel's interface; weight 8; filters 21\n");
   ASSERT_NE(interfaces, std::string::npos) << run.output;
   EXPECT_LT(dns, copy);
   EXPECT_LT(copy, interfaces);

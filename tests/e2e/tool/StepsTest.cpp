@@ -94,7 +94,7 @@ TEST(Steps, ListTellsTheSixDhcpFiltersInWords) {
           "  provider \"Corvane Firewall Tool\" {b2574836-bff5-4a6e-9bc2-db92f1632330}: Rules installed by "
           "corvane-firewall\n"
           "  sublayer \"Corvane DHCP\" {28c81cd0-d8bf-4ab0-9def-9a7bf71e4641}: Lets address configuration "
-          "through; weight 0; filters 6\n"
+          "through; weight 8; filters 6\n"
           "    filter # \"Corvane DHCP\" at ALE_AUTH_CONNECT_V4: PERMIT when IP_PROTOCOL EQUAL UINT8 17 and "
           "IP_LOCAL_PORT EQUAL UINT16 67 "
           "and IP_REMOTE_PORT EQUAL UINT16 68; weight UINT8 14\n"
@@ -121,7 +121,7 @@ TEST(Steps, ListTellsTheSixDhcpFiltersInWords) {
 TEST(Steps, ListTellsTheKillSwitchWithItsBlocksAndItsOverride) {
   const ToolRun run = RunEmulated({L"disable-internet", L"list"});
   EXPECT_EQ(run.exitCode, 0u);
-  EXPECT_THAT(run.output, HasSubstr("Blocks traffic outside the tunnel; weight 0; filters 51\n"));
+  EXPECT_THAT(run.output, HasSubstr("Blocks traffic outside the tunnel; weight 8; filters 51\n"));
   EXPECT_EQ(Count(run.output, "\n    filter "), 51u);
   EXPECT_EQ(Count(run.output, ": BLOCK always; weight UINT8 14\n"), 6u);
   EXPECT_EQ(Count(run.output, "; overrides other sublayers\n"), 3u);
@@ -221,7 +221,7 @@ TEST(Steps, LocalNetworksAreBlockedAndFreedAgain) {
                                      "  done\n"
                                      "list\n"));
   EXPECT_THAT(run.output, HasSubstr("  sublayer \"Corvane Local Network\" "
-                                    "{c65ec4fb-2f21-4713-b30f-2e770f8afd47}: ; weight 0; filters 15\n"));
+                                    "{c65ec4fb-2f21-4713-b30f-2e770f8afd47}: ; weight 8; filters 15\n"));
   EXPECT_THAT(run.output,
               HasSubstr("\" at ALE_FLOW_ESTABLISHED_V6: BLOCK when IP_REMOTE_PORT NOT_EQUAL UINT16 53 and "
                         "IP_REMOTE_ADDRESS EQUAL V6_ADDR_MASK fc00::/7; weight UINT8 14\n"));
@@ -247,7 +247,7 @@ TEST(Steps, SkeinLetsPeersInOnTheAdapterOfALuid) {
                                      "  done\n"));
   EXPECT_THAT(
       WithoutIds(run.output),
-      EndsWith("Rules of the Skein network; weight 0; filters 2\n"
+      EndsWith("Rules of the Skein network; weight 8; filters 2\n"
                "    filter # \"Corvane Skein\" at ALE_AUTH_RECV_ACCEPT_V4: BLOCK when IP_LOCAL_INTERFACE "
                "EQUAL UINT64 7 and "
                "IP_REMOTE_ADDRESS EQUAL V4_ADDR_MASK 100.64.0.0/255.192.0.0; weight UINT8 14; overrides "

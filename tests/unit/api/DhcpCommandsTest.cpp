@@ -43,7 +43,7 @@ TEST_F(DhcpCommands, EnableInstallsUnderTheIdentityHandedOver) {
   EXPECT_EQ(engine.sublayers[0].key, kDhcpKey);
   EXPECT_EQ(engine.sublayers[0].name, L"dhcp name");
   EXPECT_EQ(engine.sublayers[0].description, L"dhcp description");
-  EXPECT_EQ(engine.sublayers[0].weight, 0U);
+  EXPECT_EQ(engine.sublayers[0].weight, 8U);
   EXPECT_EQ(engine.sublayers[0].flags, 0U);
   EXPECT_EQ(engine.sublayers[0].providerKey, std::nullopt);
   ASSERT_EQ(engine.filters.size(), 6U);

@@ -53,7 +53,7 @@ TEST_F(InternetCommands, DisableInstallsUnderTheIdentityHandedOver) {
   EXPECT_EQ(engine.sublayers[0].key, kKillSwitchKey);
   EXPECT_EQ(engine.sublayers[0].name, L"kill switch name");
   EXPECT_EQ(engine.sublayers[0].description, L"kill switch description");
-  EXPECT_EQ(engine.sublayers[0].weight, 0U);
+  EXPECT_EQ(engine.sublayers[0].weight, 8U);
   EXPECT_EQ(engine.sublayers[0].flags, 0U);
   EXPECT_EQ(engine.sublayers[0].providerKey, std::nullopt);
   for (const EngineEmulator::FilterObject& filter : engine.filters) {

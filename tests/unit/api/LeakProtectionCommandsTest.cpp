@@ -80,7 +80,7 @@ TEST_F(LeakProtection, InstallsUnderTheIdentitiesOfInitializeWithTheirWeights) {
   EXPECT_EQ(sublayers[2].key, kInterfaceLeakKey);
   EXPECT_EQ(sublayers[2].name, L"interface leak name");
   EXPECT_EQ(sublayers[2].description, L"interface leak description");
-  EXPECT_EQ(sublayers[2].weight, 0);
+  EXPECT_EQ(sublayers[2].weight, 8);
 }
 
 TEST_F(LeakProtection, TakesServerInterfaceAndAppFromWhereTheyWereGiven) {

@@ -50,7 +50,7 @@ TEST_F(LocalNetworkCommands, DisableInstallsUnderTheDescriptionAsNameAndAnEmptyD
   EXPECT_EQ(engine.sublayers[0].key, kLocalNetworkKey);
   EXPECT_EQ(engine.sublayers[0].name, L"local network description");
   EXPECT_EQ(engine.sublayers[0].description, L"");
-  EXPECT_EQ(engine.sublayers[0].weight, 0U);
+  EXPECT_EQ(engine.sublayers[0].weight, 8U);
   EXPECT_EQ(engine.sublayers[0].flags, 0U);
   EXPECT_EQ(engine.sublayers[0].providerKey, std::nullopt);
   ASSERT_EQ(engine.filters.size(), kFilters);

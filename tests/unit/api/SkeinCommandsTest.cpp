@@ -149,7 +149,7 @@ TEST_F(SkeinCommands, EnableInstallsUnderTheIdentityHandedOver) {
   EXPECT_EQ(engine.sublayers[0].key, kSkeinKey);
   EXPECT_EQ(engine.sublayers[0].name, L"skein name");
   EXPECT_EQ(engine.sublayers[0].description, L"skein description");
-  EXPECT_EQ(engine.sublayers[0].weight, 0U);
+  EXPECT_EQ(engine.sublayers[0].weight, 8U);
   EXPECT_EQ(engine.sublayers[0].flags, 0U);
   EXPECT_EQ(engine.sublayers[0].providerKey, std::nullopt);
   for (const EngineEmulator::FilterObject& filter : engine.filters) {

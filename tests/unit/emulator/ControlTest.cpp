@@ -167,7 +167,7 @@ TEST_F(Control, SnapshotShowsWhatClientsAddedInTheirOrder) {
   EXPECT_THAT(snapshot.providers,
               ElementsAre(FieldsAre(kProviderKey, L"Name", L"Description", L"tarnsvc", 1U)));
   EXPECT_THAT(snapshot.sublayers,
-              ElementsAre(FieldsAre(kOtherSublayerKey, L"Name", L"Description", 0U, std::nullopt, 0),
+              ElementsAre(FieldsAre(kOtherSublayerKey, L"Name", L"Description", 0U, std::nullopt, 8),
                           FieldsAre(kSublayerKey, L"Name", L"Description", 0U, kProviderKey, 15)));
   ASSERT_EQ(snapshot.filters.size(), 1U);
   EXPECT_THAT(snapshot.filters[0],

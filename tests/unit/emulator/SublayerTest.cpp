@@ -2,7 +2,22 @@
 
 namespace {
 
-using Sublayer = EngineTest;
+constexpr GUID Key(UINT32 number) { return {number, 0, 0, {}}; }
+
+class Sublayer : public EngineTest {
+ protected:
+  /// Adds a sublayer. The weight that it reads back.
+  static int AddWeighing(HANDLE session, const GUID& key, UINT16 weight) {
+    FWPM_SUBLAYER0 record = SublayerRecord(key);
+    record.weight = weight;
+    EXPECT_EQ(Add(session, record), kSuccess);
+    FWPM_SUBLAYER0* found = nullptr;
+    EXPECT_EQ(FwpmSubLayerGetByKey0(session, &key, &found), kSuccess);
+    const int assigned = found->weight;
+    Free(found);
+    return assigned;
+  }
+};
 
 TEST_F(Sublayer, ComesBackAsItWasAdded) {
   const TestSession session;
@@ -61,13 +76,86 @@ TEST_F(Sublayer, KeyIsUnique) {
   EXPECT_EQ(Add(session, SublayerRecord()), kAlreadyExists);
 }
 
-TEST_F(Sublayer, WeightNeedNotBeUnique) {
+TEST_F(Sublayer, HasTheWeightThatItAsksForIfThatIsFree) {
   const TestSession session;
-  FWPM_SUBLAYER0 first = SublayerRecord(kSublayerKey);
-  FWPM_SUBLAYER0 second = SublayerRecord(kOtherSublayerKey);
-  first.weight = second.weight = 5;
-  EXPECT_EQ(Add(session, first), kSuccess);
-  EXPECT_EQ(Add(session, second), kSuccess);
+  EXPECT_EQ(AddWeighing(session, kSublayerKey, 5000), 5000);
+  EXPECT_EQ(AddWeighing(session, kOtherSublayerKey, 5001), 5001);
+}
+
+// 0 to 7 and 32767 to 32768 are built-in sublayers'.
+TEST_F(Sublayer, HasTheNearestFreeWeightTheHigherOfTwo) {
+  const TestSession session;
+  EXPECT_EQ(AddWeighing(session, Key(1), 0), 8);
+  EXPECT_EQ(AddWeighing(session, Key(2), 0), 9);
+  EXPECT_EQ(AddWeighing(session, Key(3), 7), 10);
+  EXPECT_EQ(AddWeighing(session, Key(4), 32767), 32766);
+  EXPECT_EQ(AddWeighing(session, Key(5), 32767), 32769);
+  EXPECT_EQ(AddWeighing(session, Key(6), 32767), 32765);
+  EXPECT_EQ(AddWeighing(session, Key(7), 40960), 40961);
+  EXPECT_EQ(AddWeighing(session, Key(8), 40960), 40959);
+}
+
+TEST_F(Sublayer, ThatAsksForTheHighestWeightGoesBelowTheOthersThatDid) {
+  const TestSession session;
+  EXPECT_EQ(AddWeighing(session, Key(1), 65535), 65535);
+  EXPECT_EQ(AddWeighing(session, Key(2), 65535), 65534);
+  EXPECT_EQ(AddWeighing(session, Key(3), 65535), 65533);
+}
+
+TEST_F(Sublayer, WeightIsFreeAgainWhenItIsDeleted) {
+  const TestSession session;
+  ASSERT_EQ(AddWeighing(session, kSublayerKey, 0), 8);
+  ASSERT_EQ(AddWeighing(session, Key(2), 0), 9);
+  ASSERT_EQ(FwpmSubLayerDeleteByKey0(session, &kSublayerKey), kSuccess);
+  EXPECT_EQ(AddWeighing(session, Key(3), 0), 8);
+}
+
+TEST_F(Sublayer, WeightIsFreeAgainWhenTheTransactionIsAborted) {
+  const TestSession session;
+  ASSERT_EQ(FwpmTransactionBegin0(session, 0), kSuccess);
+  ASSERT_EQ(AddWeighing(session, Key(1), 0), 8);
+  EXPECT_EQ(AddWeighing(session, Key(2), 0), 9);
+  ASSERT_EQ(FwpmTransactionAbort0(session), kSuccess);
+  EXPECT_EQ(AddWeighing(session, Key(3), 0), 8);
+}
+
+TEST_F(Sublayer, WeightStaysTakenAfterTheCommit) {
+  const TestSession session;
+  ASSERT_EQ(AddWeighing(session, kSublayerKey, 0), 8);
+  ASSERT_EQ(FwpmTransactionBegin0(session, 0), kSuccess);
+  ASSERT_EQ(AddWeighing(session, Key(2), 0), 9);
+  ASSERT_EQ(FwpmSubLayerDeleteByKey0(session, &kSublayerKey), kSuccess);
+  ASSERT_EQ(FwpmTransactionCommit0(session), kSuccess);
+  EXPECT_EQ(AddWeighing(session, Key(3), 0), 8);
+  EXPECT_EQ(AddWeighing(session, Key(4), 0), 10);
+}
+
+TEST_F(Sublayer, WeightStaysTakenWhenItsDeletionIsAborted) {
+  const TestSession session;
+  ASSERT_EQ(AddWeighing(session, kSublayerKey, 0), 8);
+  ASSERT_EQ(FwpmTransactionBegin0(session, 0), kSuccess);
+  ASSERT_EQ(FwpmSubLayerDeleteByKey0(session, &kSublayerKey), kSuccess);
+  ASSERT_EQ(FwpmTransactionAbort0(session), kSuccess);
+  EXPECT_EQ(AddWeighing(session, Key(2), 0), 9);
+}
+
+TEST_F(Sublayer, WeightIsFreeAgainWhenTheDynamicSessionEnds) {
+  const TestSession session;
+  {
+    const TestSession dynamic(kDynamic);
+    ASSERT_EQ(AddWeighing(dynamic, Key(1), 0), 8);
+    ASSERT_EQ(AddWeighing(session, Key(2), 0), 9);
+  }
+  EXPECT_EQ(AddWeighing(session, Key(3), 0), 8);
+}
+
+TEST_F(Sublayer, KeepsItsWeightOnRequestEvenIfAnotherHasIt) {
+  const TestSession session;
+  EngineEmulator::Switches switches;
+  switches.keepSublayerWeights = 1;
+  EngineEmulator::SetSwitches(switches);
+  EXPECT_EQ(AddWeighing(session, Key(1), 0), 0);
+  EXPECT_EQ(AddWeighing(session, Key(2), 0), 0);
 }
 
 TEST_F(Sublayer, GetsAKeyWhenItHasNone) {

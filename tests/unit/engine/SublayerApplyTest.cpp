@@ -64,7 +64,7 @@ TEST_F(SublayerApply, SublayerHasItsKeyAndTextsAndNoProvider) {
   EXPECT_EQ(sublayers[0].description, L"Blocks three ports");
   EXPECT_EQ(sublayers[0].providerKey, std::nullopt);
   EXPECT_EQ(sublayers[0].flags, 0u);
-  EXPECT_EQ(sublayers[0].weight, 0);
+  EXPECT_EQ(sublayers[0].weight, 8);  // the lowest that is free
 }
 
 TEST_F(SublayerApply, OnlyTheLowSixteenBitsOfTheWeightArrive) {

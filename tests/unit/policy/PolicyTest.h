@@ -39,7 +39,13 @@ class PolicyTest : public EngineTest {
     PolicyTest::SetUp();
   }
 
-  void Install(UINT16 weight, const std::string& filters) { filters_->Install(L"Sublayer", weight, filters); }
+  /// The sublayer has this weight even if another one has it: the policy library knows what to do with ties.
+  void Install(UINT16 weight, const std::string& filters) {
+    EngineEmulator::Switches switches = EngineEmulator::GetSwitches();
+    switches.keepSublayerWeights = 1;
+    EngineEmulator::SetSwitches(switches);
+    filters_->Install(L"Sublayer", weight, filters);
+  }
   /// Installs the library's rule sets. To be called once for each engine.
   void Install(const Promises::Features& features) {
     features_.emplace(features);

@@ -27,6 +27,14 @@ inline std::vector<std::string> Lines(const std::string& table) {
 /// Installs rule sets and reads what reaches the engine.
 class RuleSetFixture : public EngineTest {
  protected:
+  /// The engine shows the weights of sublayers as they were asked for.
+  void SetUp() override {
+    EngineTest::SetUp();
+    EngineEmulator::Switches switches;
+    switches.keepSublayerWeights = 1;
+    EngineEmulator::SetSwitches(switches);
+  }
+
   /// Applies a rule set and gives the content of the engine.
   static EngineEmulator::Snapshot InstallAndLook(WfpFirewall::Sublayer ruleSet) {
     WfpFirewall::Firewall firewall(
