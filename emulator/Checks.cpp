@@ -134,4 +134,30 @@ Refusal Check(const FWPM_CALLOUT0& callout, const CheckContext& context) {
              : Refusal(FWP_E_TOO_MANY_CALLOUTS, "there are 100000 callouts already");
 }
 
+Refusal Check(const FWPM_PROVIDER_CONTEXT0& providerContext, const CheckContext& context) {
+  constexpr UINT32 kPersistent = 0x1;
+  constexpr UINT32 kDownlevel = 0x2;
+  constexpr int kTypes = 13;
+  if (Refusal refusal = CheckBlob(providerContext.providerData)) {
+    return refusal;
+  }
+  if (context.switches.refuseUnknownFlags != 0 &&
+      (providerContext.flags & ~(kPersistent | kDownlevel)) != 0) {
+    return {FWP_E_INVALID_FLAGS, "there is a flag other than PERSISTENT"};
+  }
+  if (Refusal refusal = CheckDisplayData(providerContext.displayData, context)) {
+    return refusal;
+  }
+  if (providerContext.type < 0 || providerContext.type >= kTypes) {
+    return {FWP_E_INVALID_ENUMERATOR,
+            "there is no type " + std::to_string(int{providerContext.type}) + " of provider contexts"};
+  }
+  if (providerContext.type == FWPM_GENERAL_CONTEXT && providerContext.dataBuffer != nullptr) {
+    if (Refusal refusal = CheckBlob(*providerContext.dataBuffer)) {
+      return refusal;
+    }
+  }
+  return CheckProviderReference(providerContext.providerKey, context);
+}
+
 }  // namespace EngineEmulator

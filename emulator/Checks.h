@@ -21,6 +21,7 @@ struct CheckContext {
 Refusal Check(const FWPM_PROVIDER0& provider, const CheckContext& context);
 Refusal Check(const FWPM_SUBLAYER0& sublayer, const CheckContext& context);
 Refusal Check(const FWPM_CALLOUT0& callout, const CheckContext& context);
+Refusal Check(const FWPM_PROVIDER_CONTEXT0& providerContext, const CheckContext& context);
 /// The sublayer key must be filled in already, if the layer exists.
 Refusal Check(const FWPM_FILTER0& filter, const CheckContext& context);
 

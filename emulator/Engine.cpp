@@ -30,6 +30,11 @@ bool IsPersistent(const FWPM_CALLOUT0& callout) {
   return (callout.flags & kPersistent) != 0;
 }
 
+bool IsPersistent(const FWPM_PROVIDER_CONTEXT0& context) {
+  constexpr UINT32 kPersistent = 0x1;
+  return (context.flags & kPersistent) != 0;
+}
+
 bool IsPersistent(const FWPM_FILTER0& filter) {
   return (filter.flags & (FWPM_FILTER_FLAG_PERSISTENT | FWPM_FILTER_FLAG_BOOTTIME)) != 0;
 }
@@ -66,6 +71,16 @@ ObjectPtr<FWPM_CALLOUT0> MakeNumbered(const FWPM_CALLOUT0& record, const Origin&
                                       std::shared_ptr<const SecurityDescriptor> security, const Switches&) {
   FWPM_CALLOUT0 numbered = record;
   numbered.calloutId = static_cast<UINT32>(number);
+  return MakeObject(numbered, origin, number, std::move(security));
+}
+
+template <>
+ObjectPtr<FWPM_PROVIDER_CONTEXT0> MakeNumbered(const FWPM_PROVIDER_CONTEXT0& record, const Origin& origin,
+                                               UINT64 number,
+                                               std::shared_ptr<const SecurityDescriptor> security,
+                                               const Switches&) {
+  FWPM_PROVIDER_CONTEXT0 numbered = record;
+  numbered.providerContextId = number;
   return MakeObject(numbered, origin, number, std::move(security));
 }
 
@@ -206,16 +221,20 @@ DWORD Engine::SetSecurity(Session& session, const GUID& key, const SecurityDescr
 template DWORD Engine::Add(Session&, const FWPM_PROVIDER0&, PSECURITY_DESCRIPTOR, UINT64*);
 template DWORD Engine::Add(Session&, const FWPM_SUBLAYER0&, PSECURITY_DESCRIPTOR, UINT64*);
 template DWORD Engine::Add(Session&, const FWPM_CALLOUT0&, PSECURITY_DESCRIPTOR, UINT64*);
+template DWORD Engine::Add(Session&, const FWPM_PROVIDER_CONTEXT0&, PSECURITY_DESCRIPTOR, UINT64*);
 template DWORD Engine::Add(Session&, const FWPM_FILTER0&, PSECURITY_DESCRIPTOR, UINT64*);
 template DWORD Engine::Delete<FWPM_PROVIDER0>(Session&, const GUID&);
 template DWORD Engine::Delete<FWPM_SUBLAYER0>(Session&, const GUID&);
 template DWORD Engine::Delete<FWPM_CALLOUT0>(Session&, const GUID&);
 template DWORD Engine::Delete<FWPM_CALLOUT0>(Session&, const UINT64&);
+template DWORD Engine::Delete<FWPM_PROVIDER_CONTEXT0>(Session&, const GUID&);
+template DWORD Engine::Delete<FWPM_PROVIDER_CONTEXT0>(Session&, const UINT64&);
 template DWORD Engine::Delete<FWPM_FILTER0>(Session&, const GUID&);
 template DWORD Engine::Delete<FWPM_FILTER0>(Session&, const UINT64&);
 template DWORD Engine::SetSecurity<FWPM_PROVIDER0>(Session&, const GUID&, const SecurityDescriptor&);
 template DWORD Engine::SetSecurity<FWPM_SUBLAYER0>(Session&, const GUID&, const SecurityDescriptor&);
 template DWORD Engine::SetSecurity<FWPM_CALLOUT0>(Session&, const GUID&, const SecurityDescriptor&);
+template DWORD Engine::SetSecurity<FWPM_PROVIDER_CONTEXT0>(Session&, const GUID&, const SecurityDescriptor&);
 template DWORD Engine::SetSecurity<FWPM_FILTER0>(Session&, const GUID&, const SecurityDescriptor&);
 template DWORD Engine::SetSecurity<FWPM_LAYER0>(Session&, const GUID&, const SecurityDescriptor&);
 

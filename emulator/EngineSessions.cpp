@@ -63,6 +63,7 @@ Session Engine::CloseSession(HANDLE handle) {
   if (closed.IsDynamic()) {
     RemoveDynamicObjects<FWPM_FILTER0>(handle);
     RemoveDynamicObjects<FWPM_CALLOUT0>(handle);
+    RemoveDynamicObjects<FWPM_PROVIDER_CONTEXT0>(handle);
     RemoveDynamicObjects<FWPM_SUBLAYER0>(handle);
     RemoveDynamicObjects<FWPM_PROVIDER0>(handle);
   }
@@ -169,6 +170,7 @@ void Engine::Tell(FWPM_CHANGE_TYPE type, const ObjectPtr<Native>& object) {
 template void Engine::Announce(Session&, FWPM_CHANGE_TYPE, const ObjectPtr<FWPM_PROVIDER0>&);
 template void Engine::Announce(Session&, FWPM_CHANGE_TYPE, const ObjectPtr<FWPM_SUBLAYER0>&);
 template void Engine::Announce(Session&, FWPM_CHANGE_TYPE, const ObjectPtr<FWPM_CALLOUT0>&);
+template void Engine::Announce(Session&, FWPM_CHANGE_TYPE, const ObjectPtr<FWPM_PROVIDER_CONTEXT0>&);
 template void Engine::Announce(Session&, FWPM_CHANGE_TYPE, const ObjectPtr<FWPM_FILTER0>&);
 
 }  // namespace EngineEmulator

@@ -140,11 +140,18 @@ Refusal CheckCallout(const FWPM_FILTER0& filter, const CheckContext& context) {
              : Refusal(FWP_E_INCOMPATIBLE_LAYER, name + " is not for " + Catalog::LayerName(filter.layerKey));
 }
 
-/// There are no provider contexts in this engine.
-Refusal CheckProviderContext(const FWPM_FILTER0& filter, const CheckContext&) {
-  return (filter.flags & FWPM_FILTER_FLAG_HAS_PROVIDER_CONTEXT) == 0
+Refusal CheckProviderContext(const FWPM_FILTER0& filter, const CheckContext& context) {
+  if ((filter.flags & FWPM_FILTER_FLAG_HAS_PROVIDER_CONTEXT) == 0) {
+    return {};
+  }
+  const auto found = context.objects.OfKind<FWPM_PROVIDER_CONTEXT0>().Find(filter.providerContextKey);
+  const std::string name = "the provider context " + Catalog::FormatGuid(filter.providerContextKey);
+  if (found == nullptr) {
+    return {FWP_E_PROVIDER_CONTEXT_NOT_FOUND, name + " does not exist"};
+  }
+  return MayRefer(context.origin, found->origin)
              ? Refusal()
-             : Refusal(FWP_E_PROVIDER_CONTEXT_NOT_FOUND, "the provider context does not exist");
+             : Refusal(FWP_E_LIFETIME_MISMATCH, name + " may end before the filter");
 }
 
 Refusal CheckWeight(const FWPM_FILTER0& filter, const CheckContext&) {

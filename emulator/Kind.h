@@ -57,6 +57,21 @@ struct Kind<FWPM_CALLOUT0> {
 };
 
 template <>
+struct Kind<FWPM_PROVIDER_CONTEXT0> {
+  using EnumTemplate = FWPM_PROVIDER_CONTEXT_ENUM_TEMPLATE0;
+  using Subscription = FWPM_PROVIDER_CONTEXT_SUBSCRIPTION0;
+  using Callback = FWPM_PROVIDER_CONTEXT_CHANGE_CALLBACK0;
+  using Change = FWPM_PROVIDER_CONTEXT_CHANGE0;
+  static constexpr const char* kName = "provider context";
+  static constexpr HRESULT kNotFound = FWP_E_PROVIDER_CONTEXT_NOT_FOUND;
+  static constexpr GUID FWPM_PROVIDER_CONTEXT0::*kKey = &FWPM_PROVIDER_CONTEXT0::providerContextKey;
+
+  static Change MakeChange(FWPM_CHANGE_TYPE type, const FWPM_PROVIDER_CONTEXT0& context) {
+    return {type, context.providerContextKey, context.providerContextId};
+  }
+};
+
+template <>
 struct Kind<FWPM_FILTER0> {
   using EnumTemplate = FWPM_FILTER_ENUM_TEMPLATE0;
   using Subscription = FWPM_FILTER_SUBSCRIPTION0;

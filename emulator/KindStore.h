@@ -28,7 +28,7 @@ template <class Native>
 struct Object {
   Block<Native> block;
   Origin origin;
-  UINT64 number;  ///< Rises in the order of adding, never used again. The id of a filter, callout or layer.
+  UINT64 number;  ///< Rises in the order of adding, never used again. The id of what has one.
   std::shared_ptr<const SecurityDescriptor> security;  ///< null for the default
 
   [[nodiscard]] const Native& Record() const { return *block.root; }

@@ -23,11 +23,18 @@ void ObjectStore::CountReferences(const FWPM_CALLOUT0& callout, int change) {
   Count<FWPM_PROVIDER0>(callout.providerKey, change);
 }
 
+void ObjectStore::CountReferences(const FWPM_PROVIDER_CONTEXT0& context, int change) {
+  Count<FWPM_PROVIDER0>(context.providerKey, change);
+}
+
 void ObjectStore::CountReferences(const FWPM_FILTER0& filter, int change) {
   Count<FWPM_PROVIDER0>(filter.providerKey, change);
   Count<FWPM_SUBLAYER0>(&filter.subLayerKey, change);
   if ((filter.action.type & FWP_ACTION_FLAG_CALLOUT) != 0) {
     Count<FWPM_CALLOUT0>(&filter.action.calloutKey, change);
+  }
+  if ((filter.flags & FWPM_FILTER_FLAG_HAS_PROVIDER_CONTEXT) != 0) {
+    Count<FWPM_PROVIDER_CONTEXT0>(&filter.providerContextKey, change);
   }
 }
 

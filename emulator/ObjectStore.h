@@ -87,11 +87,15 @@ class ObjectStore {
   void CountReferences(const FWPM_LAYER0&, int) {}
   void CountReferences(const FWPM_SUBLAYER0& sublayer, int change);
   void CountReferences(const FWPM_CALLOUT0& callout, int change);
+  void CountReferences(const FWPM_PROVIDER_CONTEXT0& context, int change);
   void CountReferences(const FWPM_FILTER0& filter, int change);
 
   const ObjectStore* base_ = nullptr;
-  Stores<FWPM_PROVIDER0, FWPM_SUBLAYER0, FWPM_CALLOUT0, FWPM_FILTER0, FWPM_LAYER0> stores_;
-  References<FWPM_PROVIDER0, FWPM_SUBLAYER0, FWPM_CALLOUT0, FWPM_FILTER0, FWPM_LAYER0> references_;
+  template <template <class...> class Container>
+  using OfEachKind = Container<FWPM_PROVIDER0, FWPM_SUBLAYER0, FWPM_CALLOUT0, FWPM_PROVIDER_CONTEXT0,
+                               FWPM_FILTER0, FWPM_LAYER0>;
+  OfEachKind<Stores> stores_;
+  OfEachKind<References> references_;
   SublayerWeights sublayerWeights_;
 };
 

@@ -138,6 +138,11 @@ FWPM_CALLOUT_ENUM_TEMPLATE0 Pack(Packer& packer, FWPM_CALLOUT_ENUM_TEMPLATE0 cri
   return criteria;
 }
 
+FWPM_PROVIDER_CONTEXT_ENUM_TEMPLATE0 Pack(Packer& packer, FWPM_PROVIDER_CONTEXT_ENUM_TEMPLATE0 criteria) {
+  criteria.providerKey = packer.Copy(criteria.providerKey);
+  return criteria;
+}
+
 FWPM_FILTER_ENUM_TEMPLATE0 Pack(Packer& packer, FWPM_FILTER_ENUM_TEMPLATE0 criteria) {
   criteria.providerKey = packer.Copy(criteria.providerKey);
   criteria.providerContextTemplate = nullptr;
@@ -206,6 +211,14 @@ FWPM_CALLOUT0 Pack(Packer& packer, FWPM_CALLOUT0 callout) {
   return callout;
 }
 
+FWPM_PROVIDER_CONTEXT0 Pack(Packer& packer, FWPM_PROVIDER_CONTEXT0 context) {
+  context.displayData = PackDisplayData(packer, context.displayData);
+  context.providerKey = packer.Copy(context.providerKey);
+  context.providerData = Pack(packer, context.providerData);
+  context.dataBuffer = context.type == FWPM_GENERAL_CONTEXT ? PackBlob(packer, context.dataBuffer) : nullptr;
+  return context;
+}
+
 FWPM_LAYER0 Pack(Packer& packer, FWPM_LAYER0 layer) {
   layer.displayData = PackDisplayData(packer, layer.displayData);
   std::vector<FWPM_FIELD0> fields(layer.field, layer.field + layer.numFields);
@@ -232,6 +245,10 @@ FWPM_SUBLAYER_SUBSCRIPTION0 Pack(Packer& packer, FWPM_SUBLAYER_SUBSCRIPTION0 sub
 }
 
 FWPM_CALLOUT_SUBSCRIPTION0 Pack(Packer& packer, FWPM_CALLOUT_SUBSCRIPTION0 subscription) {
+  return PackSubscription(packer, subscription);
+}
+
+FWPM_PROVIDER_CONTEXT_SUBSCRIPTION0 Pack(Packer& packer, FWPM_PROVIDER_CONTEXT_SUBSCRIPTION0 subscription) {
   return PackSubscription(packer, subscription);
 }
 

@@ -45,12 +45,16 @@ FWP_BYTE_BLOB Pack(Packer& packer, FWP_BYTE_BLOB blob);
 FWPM_PROVIDER0 Pack(Packer& packer, FWPM_PROVIDER0 provider);
 FWPM_SUBLAYER0 Pack(Packer& packer, FWPM_SUBLAYER0 sublayer);
 FWPM_CALLOUT0 Pack(Packer& packer, FWPM_CALLOUT0 callout);
+/// Of what hangs off a context by its type, only the blob of FWPM_GENERAL_CONTEXT is copied; else the pointer
+/// is null.
+FWPM_PROVIDER_CONTEXT0 Pack(Packer& packer, FWPM_PROVIDER_CONTEXT0 context);
 FWPM_FILTER0 Pack(Packer& packer, FWPM_FILTER0 filter);
 FWPM_LAYER0 Pack(Packer& packer, FWPM_LAYER0 layer);
 FWPM_SESSION0 Pack(Packer& packer, FWPM_SESSION0 session);
 FWPM_PROVIDER_SUBSCRIPTION0 Pack(Packer& packer, FWPM_PROVIDER_SUBSCRIPTION0 subscription);
 FWPM_SUBLAYER_SUBSCRIPTION0 Pack(Packer& packer, FWPM_SUBLAYER_SUBSCRIPTION0 subscription);
 FWPM_CALLOUT_SUBSCRIPTION0 Pack(Packer& packer, FWPM_CALLOUT_SUBSCRIPTION0 subscription);
+FWPM_PROVIDER_CONTEXT_SUBSCRIPTION0 Pack(Packer& packer, FWPM_PROVIDER_CONTEXT_SUBSCRIPTION0 subscription);
 FWPM_FILTER_SUBSCRIPTION0 Pack(Packer& packer, FWPM_FILTER_SUBSCRIPTION0 subscription);
 FWPM_NET_EVENT_SUBSCRIPTION0 Pack(Packer& packer, FWPM_NET_EVENT_SUBSCRIPTION0 subscription);
 FWP_VALUE0 Pack(Packer& packer, FWP_VALUE0 value);

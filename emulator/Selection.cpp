@@ -69,6 +69,8 @@ Refusal CheckTemplate(const FWPM_SUBLAYER_ENUM_TEMPLATE0*, const Switches&) { re
 
 Refusal CheckTemplate(const FWPM_CALLOUT_ENUM_TEMPLATE0*, const Switches&) { return {}; }
 
+Refusal CheckTemplate(const FWPM_PROVIDER_CONTEXT_ENUM_TEMPLATE0*, const Switches&) { return {}; }
+
 Refusal CheckTemplate(const FWPM_LAYER_ENUM_TEMPLATE0*, const Switches&) { return {}; }
 
 Refusal CheckTemplate(const FWPM_FILTER_ENUM_TEMPLATE0* criteria, const Switches& switches) {
@@ -114,6 +116,19 @@ std::vector<ObjectPtr<FWPM_CALLOUT0>> Select(const FWPM_CALLOUT_ENUM_TEMPLATE0* 
       const bool anyLayer = criteria->layerKey == GUID{};
       return !HasProvider(criteria->providerKey, callout.providerKey) ||
              !(anyLayer || criteria->layerKey == callout.applicableLayer);
+    });
+  }
+  return objects;
+}
+
+std::vector<ObjectPtr<FWPM_PROVIDER_CONTEXT0>> Select(
+    const FWPM_PROVIDER_CONTEXT_ENUM_TEMPLATE0* criteria,
+    std::vector<ObjectPtr<FWPM_PROVIDER_CONTEXT0>> objects) {
+  if (criteria != nullptr) {
+    std::erase_if(objects, [&](const ObjectPtr<FWPM_PROVIDER_CONTEXT0>& object) {
+      const FWPM_PROVIDER_CONTEXT0& context = object->Record();
+      return !HasProvider(criteria->providerKey, context.providerKey) ||
+             criteria->providerContextType != context.type;
     });
   }
   return objects;

@@ -14,6 +14,7 @@ namespace EngineEmulator {
 Refusal CheckTemplate(const FWPM_PROVIDER_ENUM_TEMPLATE0* criteria, const Switches& switches);
 Refusal CheckTemplate(const FWPM_SUBLAYER_ENUM_TEMPLATE0* criteria, const Switches& switches);
 Refusal CheckTemplate(const FWPM_CALLOUT_ENUM_TEMPLATE0* criteria, const Switches& switches);
+Refusal CheckTemplate(const FWPM_PROVIDER_CONTEXT_ENUM_TEMPLATE0* criteria, const Switches& switches);
 Refusal CheckTemplate(const FWPM_FILTER_ENUM_TEMPLATE0* criteria, const Switches& switches);
 Refusal CheckTemplate(const FWPM_LAYER_ENUM_TEMPLATE0* criteria, const Switches& switches);
 
@@ -37,6 +38,8 @@ std::vector<ObjectPtr<FWPM_FILTER0>> Select(const FWPM_FILTER_ENUM_TEMPLATE0* cr
 
 std::vector<ObjectPtr<FWPM_CALLOUT0>> Select(const FWPM_CALLOUT_ENUM_TEMPLATE0* criteria,
                                              std::vector<ObjectPtr<FWPM_CALLOUT0>> objects);
+std::vector<ObjectPtr<FWPM_PROVIDER_CONTEXT0>> Select(const FWPM_PROVIDER_CONTEXT_ENUM_TEMPLATE0* criteria,
+                                                      std::vector<ObjectPtr<FWPM_PROVIDER_CONTEXT0>> objects);
 std::vector<ObjectPtr<FWPM_LAYER0>> Select(const FWPM_LAYER_ENUM_TEMPLATE0* criteria,
                                            std::vector<ObjectPtr<FWPM_LAYER0>> objects);
 

@@ -57,11 +57,12 @@ struct Session {
   std::optional<Transaction> transaction;
   bool transactionExpired = false;  ///< The engine has ended it; the client is yet to be told.
   std::tuple<Enumerations<FWPM_PROVIDER0>, Enumerations<FWPM_SUBLAYER0>, Enumerations<FWPM_CALLOUT0>,
-             Enumerations<FWPM_FILTER0>, Enumerations<FWPM_LAYER0>, Enumerations<FWPM_SESSION0>>
+             Enumerations<FWPM_PROVIDER_CONTEXT0>, Enumerations<FWPM_FILTER0>, Enumerations<FWPM_LAYER0>,
+             Enumerations<FWPM_SESSION0>>
       enumerations;
   std::set<HANDLE> netEventEnumerations;
   std::tuple<Subscriptions<FWPM_PROVIDER0>, Subscriptions<FWPM_SUBLAYER0>, Subscriptions<FWPM_CALLOUT0>,
-             Subscriptions<FWPM_FILTER0>>
+             Subscriptions<FWPM_PROVIDER_CONTEXT0>, Subscriptions<FWPM_FILTER0>>
       subscriptions;
   std::map<HANDLE, Block<FWPM_NET_EVENT_SUBSCRIPTION0>> netEventSubscriptions;
 

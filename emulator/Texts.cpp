@@ -46,6 +46,15 @@ std::string Describe(const FWPM_CALLOUT0* callout) {
          ", provider " + OptionalKey(callout->providerKey);
 }
 
+std::string Describe(const FWPM_PROVIDER_CONTEXT0* context) {
+  if (context == nullptr) {
+    return "null";
+  }
+  return Quote(context->displayData.name) + ' ' + Catalog::FormatGuid(context->providerContextKey) +
+         ", type " + std::to_string(int{context->type}) + ", flags " + std::to_string(context->flags) +
+         ", provider " + OptionalKey(context->providerKey);
+}
+
 std::string Describe(const FWPM_FILTER0* filter) {
   if (filter == nullptr) {
     return "null";
@@ -63,6 +72,12 @@ std::string Describe(const FWPM_CALLOUT_ENUM_TEMPLATE0* criteria) {
   return criteria == nullptr ? "all"
                              : "provider " + OptionalKey(criteria->providerKey) + ", layer " +
                                    Catalog::LayerName(criteria->layerKey);
+}
+
+std::string Describe(const FWPM_PROVIDER_CONTEXT_ENUM_TEMPLATE0* criteria) {
+  return criteria == nullptr ? "all"
+                             : "provider " + OptionalKey(criteria->providerKey) + ", type " +
+                                   std::to_string(int{criteria->providerContextType});
 }
 
 std::string Describe(const FWPM_LAYER_ENUM_TEMPLATE0*) { return "all"; }

@@ -1,4 +1,4 @@
-// Layers, callouts, sessions, options, net events, provider contexts.
+// Layers, callouts, sessions, options, net events.
 #include <set>
 #include <string>
 
@@ -11,10 +11,8 @@ using Callout = EngineTest;
 using SessionList = EngineTest;
 using Options = EngineTest;
 using NetEvents = EngineTest;
-using ProviderContexts = EngineTest;
 
 constexpr DWORD kCalloutNotFound = 0x80320001;
-constexpr DWORD kNotSupported = 50;
 
 TEST_F(Layer, HasItsFieldsWithTheirTypes) {
   const TestSession session;
@@ -239,16 +237,6 @@ TEST_F(NetEvents, DemandEveryPointer) {
   EXPECT_EQ(FwpmNetEventSubscribe0(session, nullptr, hear, nullptr, &handle), kNullPointer);
   EXPECT_EQ(FwpmNetEventSubscribe0(session, &wanted, nullptr, nullptr, &handle), kNullPointer);
   EXPECT_EQ(FwpmNetEventSubscribe0(session, &wanted, hear, nullptr, nullptr), kNullPointer);
-}
-
-TEST_F(ProviderContexts, AreNotSupported) {
-  const TestSession session;
-  UINT64 id = 0;
-  FWPM_PROVIDER_CONTEXT0* found = nullptr;
-  EXPECT_EQ(FwpmProviderContextAdd0(session, nullptr, nullptr, &id), kNotSupported);
-  EXPECT_EQ(FwpmProviderContextGetByKey0(session, &kFilterKey, &found), kNotSupported);
-  EXPECT_EQ(FwpmProviderContextDeleteById0(session, 1), kNotSupported);
-  EXPECT_EQ(FwpmProviderContextDeleteById0(nullptr, 1), kInvalidHandle);
 }
 
 }  // namespace

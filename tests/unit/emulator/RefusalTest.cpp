@@ -168,7 +168,11 @@ constexpr Fault<FWPM_FILTER0> kFaultsOfFilters[]{
        record.action.type = FWP_ACTION_CALLOUT_UNKNOWN;
        record.action.calloutKey = missingKey;
      }},
-    {"the provider context does not exist", [](auto& record) { record.flags = 4; }},
+    {"the provider context 0e000001-0000-0000-0000-000000000000 does not exist",
+     [](auto& record) {
+       record.flags = 4;
+       record.providerContextKey = missingKey;
+     }},
     {"the weight range 16 is above 15", [](auto& record) { record.weight.uint8 = 16; }},
     {"the weight is null",
      [](auto& record) {
