@@ -196,7 +196,8 @@ bool IsLegal(FWP_MATCH_TYPE match, const FWP_CONDITION_VALUE0& value, const Swit
   const bool isText = type == FWP_BYTE_BLOB_TYPE || type == FWP_UNICODE_STRING_TYPE;
   switch (int{match}) {
     case FWP_MATCH_EQUAL:
-      return type != FWP_RANGE_TYPE;
+      return type != FWP_RANGE_TYPE ||
+             (switches.refuseRangesInEqual == 0 && IsSortable(value.rangeValue->valueLow.type));
     case FWP_MATCH_GREATER:
     case FWP_MATCH_LESS:
     case FWP_MATCH_GREATER_OR_EQUAL:

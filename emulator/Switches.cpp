@@ -23,6 +23,7 @@ constexpr NamedSwitch kSwitches[]{
     {"refuseMissingProviderAsOther", &Switches::refuseMissingProviderAsOther, true},
     {"refuseDeletingOthersDynamic", &Switches::refuseDeletingOthersDynamic, true},
     {"refuseVerdictsAtFlowEstablished", &Switches::refuseVerdictsAtFlowEstablished, true},
+    {"refuseRangesInEqual", &Switches::refuseRangesInEqual, true},
     {"refuseExactDuplicates", &Switches::refuseExactDuplicates, true},
     {"refuseEmptyNames", &Switches::refuseEmptyNames, true},
     {"refuseEmptyBlobs", &Switches::refuseEmptyBlobs, true},

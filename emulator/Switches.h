@@ -37,6 +37,8 @@ struct Switches {
   UINT32 refuseDeletingOthersDynamic = 1;
   /// PERMIT and BLOCK at ALE_FLOW_ESTABLISHED: FWP_E_ACTION_INCOMPATIBLE_WITH_LAYER.
   UINT32 refuseVerdictsAtFlowEstablished = 0;
+  /// EQUAL with a range, which then holds of the values in it: FWP_E_MATCH_TYPE_MISMATCH.
+  UINT32 refuseRangesInEqual = 0;
   /// A condition that is there twice: FWP_E_DUPLICATE_CONDITION.
   UINT32 refuseExactDuplicates = 0;
   /// The display name "": FWP_E_NULL_DISPLAY_NAME.

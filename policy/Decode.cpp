@@ -132,10 +132,12 @@ Test DecodeNetwork(FWP_MATCH_TYPE match, const FWP_V6_ADDR_AND_MASK& network) {
              : DecodeNetwork(match, NetworkOf(FromBytes(network.addr), 128U - network.prefixLength));
 }
 
+/// RANGE is the documented match for ranges; what EQUAL asks of one has one meaning too.
 Test DecodeRange(FWP_MATCH_TYPE match, const std::vector<Value>& ends) {
   const std::optional<Number> low = NumberOf(ends.front());
   const std::optional<Number> high = NumberOf(ends.back());
-  const bool isRange = match == FWP_MATCH_RANGE && ends.front().type == ends.back().type;
+  const bool isMatch = match == FWP_MATCH_RANGE || match == FWP_MATCH_EQUAL;
+  const bool isRange = isMatch && ends.front().type == ends.back().type;
   return isRange && low && high && *low <= *high ? OfInterval(*low, *high) : Test{};
 }
 

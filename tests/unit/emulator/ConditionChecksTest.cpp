@@ -181,12 +181,26 @@ TEST_F(ConditionChecks, DemandSelfRelativeSecurityDescriptors) {
   EXPECT_EQ(Check(kUserId, FWP_MATCH_EQUAL), kInvalidSecurityDescriptor);
 }
 
-TEST_F(ConditionChecks, DemandRangesForTheMatchOfThatNameAndForNoOther) {
+TEST_F(ConditionChecks, DemandRangesForTheMatchOfThatNameAndForEqual) {
   SetPorts(1, 2);
   EXPECT_EQ(Check(kRemotePort, FWP_MATCH_RANGE), kSuccess);
-  EXPECT_EQ(Check(kRemotePort, FWP_MATCH_EQUAL), kMatchTypeMismatch);
+  EXPECT_EQ(Check(kRemotePort, FWP_MATCH_NOT_EQUAL), kMatchTypeMismatch);
+  EXPECT_EQ(Check(kRemotePort, FWP_MATCH_LESS), kMatchTypeMismatch);
   SetNumber(1);
   EXPECT_EQ(Check(kRemotePort, FWP_MATCH_RANGE), kMatchTypeMismatch);
+}
+
+TEST_F(ConditionChecks, TakeEqualityWithARangeUnlessToldOtherwise) {
+  SetPorts(1, 2);
+  EXPECT_EQ(Check(kRemotePort, FWP_MATCH_EQUAL), kSuccess);
+  SetPorts(2, 1);
+  EXPECT_EQ(Check(kRemotePort, FWP_MATCH_EQUAL), kInvalidRange);
+  EngineEmulator::Switches switches;
+  switches.refuseRangesInEqual = 1;
+  EngineEmulator::SetSwitches(switches);
+  SetPorts(1, 2);
+  EXPECT_EQ(Check(kRemotePort, FWP_MATCH_EQUAL), kMatchTypeMismatch);
+  EXPECT_EQ(Reason(), "EQUAL does not go with the type RANGE of UINT16 of IP_REMOTE_PORT");
 }
 
 TEST_F(ConditionChecks, DemandRangesThatDoNotEndBeforeTheyBegin) {

@@ -87,8 +87,8 @@ class Dice {
       return field + " EQUAL EMPTY";
     }
     if (OneIn(8)) {
-      return field + " RANGE RANGE " + type + ' ' + std::to_string(first) + " to " + type + ' ' +
-             std::to_string(first + 1 + Below(count));
+      return field + OneOf(std::array{" RANGE", " EQUAL"}) + " RANGE " + type + ' ' + std::to_string(first) +
+             " to " + type + ' ' + std::to_string(first + 1 + Below(count));
     }
     return field + ' ' +
            OneOf(std::array{"EQUAL", "EQUAL", "NOT_EQUAL", "GREATER", "LESS", "GREATER_OR_EQUAL",

@@ -182,6 +182,7 @@ TEST_F(SnapshotTest, NumbersBecomeIntervals) {
   EXPECT_EQ(DecodeCondition("IP_REMOTE_PORT GREATER_OR_EQUAL UINT16 53").test, InInterval(53, 65535));
   EXPECT_EQ(DecodeCondition("IP_REMOTE_PORT LESS_OR_EQUAL UINT16 53").test, InInterval(0, 53));
   EXPECT_EQ(DecodeCondition("IP_REMOTE_PORT RANGE RANGE UINT16 1 to UINT16 9").test, InInterval(1, 9));
+  EXPECT_EQ(DecodeCondition("IP_REMOTE_PORT EQUAL RANGE UINT16 1 to UINT16 9").test, InInterval(1, 9));
   EXPECT_EQ(DecodeCondition("IP_PROTOCOL GREATER UINT8 17").test, InInterval(18, 255));
   EXPECT_EQ(DecodeCondition("IP_LOCAL_INTERFACE GREATER_OR_EQUAL UINT64 7").test,
             InInterval(7, 0xFFFFFFFFFFFFFFFF));
@@ -243,7 +244,8 @@ TEST_F(SnapshotTest, WhatItCannotJudgeIsKeptAsUnreadable) {
   for (const char* condition :
        {"IP_REMOTE_PORT EQUAL UINT8 53", "IP_REMOTE_ADDRESS EQUAL V4_ADDR_MASK 10.0.0.0/255.0.255.0",
         "IP_REMOTE_ADDRESS GREATER V4_ADDR_MASK 10.0.0.0/255.0.0.0", "IP_REMOTE_PORT NOT_EQUAL EMPTY",
-        "IP_REMOTE_PORT RANGE RANGE UINT16 9 to UINT16 1", "ALE_APP_ID GREATER BYTE_BLOB a",
+        "IP_REMOTE_PORT RANGE RANGE UINT16 9 to UINT16 1",
+        "IP_REMOTE_PORT NOT_EQUAL RANGE UINT16 1 to UINT16 9", "ALE_APP_ID GREATER BYTE_BLOB a",
         "IP_REMOTE_PORT RANGE UINT16 1", "IP_FORWARD_INTERFACE EQUAL UINT64 1"}) {
     const Condition decoded = DecodeCondition(condition);
     EXPECT_EQ(decoded.test.kind, Asked::Kind::Unreadable) << condition;
