@@ -105,6 +105,15 @@ inline constexpr auto kConditionFlags = std::to_array<Flag>({
     {"IS_HONORING_POLICY_AUTHORIZE", 0x2000000},
 });
 
+/// All bits that have a name.
+constexpr UINT32 NamedBits(std::span<const Flag> flags) {
+  UINT32 bits = 0;
+  for (const Flag& flag : flags) {
+    bits |= flag.bit.value_or(0);
+  }
+  return bits;
+}
+
 /// The flag with a name; null if there is none.
 const Flag* FindFlag(std::span<const Flag> flags, std::string_view name);
 

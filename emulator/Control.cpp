@@ -21,6 +21,8 @@ SublayerObject Show(const FWPM_SUBLAYER0& sublayer) {
 }
 
 FilterObject Show(const FWPM_FILTER0& filter) {
+  FWPM_FILTER0 asGiven = filter;
+  asGiven.flags &= ~UINT32{FWPM_FILTER_FLAG_INDEXED};
   return {filter.filterId,
           filter.filterKey,
           TextOf(filter.displayData.name),
@@ -29,7 +31,7 @@ FilterObject Show(const FWPM_FILTER0& filter) {
           KeyOf(filter.providerKey),
           filter.layerKey,
           filter.subLayerKey,
-          Describe(&filter)};
+          Describe(&asGiven)};
 }
 
 template <class Native, class Shown>

@@ -56,7 +56,7 @@ struct FilterObject {
   std::optional<GUID> providerKey;
   GUID layerKey;
   GUID subLayerKey;
-  std::string text;  ///< Catalog::DescribeFilter of the record
+  std::string text;  ///< Catalog::DescribeFilter of the record, less the flag INDEXED, which the engine sets
 };
 
 /// What the engine holds, in the order of adding, less callouts and what is built in. Changes of a

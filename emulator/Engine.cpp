@@ -5,6 +5,7 @@
 #include "catalog/Names.h"
 #include "emulator/BuiltIns.h"
 #include "emulator/Checks.h"
+#include "emulator/Indexing.h"
 #include "emulator/MakeObject.h"
 #include "emulator/Selection.h"
 #include "emulator/Weights.h"
@@ -90,6 +91,8 @@ ObjectPtr<FWPM_FILTER0> MakeNumbered(const FWPM_FILTER0& record, const Origin& o
                                      const Switches& switches) {
   UINT64 weight = EffectiveWeight(record, switches);
   FWPM_FILTER0 numbered = record;
+  numbered.flags &= ~UINT32{FWPM_FILTER_FLAG_INDEXED};
+  numbered.flags |= IsIndexed(record) ? FWPM_FILTER_FLAG_INDEXED : 0;
   numbered.filterId = number;
   numbered.effectiveWeight.type = FWP_UINT64;
   numbered.effectiveWeight.uint64 = &weight;

@@ -9,10 +9,7 @@
 namespace EngineEmulator {
 namespace {
 
-constexpr UINT32 kFlagsOfClients =
-    FWPM_FILTER_FLAG_PERSISTENT | FWPM_FILTER_FLAG_BOOTTIME | FWPM_FILTER_FLAG_HAS_PROVIDER_CONTEXT |
-    FWPM_FILTER_FLAG_CLEAR_ACTION_RIGHT | FWPM_FILTER_FLAG_PERMIT_IF_CALLOUT_UNREGISTERED;
-constexpr UINT32 kFlagsOfTheEngine = FWPM_FILTER_FLAG_DISABLED | FWPM_FILTER_FLAG_INDEXED;
+constexpr UINT32 kKnownFlags = Catalog::NamedBits(Catalog::kFilterFlags);
 
 bool NamesCallout(const FWPM_ACTION0& action) { return (action.type & FWP_ACTION_FLAG_CALLOUT) != 0; }
 
@@ -35,13 +32,12 @@ Refusal CheckFlags(const FWPM_FILTER0& filter, const CheckContext& context) {
   const bool forCallouts = (filter.flags & FWPM_FILTER_FLAG_PERMIT_IF_CALLOUT_UNREGISTERED) != 0;
   const bool canBeMissing = filter.action.type == FWP_ACTION_CALLOUT_TERMINATING ||
                             filter.action.type == FWP_ACTION_CALLOUT_UNKNOWN;
-  if ((filter.flags & kFlagsOfTheEngine) != 0) {
-    return {FWP_E_INVALID_FLAGS,
-            Catalog::FilterFlagNames(filter.flags & kFlagsOfTheEngine) + " is for the engine to set"};
+  if ((filter.flags & FWPM_FILTER_FLAG_DISABLED) != 0) {
+    return {FWP_E_INVALID_FLAGS, "DISABLED is for the engine to set"};
   }
-  if ((filter.flags & ~kFlagsOfClients) != 0 && context.switches.refuseUnknownFlags != 0) {
-    return {FWP_E_INVALID_FLAGS, "there are flags that clients do not give: " +
-                                     Catalog::FilterFlagNames(filter.flags & ~kFlagsOfClients)};
+  if ((filter.flags & ~kKnownFlags) != 0 && context.switches.refuseUnknownFlags != 0) {
+    return {FWP_E_INVALID_FLAGS,
+            "there are flags without a meaning: " + Catalog::FilterFlagNames(filter.flags & ~kKnownFlags)};
   }
   if ((filter.flags & kNeverBoth) == kNeverBoth) {
     return {FWP_E_INVALID_FLAGS, "PERSISTENT and BOOTTIME exclude each other"};

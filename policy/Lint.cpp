@@ -11,13 +11,7 @@
 namespace Policy {
 namespace {
 
-constexpr UINT32 kKnownFlags = [] {
-  UINT32 known = 0;
-  for (const auto& [name, bit] : Catalog::kFilterFlags) {
-    known |= bit.value_or(0);
-  }
-  return known;
-}();
+constexpr UINT32 kKnownFlags = Catalog::NamedBits(Catalog::kFilterFlags);
 
 bool IsNetwork(const Condition& condition) {
   return condition.value.type == FWP_V4_ADDR_MASK || condition.value.type == FWP_V6_ADDR_MASK;

@@ -266,6 +266,75 @@ TEST_F(FilterObject, KeepsRangesOfConditions) {
   Free(found);
 }
 
+/// The flags that a filter with one condition reads back with.
+UINT32 FlagsReadBack(const GUID& layer, const FWPM_FILTER_CONDITION0& condition, UINT32 flags = 0) {
+  const TestSession session(kDynamic);
+  FWPM_FILTER0 record = FilterRecord();
+  record.flags = flags;
+  record.layerKey = layer;
+  record.numFilterConditions = 1;
+  FWPM_FILTER_CONDITION0 copy = condition;
+  record.filterCondition = &copy;
+  EXPECT_EQ(Add(session, record), kSuccess) << EngineEmulator::LastRefusal();
+  FWPM_FILTER0* found = nullptr;
+  EXPECT_EQ(FwpmFilterGetByKey0(session, &kFilterKey, &found), kSuccess);
+  const UINT32 readBack = found == nullptr ? 0 : found->flags;
+  Free(found);
+  return readBack;
+}
+
+TEST_F(FilterObject, IsIndexedByItsApplicationOrLocalPortWhereConnectionsAreAuthorised) {
+  UINT8 bytes[]{1};
+  FWP_BYTE_BLOB blob{1, bytes};
+  auto application = Condition(kAppId, FWP_MATCH_EQUAL, FWP_BYTE_BLOB_TYPE);
+  application.conditionValue.byteBlob = &blob;
+  const auto port = Condition(kLocalPort, FWP_MATCH_EQUAL, FWP_UINT16);
+  for (const GUID& layer : {kConnectV4, kConnectV6, kReceiveAcceptV4, kReceiveAcceptV6}) {
+    EXPECT_EQ(FlagsReadBack(layer, application), 0x40U);
+    EXPECT_EQ(FlagsReadBack(layer, port, 0x8), 0x48U);
+  }
+  EXPECT_EQ(FlagsReadBack(kFlowEstablishedV4, application), 0U);
+  EXPECT_EQ(FlagsReadBack(kConnectV4Discard, application), 0U);
+}
+
+TEST_F(FilterObject, IsNotIndexedByAnythingElse) {
+  FWP_RANGE0 ports{};
+  ports.valueLow.type = ports.valueHigh.type = FWP_UINT16;
+  auto range = Condition(kLocalPort, FWP_MATCH_EQUAL, FWP_RANGE_TYPE);
+  range.conditionValue.rangeValue = &ports;
+  EXPECT_EQ(FlagsReadBack(kConnectV4, range), 0U);
+  EXPECT_EQ(FlagsReadBack(kConnectV4, Condition(kLocalPort, FWP_MATCH_NOT_EQUAL, FWP_UINT16)), 0U);
+  EXPECT_EQ(FlagsReadBack(kConnectV4, Condition(kRemotePort, FWP_MATCH_EQUAL, FWP_UINT16), 0x40), 0U);
+}
+
+TEST_F(FilterObject, KeepsFlagsThatHaveANameAsTheyWereGiven) {
+  const auto port = Condition(kRemotePort, FWP_MATCH_EQUAL, FWP_UINT16);
+  EXPECT_EQ(FlagsReadBack(kConnectV4, port, 0x7F88), 0x7F88U);
+}
+
+TEST_F(FilterObject, WeighsARangeInEqualAsInRange) {
+  const TestSession session;
+  FWP_RANGE0 ports{};
+  ports.valueLow.type = ports.valueHigh.type = FWP_UINT16;
+  ports.valueHigh.uint16 = 0x7FFF;
+  const auto weight = [&](FWP_MATCH_TYPE match) {
+    auto port = Condition(kRemotePort, match, FWP_RANGE_TYPE);
+    port.conditionValue.rangeValue = &ports;
+    FWPM_FILTER0 record = FilterRecord(GUID{});
+    record.weight.type = FWP_EMPTY;
+    record.numFilterConditions = 1;
+    record.filterCondition = &port;
+    UINT64 id = 0;
+    EXPECT_EQ(FwpmFilterAdd0(session, &record, nullptr, &id), kSuccess);
+    FWPM_FILTER0* found = nullptr;
+    EXPECT_EQ(FwpmFilterGetById0(session, id, &found), kSuccess);
+    const UINT64 effective = *found->effectiveWeight.uint64;
+    Free(found);
+    return effective;
+  };
+  EXPECT_EQ(weight(FWP_MATCH_EQUAL), weight(FWP_MATCH_RANGE));
+}
+
 TEST_F(FilterObject, IsShownInWords) {
   const TestSession session;
   FWPM_FILTER_CONDITION0 port = Condition(kRemotePort, FWP_MATCH_NOT_EQUAL, FWP_UINT16);

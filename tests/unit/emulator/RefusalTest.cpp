@@ -142,9 +142,7 @@ constexpr Fault<FWPM_FILTER0> kFaultsOfFilters[]{
        record.providerData = {1, nullptr};
      }},
     {"DISABLED is for the engine to set", [](auto& record) { record.flags = 0x28; }},
-    {"INDEXED|DISABLED is for the engine to set", [](auto& record) { record.flags = 0x60; }},
-    {"there are flags that clients do not give: SYSTEMOS_ONLY|HAS_SECURITY_REALM_PROVIDER_CONTEXT|0x00008000",
-     [](auto& record) { record.flags = 0x8188; }},
+    {"there are flags without a meaning: 0x00018000", [](auto& record) { record.flags = 0x18188; }},
     {"PERSISTENT and BOOTTIME exclude each other", [](auto& record) { record.flags = 3; }},
     {"PERMIT_IF_CALLOUT_UNREGISTERED does not go with BLOCK", [](auto& record) { record.flags = 0x10; }},
     {"PERMIT_IF_CALLOUT_UNREGISTERED does not go with CALLOUT_INSPECTION",

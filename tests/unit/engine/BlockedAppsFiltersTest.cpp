@@ -125,17 +125,26 @@ TEST_F(BlockedAppsFilters, AreNotThoseOnAnotherField) {
 
 TEST_F(BlockedAppsFilters, KeepTheOverrideOnlyWithoutOtherFlags) {
   AppBlock overriding(L"C:\\a.exe");
+  overriding.filter.layerKey = kFlowEstablishedV4;
   overriding.filter.flags = FWPM_FILTER_FLAG_CLEAR_ACTION_RIGHT;
   overriding.Add();
   AppBlock persistent(L"C:\\b.exe");
+  persistent.filter.layerKey = kFlowEstablishedV4;
   persistent.filter.flags = FWPM_FILTER_FLAG_CLEAR_ACTION_RIGHT | FWPM_FILTER_FLAG_PERSISTENT;
   persistent.Add();
-  EXPECT_THAT(
-      Copies(),
-      ElementsAre("ALE_AUTH_CONNECT_V4 | BLOCK | EMPTY | CLEAR_ACTION_RIGHT | ALE_APP_ID EQUAL BYTE_BLOB "
-                  "\\device\\harddiskvolume1\\a.exe",
-                  "ALE_AUTH_CONNECT_V4 | BLOCK | EMPTY | - | ALE_APP_ID EQUAL BYTE_BLOB "
-                  "\\device\\harddiskvolume1\\b.exe"));
+  EXPECT_THAT(Copies(),
+              ElementsAre("ALE_FLOW_ESTABLISHED_V4 | BLOCK | EMPTY | CLEAR_ACTION_RIGHT | ALE_APP_ID EQUAL "
+                          "BYTE_BLOB \\device\\harddiskvolume1\\a.exe",
+                          "ALE_FLOW_ESTABLISHED_V4 | BLOCK | EMPTY | - | ALE_APP_ID EQUAL BYTE_BLOB "
+                          "\\device\\harddiskvolume1\\b.exe"));
+}
+
+TEST_F(BlockedAppsFilters, LoseTheOverrideWhereTheEngineIndexesApplications) {
+  AppBlock overriding(L"C:\\a.exe");
+  overriding.filter.flags = FWPM_FILTER_FLAG_CLEAR_ACTION_RIGHT;
+  overriding.Add();
+  EXPECT_THAT(Copies(), ElementsAre("ALE_AUTH_CONNECT_V4 | BLOCK | EMPTY | - | ALE_APP_ID EQUAL BYTE_BLOB "
+                                    "\\device\\harddiskvolume1\\a.exe"));
 }
 
 TEST_F(BlockedAppsFilters, ReadGreaterThanAsNotEqual) {

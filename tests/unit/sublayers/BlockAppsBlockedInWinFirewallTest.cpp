@@ -48,7 +48,7 @@ TEST_F(BlockAppsBlockedInWinFirewallTest, WeighsEveryCopyFifteenWhateverItsSourc
   light.Add();
   UINT64 weight = 0x0100;
   AppBlock heavy(L"C:\\c.exe");
-  heavy.filter.layerKey = Filtering::kLayerAleAuthRecvAcceptV6;
+  heavy.filter.layerKey = Filtering::kLayerAleFlowEstablishedV6;
   heavy.filter.weight.type = FWP_UINT64;
   heavy.filter.weight.uint64 = &weight;
   heavy.filter.flags = FWPM_FILTER_FLAG_CLEAR_ACTION_RIGHT;
@@ -59,7 +59,7 @@ TEST_F(BlockAppsBlockedInWinFirewallTest, WeighsEveryCopyFifteenWhateverItsSourc
                   "\\device\\harddiskvolume1\\a.exe",
                   "ALE_AUTH_CONNECT_V4 | BLOCK | UINT8 15 | - | ALE_APP_ID EQUAL BYTE_BLOB "
                   "\\device\\harddiskvolume1\\b.exe",
-                  "ALE_AUTH_RECV_ACCEPT_V6 | BLOCK | UINT8 15 | CLEAR_ACTION_RIGHT | ALE_APP_ID EQUAL "
+                  "ALE_FLOW_ESTABLISHED_V6 | BLOCK | UINT8 15 | CLEAR_ACTION_RIGHT | ALE_APP_ID EQUAL "
                   "BYTE_BLOB \\device\\harddiskvolume1\\c.exe"));
 }
 
