@@ -51,7 +51,10 @@ void FailCall(const std::string& function, std::size_t nth, DWORD code) {
   LockEngine().engine.faults.Add(function, nth, code);
 }
 
-std::vector<Call> Journal() { return LockEngine().engine.journal; }
+std::vector<Call> Journal() {
+  const LockedEngine locked = LockEngine();
+  return {locked.engine.journal.begin(), locked.engine.journal.end()};
+}
 
 void ClearJournal() { LockEngine().engine.journal.clear(); }
 

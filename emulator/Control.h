@@ -26,7 +26,7 @@ void Reset();
 /// @param function such as "FwpmFilterAdd0"; empty for calls of any function but FwpmFreeMemory0.
 void FailCall(const std::string& function, std::size_t nth, DWORD code);
 
-/// The calls since the last Reset or ClearJournal, oldest first.
+/// The calls since the last Reset or ClearJournal, oldest first; of many, the last Switches::journalEntries.
 std::vector<Call> Journal();
 void ClearJournal();
 

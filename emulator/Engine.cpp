@@ -123,6 +123,13 @@ void Engine::SetSwitches(const Switches& switches) {
   }
 }
 
+void Engine::Record(Call call) {
+  journal.push_back(std::move(call));
+  while (journal.size() > switches_.journalEntries) {
+    journal.pop_front();
+  }
+}
+
 DWORD Engine::Refuse(const Refusal& refusal) {
   lastRefusal = refusal.Reason();
   return refusal.Code();

@@ -5,6 +5,7 @@
 #pragma once
 
 #include <array>
+#include <deque>
 #include <random>
 #include <set>
 #include <string>
@@ -65,6 +66,9 @@ class Engine {
   template <class Native>
   DWORD SetSecurity(Session& session, const GUID& key, const SecurityDescriptor& security);
 
+  /// Puts a call into the journal, from which the oldest goes if it is full.
+  void Record(Call call);
+
   HANDLE NewHandle();
   [[nodiscard]] const std::unordered_map<HANDLE, Session>& Sessions() const { return sessions_; }
 
@@ -73,7 +77,7 @@ class Engine {
   std::mt19937_64& Random() { return random_; }
 
   EngineMemory memory;
-  std::vector<Call> journal;
+  std::deque<Call> journal;  ///< the last ones
   FaultPlan faults;
   std::set<std::wstring> pretendedFiles;  ///< in lower case
   std::string lastRefusal;

@@ -41,7 +41,7 @@ DWORD AnswerLocked(const char* function, std::string arguments, Body body) {
   } catch (const std::bad_alloc&) {
     locked.engine.lastRefusal = "there is no memory left";
   }
-  locked.engine.journal.push_back({function, std::move(arguments), result});
+  locked.engine.Record({function, std::move(arguments), result});
   locked.answered.notify_all();
   return result;
 }

@@ -13,8 +13,7 @@ void WINAPI FwpmFreeMemory0(void** p) {
   }
   const LockedEngine locked = LockEngine();
   const bool known = *p == nullptr || locked.engine.memory.Free(*p);
-  locked.engine.journal.push_back(
-      {"FwpmFreeMemory0", known ? "" : "not a block of the engine", ERROR_SUCCESS});
+  locked.engine.Record({"FwpmFreeMemory0", known ? "" : "not a block of the engine", ERROR_SUCCESS});
   *p = nullptr;
 }
 

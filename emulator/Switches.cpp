@@ -31,6 +31,7 @@ constexpr NamedSwitch kSwitches[]{
     {"failedCommitEndsTransaction", &Switches::failedCommitEndsTransaction},
     {"shuffleEnumerations", &Switches::shuffleEnumerations},
     {"lockWaitMilliseconds", &Switches::lockWaitMilliseconds},
+    {"journalEntries", &Switches::journalEntries},
     {"windowsBuild", &Switches::windowsBuild},
     {"keepSublayerWeights", &Switches::keepSublayerWeights},
     {"guessWeights", &Switches::guessWeights},

@@ -53,6 +53,8 @@ struct Switches {
   UINT32 shuffleEnumerations = 0;
   /// How long a session waits for the write lock if it does not say itself.
   UINT32 lockWaitMilliseconds = 15'000;
+  /// How many calls the journal keeps; 0: none.
+  UINT32 journalEntries = 10'000;
   /// The build of Windows that the engine is of. To be set before anything is added.
   UINT32 windowsBuild = 26100;
   /// Sublayers keep the weight that they ask for, even if another one has it.

@@ -141,6 +141,32 @@ TEST_F(Journal, HoldsEveryFunctionThatTheDllExports) {
   EXPECT_THAT(names, testing::UnorderedElementsAreArray(kEmulatedFunctions));
 }
 
+TEST_F(Journal, KeepsTheLastCallsAsManyAsItIsToldTo) {
+  EngineEmulator::Switches switches;
+  switches.journalEntries = 2;
+  EngineEmulator::SetSwitches(switches);
+  FwpmTransactionAbort0(nullptr);
+  FwpmTransactionBegin0(nullptr, 0);
+  FreeNothing();
+  EXPECT_EQ(Calls(), (std::vector<std::string>{"FwpmTransactionBegin0", "FwpmFreeMemory0"}));
+  switches.journalEntries = 0;
+  EngineEmulator::SetSwitches(switches);
+  FreeNothing();
+  EXPECT_EQ(Calls(), std::vector<std::string>());
+}
+
+TEST_F(Journal, KeepsTenThousandCalls) {
+  FwpmTransactionAbort0(nullptr);
+  for (int count = 0; count < 9'999; ++count) {
+    FreeNothing();
+  }
+  EXPECT_EQ(Calls().size(), 10'000U);
+  EXPECT_EQ(Calls().front(), "FwpmTransactionAbort0");
+  FreeNothing();
+  EXPECT_EQ(Calls().size(), 10'000U);
+  EXPECT_EQ(Calls().front(), "FwpmFreeMemory0");
+}
+
 /// A file name as the journal shows it. @param units its UTF-16 units.
 std::string Written(std::initializer_list<unsigned> units) {
   std::wstring name;
