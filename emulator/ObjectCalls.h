@@ -80,8 +80,13 @@ DWORD AnswerCreateEnumHandle(const char* function, HANDLE engineHandle,
       engine.lastRefusal = refusal.Reason();
       return refusal.Code();
     }
-    auto selected = Select(criteria, engine.ObjectsOf(session).template OfKind<Native>().All());
-    if (engine.GetSwitches().shuffleEnumerations != 0 && !AsksForOrder(criteria)) {
+    const ObjectStore& objects = engine.ObjectsOf(session);
+    auto selected = Select(criteria, objects.template OfKind<Native>().All());
+    if (AsksForOrder(criteria)) {
+      if constexpr (std::is_same_v<Native, FWPM_FILTER0>) {
+        SortFilters(selected, objects);
+      }
+    } else if (engine.GetSwitches().shuffleEnumerations != 0) {
       std::shuffle(selected.begin(), selected.end(), engine.Random());
     }
     return StartEnumeration(engine, session, std::move(selected), enumHandle);

@@ -5,50 +5,10 @@
 #include <cmath>
 #include <numbers>
 
+#include "emulator/Number.h"
+
 namespace EngineEmulator {
 namespace {
-
-/// A number of up to 128 bits.
-struct Number {
-  UINT64 high = 0;
-  UINT64 low = 0;
-
-  bool operator==(const Number&) const = default;
-
-  Number operator-(const Number& other) const {
-    return {high - other.high - (low < other.low ? 1 : 0), low - other.low};
-  }
-};
-
-constexpr Number kOne{0, 1};
-
-Number GreatestOf(unsigned bits) {
-  return bits == 128 ? Number{~UINT64{0}, ~UINT64{0}} : Number{0, (UINT64{1} << bits) - 1};
-}
-
-Number NumberOf(const FWP_BYTE_ARRAY16& bytes) {
-  Number number;
-  for (const UINT8 byte : bytes.byteArray16) {
-    number = {number.high << 8 | number.low >> 56, number.low << 8 | byte};
-  }
-  return number;
-}
-
-template <class Value>
-Number NumberOf(const Value& value) {
-  switch (value.type) {
-    case FWP_UINT8:
-      return {0, value.uint8};
-    case FWP_UINT16:
-      return {0, value.uint16};
-    case FWP_UINT32:
-      return {0, value.uint32};
-    case FWP_BYTE_ARRAY16_TYPE:
-      return NumberOf(*value.byteArray16);
-    default:
-      return {};
-  }
-}
 
 /// Of `less` + 1 values. Exact for powers of two, whatever the platform's logarithm.
 double Logarithm(const Number& less) {

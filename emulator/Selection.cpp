@@ -2,10 +2,13 @@
 
 #include <algorithm>
 #include <span>
+#include <tuple>
 #include <unordered_set>
+#include <utility>
 
 #include "catalog/Names.h"
 #include "emulator/Checks.h"
+#include "emulator/ConditionSets.h"
 
 namespace EngineEmulator {
 namespace {
@@ -30,15 +33,31 @@ bool IsWantedAtBootTime(UINT32 flags, const FWPM_FILTER0& filter) {
   return (flags & (FWP_FILTER_ENUM_FLAG_BOOTTIME_ONLY | FWP_FILTER_ENUM_FLAG_INCLUDE_BOOTTIME)) != 0;
 }
 
+/// No conditions narrow nothing, whatever the type of the enumeration.
+bool MeetsConditions(const FWPM_FILTER_ENUM_TEMPLATE0& criteria, const FWPM_FILTER0& filter) {
+  const Conditions own(filter.filterCondition, filter.numFilterConditions);
+  const Conditions wanted(criteria.filterCondition, criteria.numFilterConditions);
+  if (wanted.empty()) {
+    return true;
+  }
+  return criteria.enumType == FWP_FILTER_ENUM_OVERLAPPING ? Overlap(own, wanted) : Contain(own, wanted);
+}
+
 bool Matches(const FWPM_FILTER_ENUM_TEMPLATE0& criteria, const FWPM_FILTER0& filter) {
   return HasProvider(criteria.providerKey, filter.providerKey) &&
          (criteria.layerKey == GUID{} || criteria.layerKey == filter.layerKey) &&
          (criteria.actionMask & filter.action.type) != 0 && HasCallout(criteria.calloutKey, filter.action) &&
-         IsWantedAtBootTime(criteria.flags, filter);
+         IsWantedAtBootTime(criteria.flags, filter) && MeetsConditions(criteria, filter);
 }
 
-bool IsHeavier(const ObjectPtr<FWPM_FILTER0>& left, const ObjectPtr<FWPM_FILTER0>& right) {
-  return *left->Record().effectiveWeight.uint64 > *right->Record().effectiveWeight.uint64;
+/// A filter's place among all, in rising order.
+using Rank = std::tuple<UINT64, UINT64, UINT64, UINT64>;
+
+Rank RankOf(const Object<FWPM_FILTER0>& object, const ObjectStore& objects) {
+  const FWPM_FILTER0& filter = object.Record();
+  const auto layer = objects.OfKind<FWPM_LAYER0>().Find(filter.layerKey);
+  const auto sublayer = objects.OfKind<FWPM_SUBLAYER0>().Find(filter.subLayerKey);
+  return {layer->number, ~UINT64{sublayer->Record().weight}, ~*filter.effectiveWeight.uint64, ~object.number};
 }
 
 /// A template may test each field only once; a filter may test one several times.
@@ -80,10 +99,17 @@ Refusal CheckTemplate(const FWPM_FILTER_ENUM_TEMPLATE0* criteria, const Switches
   if ((criteria->flags & ~kFilterEnumFlags) != 0) {
     return {FWP_E_INVALID_FLAGS, "the template has unknown flags"};
   }
+  if (criteria->enumType != FWP_FILTER_ENUM_FULLY_CONTAINED &&
+      criteria->enumType != FWP_FILTER_ENUM_OVERLAPPING) {
+    return {FWP_E_INVALID_ENUMERATOR,
+            "there is no type " + std::to_string(int{criteria->enumType}) + " of enumerations"};
+  }
   if (criteria->numFilterConditions != 0 && criteria->filterCondition == nullptr) {
     return {FWP_E_NULL_POINTER, "the template has a number of conditions but no array of them"};
   }
-  const bool anyLayer = criteria->layerKey == GUID{} && switches.refuseZeroLayerInTemplate == 0;
+  // Conditions are of a layer.
+  const bool anyLayer = criteria->layerKey == GUID{} && switches.refuseZeroLayerInTemplate == 0 &&
+                        criteria->numFilterConditions == 0;
   const Catalog::Layer* layer = Catalog::FindLayer(criteria->layerKey, switches.Version());
   if (layer == nullptr) {
     return anyLayer ? Refusal()
@@ -91,6 +117,16 @@ Refusal CheckTemplate(const FWPM_FILTER_ENUM_TEMPLATE0* criteria, const Switches
                                                          " of the template does not exist");
   }
   return CheckTemplateConditions(*criteria, *layer, switches);
+}
+
+void SortFilters(std::vector<ObjectPtr<FWPM_FILTER0>>& filters, const ObjectStore& objects) {
+  std::vector<std::pair<Rank, ObjectPtr<FWPM_FILTER0>>> ranked;
+  ranked.reserve(filters.size());
+  for (const ObjectPtr<FWPM_FILTER0>& filter : filters) {
+    ranked.emplace_back(RankOf(*filter, objects), filter);
+  }
+  std::ranges::sort(ranked, {}, &decltype(ranked)::value_type::first);
+  std::ranges::transform(ranked, filters.begin(), &decltype(ranked)::value_type::second);
 }
 
 std::vector<ObjectPtr<FWPM_PROVIDER0>> Select(const FWPM_PROVIDER_ENUM_TEMPLATE0*,
@@ -105,6 +141,7 @@ std::vector<ObjectPtr<FWPM_SUBLAYER0>> Select(const FWPM_SUBLAYER_ENUM_TEMPLATE0
       return !HasProvider(criteria->providerKey, object->Record().providerKey);
     });
   }
+  std::ranges::stable_sort(objects, {}, [](const auto& object) { return object->Record().weight; });
   return objects;
 }
 
@@ -146,9 +183,6 @@ std::vector<ObjectPtr<FWPM_FILTER0>> Select(const FWPM_FILTER_ENUM_TEMPLATE0* cr
   }
   std::erase_if(objects,
                 [&](const ObjectPtr<FWPM_FILTER0>& object) { return !Matches(*criteria, object->Record()); });
-  if ((criteria->flags & FWP_FILTER_ENUM_FLAG_SORTED) != 0) {
-    std::stable_sort(objects.begin(), objects.end(), IsHeavier);
-  }
   return objects;
 }
 

@@ -4,7 +4,7 @@
  */
 #pragma once
 
-#include "emulator/KindStore.h"
+#include "emulator/ObjectStore.h"
 #include "emulator/Refusal.h"
 #include "emulator/Switches.h"
 
@@ -27,7 +27,11 @@ inline bool AsksForOrder(const FWPM_FILTER_ENUM_TEMPLATE0* criteria) {
   return criteria != nullptr && (criteria->flags & FWP_FILTER_ENUM_FLAG_SORTED) != 0;
 }
 
-/// The objects that a template selects, in the order of adding unless it asks for another. A null template
+/// Puts filters in the order of layer ids, in a layer the heaviest sublayer first, in a sublayer the heaviest
+/// filter first, of equally heavy ones the newest.
+void SortFilters(std::vector<ObjectPtr<FWPM_FILTER0>>& filters, const ObjectStore& objects);
+
+/// The objects that a template selects, in the order of adding, sublayers by rising weight. A null template
 /// selects all.
 std::vector<ObjectPtr<FWPM_PROVIDER0>> Select(const FWPM_PROVIDER_ENUM_TEMPLATE0* criteria,
                                               std::vector<ObjectPtr<FWPM_PROVIDER0>> objects);

@@ -301,7 +301,7 @@ TEST_F(Enumeration, OfProvidersStartsWithTheBuiltInOnes) {
   EXPECT_EQ(FwpmProviderDestroyEnumHandle0(session, enumHandle), kSuccess);
 }
 
-TEST_F(Enumeration, OfSublayersStartsWithTheBuiltInOnes) {
+TEST_F(Enumeration, OfSublayersIsByRisingWeight) {
   const TestSession session;
   ASSERT_EQ(Add(session, SublayerRecord()), kSuccess);
   HANDLE enumHandle = nullptr;
@@ -315,9 +315,11 @@ TEST_F(Enumeration, OfSublayersStartsWithTheBuiltInOnes) {
   EXPECT_EQ(entries[2]->weight, 2);
   ASSERT_NE(entries[2]->providerKey, nullptr);
   EXPECT_EQ(entries[2]->providerKey->Data1, 0xdecc16caU);
-  EXPECT_STREQ(entries[13]->displayData.name, L"UNIVERSAL");
-  EXPECT_EQ(entries[13]->weight, 32768);
-  EXPECT_TRUE(entries[18]->subLayerKey == kSublayerKey);
+  EXPECT_TRUE(entries[8]->subLayerKey == kSublayerKey);
+  EXPECT_EQ(entries[8]->weight, 8);
+  EXPECT_STREQ(entries[14]->displayData.name, L"UNIVERSAL");
+  EXPECT_EQ(entries[14]->weight, 32768);
+  EXPECT_EQ(entries[18]->weight, 49152);
   Free(entries);
   EXPECT_EQ(FwpmSubLayerDestroyEnumHandle0(session, enumHandle), kSuccess);
 }
