@@ -97,16 +97,16 @@ TEST(LeakProtectionSteps, CopyTheBlocksOfAnotherOwner) {
               HasSubstr("application blocks of Windows Firewall; weight 15; filters 4\n"
                         "    filter # \"Corvane Copy of Windows Firewall\" at ALE_AUTH_CONNECT_V4: BLOCK "
                         "when ALE_APP_ID EQUAL BYTE_BLOB "
-                        "\\device\\harddiskvolume1\\bad.exe; weight UINT8 15\n"
+                        "\\device\\harddiskvolume1\\bad.exe; weight UINT8 15; flags INDEXED\n"
                         "    filter # \"Corvane Copy of Windows Firewall\" at ALE_AUTH_CONNECT_V6: BLOCK "
                         "when ALE_APP_ID EQUAL BYTE_BLOB "
-                        "\\device\\harddiskvolume1\\bad.exe; weight UINT8 15\n"
+                        "\\device\\harddiskvolume1\\bad.exe; weight UINT8 15; flags INDEXED\n"
                         "    filter # \"Corvane Copy of Windows Firewall\" at ALE_AUTH_CONNECT_V4: BLOCK "
                         "when ALE_APP_ID EQUAL BYTE_BLOB "
-                        "\\device\\harddiskvolume1\\worse.exe; weight UINT8 15\n"
+                        "\\device\\harddiskvolume1\\worse.exe; weight UINT8 15; flags INDEXED\n"
                         "    filter # \"Corvane Copy of Windows Firewall\" at ALE_AUTH_CONNECT_V6: BLOCK "
                         "when ALE_APP_ID EQUAL BYTE_BLOB "
-                        "\\device\\harddiskvolume1\\worse.exe; weight UINT8 15\n"));
+                        "\\device\\harddiskvolume1\\worse.exe; weight UINT8 15; flags INDEXED\n"));
 }
 
 TEST(LeakProtectionSteps, HaveTheirNameRulesBesideABlockedApplicationOfTheSameFolder) {

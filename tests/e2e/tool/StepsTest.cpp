@@ -97,18 +97,18 @@ TEST(Steps, ListTellsTheSixDhcpFiltersInWords) {
           "through; weight 8; filters 6\n"
           "    filter # \"Corvane DHCP\" at ALE_AUTH_CONNECT_V4: PERMIT when IP_PROTOCOL EQUAL UINT8 17 and "
           "IP_LOCAL_PORT EQUAL UINT16 67 "
-          "and IP_REMOTE_PORT EQUAL UINT16 68; weight UINT8 14\n"
+          "and IP_REMOTE_PORT EQUAL UINT16 68; weight UINT8 14; flags INDEXED\n"
           "    filter # \"Corvane DHCP\" at ALE_FLOW_ESTABLISHED_V4: PERMIT when IP_PROTOCOL EQUAL UINT8 17 "
           "and IP_LOCAL_PORT EQUAL "
           "UINT16 67 and IP_REMOTE_PORT EQUAL UINT16 68; weight UINT8 14\n"
           "    filter # \"Corvane DHCP\" at ALE_AUTH_CONNECT_V6: PERMIT when IP_PROTOCOL EQUAL UINT8 17 and "
           "IP_LOCAL_PORT EQUAL UINT16 "
           "546 "
-          "and IP_REMOTE_PORT EQUAL UINT16 547; weight UINT8 14\n"
+          "and IP_REMOTE_PORT EQUAL UINT16 547; weight UINT8 14; flags INDEXED\n"
           "    filter # \"Corvane DHCP\" at ALE_AUTH_CONNECT_V6: PERMIT when IP_PROTOCOL EQUAL UINT8 17 and "
           "IP_LOCAL_PORT EQUAL UINT16 "
           "547 "
-          "and IP_REMOTE_PORT EQUAL UINT16 546; weight UINT8 14\n"
+          "and IP_REMOTE_PORT EQUAL UINT16 546; weight UINT8 14; flags INDEXED\n"
           "    filter # \"Corvane DHCP\" at ALE_FLOW_ESTABLISHED_V6: PERMIT when IP_PROTOCOL EQUAL UINT8 17 "
           "and IP_LOCAL_PORT EQUAL "
           "UINT16 546 and IP_REMOTE_PORT EQUAL UINT16 547; weight UINT8 14\n"
@@ -154,7 +154,7 @@ TEST(Steps, ListOfAllHasWhatOthersOwn) {
   EXPECT_THAT(output, HasSubstr("  sublayer \"Corvane DHCP\" {28c81cd0-"));
   EXPECT_THAT(output, HasSubstr("    filter # \"Block of another owner\" at ALE_AUTH_CONNECT_V6: BLOCK when "
                                 "ALE_APP_ID EQUAL BYTE_BLOB \\device\\harddiskvolume1\\bad.exe; weight "
-                                "EMPTY; no provider\n"));
+                                "EMPTY; flags INDEXED; no provider\n"));
 }
 
 TEST(Steps, ListGroupsFiltersBySublayer) {
