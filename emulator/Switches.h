@@ -54,7 +54,7 @@ struct Switches {
   /// How long a session waits for the write lock if it does not say itself.
   UINT32 lockWaitMilliseconds = 15'000;
   /// How many calls the journal keeps; 0: none.
-  UINT32 journalEntries = 10'000;
+  UINT32 journalEntries = 2'000;
   /// The build of Windows that the engine is of. To be set before anything is added.
   UINT32 windowsBuild = 26100;
   /// Sublayers keep the weight that they ask for, even if another one has it.
