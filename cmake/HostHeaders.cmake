@@ -1,4 +1,4 @@
-# The target host_headers has the header-only libraries CLI11, nlohmann-json and, for the tests, valijson.
+# The target host_headers has the header-only libraries CLI11, nlohmann-json, RapidXML and, for the tests, valijson.
 include_guard(GLOBAL)
 
 add_library(host_headers INTERFACE)
@@ -6,7 +6,9 @@ add_library(host_headers INTERFACE)
 if(CMAKE_HOST_WIN32)
   find_package(CLI11 REQUIRED)
   find_package(nlohmann_json REQUIRED)
+  find_path(RAPIDXML_INCLUDE_DIR rapidxml/rapidxml.hpp REQUIRED)
   target_link_libraries(host_headers INTERFACE CLI11::CLI11 nlohmann_json::nlohmann_json)
+  target_include_directories(host_headers SYSTEM INTERFACE "${RAPIDXML_INCLUDE_DIR}")
   if(BUILD_TESTING)
     find_package(valijson REQUIRED)
     target_link_libraries(host_headers INTERFACE ValiJSON::valijson)
@@ -30,6 +32,7 @@ endfunction()
 
 link_host_headers(CLI CLI.hpp libcli11-dev)
 link_host_headers(nlohmann json.hpp nlohmann-json3-dev)
+link_host_headers(rapidxml rapidxml.hpp librapidxml-dev)
 if(BUILD_TESTING)
   link_host_headers(valijson validator.hpp libvalijson-dev)
 endif()

@@ -237,6 +237,126 @@ READ_FILTERS = {
     "applications": [filter_record("ALE_AUTH_RECV_ACCEPT_V4", test("ALE_APP_ID", 9, b"\x01\x04a\0\0\0\0\x01"))],
 }
 
+# dump_reader: a dump as it is
+HEAD = '<?xml version="1.0" encoding="UTF-8" standalone="yes"?>\n'
+GUID = "{11112222-3333-4444-5555-66667777888%x}"
+
+
+def element(name, *inner):
+    return f"<{name}>{''.join(inner)}</{name}>" if inner else f"<{name}/>"
+
+
+def items(name, *inner):
+    return f'<{name} numItems="{len(inner)}">{"".join(element("item", one) for one in inner)}</{name}>'
+
+
+def named(text):
+    return element("displayData", element("name", text), "<description/>")
+
+
+def value(name, data_type, *inner):
+    return element(name, element("type", data_type), *inner)
+
+
+def dumped_condition(field, match, *test):
+    return (element("fieldKey", f"FWPM_CONDITION_{field}") + element("matchType", f"FWP_MATCH_{match}") +
+            value("conditionValue", *test))
+
+
+def dumped_filter(*tests, flags="<flags/>", context="<rawContext>0</rawContext>", action="FWP_ACTION_BLOCK"):
+    return "\n".join((
+        element("filterKey", GUID % 1), named("a &amp; <![CDATA[<b>]]>&#x1F512;"), flags,
+        element("providerKey", GUID % 2), element("providerData", "<data>00ff</data><asString>..</asString>"),
+        element("layerKey", "FWPM_LAYER_ALE_AUTH_CONNECT_V4"), element("subLayerKey", "FWPM_SUBLAYER_NEW"),
+        value("weight", "FWP_EMPTY"), items("filterCondition", *tests),
+        element("action", element("type", action), "<filterType/>"), context, "<reserved/>",
+        element("filterId", "70000"), value("effectiveWeight", "FWP_UINT64", element("uint64", "0"))))
+
+
+def dumped_filters(*filters):
+    return HEAD + element("wfpdiag", items("filters", *filters))
+
+
+def number_range(data_type, name, low, high):
+    return ("FWP_RANGE_TYPE", element("rangeValue", value("valueLow", data_type, element(name, low)),
+                                      value("valueHigh", data_type, element(name, high))))
+
+
+PROVIDER = element("providerKey", GUID % 2) + named("p") + "<flags/><providerData/><serviceName>s</serviceName>"
+LAYER = element("item", element(
+    "layer", element("layerKey", "FWPM_LAYER_ALE_AUTH_CONNECT_V4"), named("l"),
+    items("flags", "FWPM_LAYER_FLAG_KERNEL", "00000100"),
+    items("field", element("fieldKey", "FWPM_CONDITION_IP_PROTOCOL") + element("type", "FWPM_FIELD_RAW_DATA") +
+          element("dataType", "FWP_UINT8")),
+    element("defaultSubLayerKey", "FWPM_SUBLAYER_UNIVERSAL"), element("layerId", "48")),
+    items("callouts", element("calloutKey", GUID % 3) + named("c") + items("flags", "FWPM_CALLOUT_FLAG_REGISTERED") +
+          "<providerKey/><providerData/>" + element("applicableLayer", "FWPM_LAYER_ALE_AUTH_CONNECT_V4") +
+          element("calloutId", "256")),
+    items("filters", dumped_filter(flags=items("flags", "FWPM_FILTER_FLAG_HAS_PROVIDER_CONTEXT", "FWPM_FILTER_FLAG_NEW"),
+                                   context=element("providerContextKey", GUID % 4))))
+CONTEXT = (element("providerContextKey", GUID % 4) + named("x") + "<flags/><providerKey/><providerData/>")
+STATE = HEAD + element(
+    "wfpstate", "<timeStamp>2026-11-01</timeStamp><sessions/>", element("layers", LAYER), items("providers", PROVIDER),
+    items("providerContexts", CONTEXT + element("type", "FWPM_GENERAL_CONTEXT") +
+          element("dataBuffer", "<data>4100</data>") + element("providerContextId", "1"),
+          CONTEXT + element("type", "FWPM_CLASSIFY_OPTIONS_CONTEXT") + "<options a='1'><o/></options>" +
+          element("providerContextId", "2")),
+    items("subLayers", element("subLayerKey", GUID % 5) + named("s") + "<flags/><providerKey/><providerData/>" +
+          element("weight", "7")), "<news/>") + "<firewallState/>"
+FILTERS_DUMP = dumped_filters(
+    dumped_filter(dumped_condition("IP_REMOTE_PORT", "EQUAL", "FWP_UINT16", element("uint16", "53")),
+                  dumped_condition("IP_REMOTE_ADDRESS", "EQUAL", "FWP_UINT32", element("uint32", "10.0.0.1")),
+                  dumped_condition("IP_LOCAL_INTERFACE", "NOT_EQUAL", "FWP_UINT64", element("uint64", "7"))),
+    dumped_filter(flags=items("flags", "FWPM_FILTER_FLAG_INDEXED", "0000A000"), action="FWP_ACTION_PERMIT"))
+DUMPS = {
+    "filters": FILTERS_DUMP.encode(),
+    "state": STATE.encode(),
+    "utf16": b"\xff\xfe" + FILTERS_DUMP.replace("\n", "\r\n").encode("utf-16-le"),
+    "utf16_big_endian": b"\xfe\xff" + dumped_filters().encode("utf-16-be"),
+    "ranges": b"\xef\xbb\xbf" + dumped_filters(dumped_filter(
+        dumped_condition("IP_REMOTE_PORT", "RANGE", *number_range("FWP_UINT16", "uint16", "1", "2")),
+        dumped_condition("IP_REMOTE_ADDRESS", "RANGE", *number_range("FWP_UINT32", "uint32", "10.0.0.0", "10.0.0.9")),
+        dumped_condition("IP_REMOTE_ADDRESS", "RANGE",
+                         *number_range("FWP_BYTE_ARRAY16_TYPE", "byteArray16", "fe80::", "fe80::ffff")))).encode(),
+    "networks": dumped_filters(dumped_filter(
+        dumped_condition("IP_REMOTE_ADDRESS", "EQUAL", "FWP_V4_ADDR_MASK",
+                         element("v4AddrMask", element("addr", "10.0.0.0"), element("mask", "255.0.0.0"))),
+        dumped_condition("IP_REMOTE_ADDRESS", "EQUAL", "FWP_V6_ADDR_MASK",
+                         element("v6AddrMask", element("addr", "fe80::"), element("prefixLength", "10"))))).encode(),
+    "identities": dumped_filters(dumped_filter(
+        dumped_condition("ALE_APP_ID", "EQUAL", "FWP_BYTE_BLOB_TYPE", element("byteBlob", element("data", "61000000"))),
+        dumped_condition("ALE_PACKAGE_ID", "NOT_EQUAL", "FWP_SID", element("sid", "S-1-0-0")),
+        dumped_condition("ALE_USER_ID", "EQUAL", "FWP_SECURITY_DESCRIPTOR_TYPE",
+                         element("sd", 'O:SYD:(A;;CC;;;DU)(XA;;CC;;;WD;(a Contains "b"))S:NO_ACCESS_CONTROL')))).encode(),
+    "other_values": dumped_filters(dumped_filter(
+        dumped_condition("NEW", "LESS", "FWP_INT8", element("int8", "-1")),
+        dumped_condition("NEW", "GREATER", "FWP_DOUBLE", element("double64", "0.5")),
+        dumped_condition("NEW", "EQUAL", "FWP_FLOAT", element("float32", "1e10")),
+        dumped_condition("NEW", "PREFIX", "FWP_UNICODE_STRING_TYPE", element("unicodeString", "a")),
+        dumped_condition("MAC_LOCAL_ADDRESS", "EQUAL", "FWP_BYTE_ARRAY6_TYPE",
+                         element("byteArray6", "00-11-22-33-44-55")))).encode(),
+    "comments": (HEAD + "<!-- a --><?b c?><wfpdiag><filters/><providers></providers></wfpdiag>").encode(),
+    "document_type": (HEAD + '<!DOCTYPE a [<!ENTITY b "c">]><wfpdiag>&b;</wfpdiag>').encode(),
+}
+
+# security_descriptor_text: whether it is text, then the text or the bytes
+DESCRIPTORS = {
+    "windows": "O:SYG:SYD:(A;;CCRC;;;S-1-5-80-1-2-3-4-5)(A;NP;CC;;;AC)S:NO_ACCESS_CONTROL",
+    "package": 'O:SYG:SYD:(XA;;CC;;;WD;(WIN://SYSAPPID Contains "a_b"))(A;;CC;;;S-1-15-3-1)',
+    "operators": 'D:(XD;;GA;;;WD;(!(a == {1, -0x1f, +017, "b%0022", #00ff, SID(BA)}) || Member_of {SID(WD)} && '
+                 "(exists @User.a || @Device.b >= @Resource.c)))",
+    "objects": "D:PAIAR(OA;CIIO;CR;00112233-4455-6677-8899-aabbccddeeff;;PS)(ZA;;CC;;;WD;(not_exists a))",
+    "audit": "D:S:(AU;SAFA;FA;;;WD)(ML;;NWNRNX;;;ME)(SP;;;;;S-1-17-1)(TL;;0x1;;;S-1-19-512-8192)(FL;TP;GX;;;WD)",
+    "attributes": 'S:(RA;;;;;WD;("a",TS,0x10,"b","c"))(RA;;;;;WD;("a",TI,0,-5))(RA;;;;;WD;("a",TU,0,5))'
+                  '(RA;;;;;WD;("a",TD,0,SID(BA)))(RA;;;;;WD;("a",TX,0,#00ff))(RA;;;;;WD;("a",TB,0,1))',
+    "domain": "O:DAG:DUD:(A;;0x1200a9;;;S-1-0x123456789abc-1)",
+}
+# Head, an owner, then a list of one entry with a condition: exists a && a == 5.
+DESCRIPTOR_BYTES = bytes.fromhex(
+    "01000480 14000000 00000000 00000000 20000000 010100000000000512000000"
+    "02003c0001000000 0900340001000000 010100000000000100000000"
+    "61727478 f8020000006100 87 f8020000006100 04050000000000000003 02 80 a0")
+
 for target, seeds in {
         "registry_property": REGISTRY,
         "address_texts": ADDRESSES,
@@ -245,6 +365,9 @@ for target, seeds in {
         "emulator_calls": {name: b"\0" + b"".join(calls) for name, calls in CALLS.items()},
         "policy_snapshot": {name: CONNECTION * 4 + b"\x01" + SUBLAYER + b"".join(record + WEIGHT for record in records)
                             for name, records in READ_FILTERS.items()},
+        "dump_reader": DUMPS,
+        "security_descriptor_text": {name: b"\x01" + sddl.encode() for name, sddl in DESCRIPTORS.items()} |
+                                    {"bytes": b"\x00" + DESCRIPTOR_BYTES},
 }.items():
     folder = HERE / "corpus" / target
     shutil.rmtree(folder, ignore_errors=True)

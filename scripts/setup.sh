@@ -15,6 +15,7 @@ packages=(
   googletest
   libclang-rt-14-dev # clang's sanitizers and libFuzzer
   libcli11-dev
+  librapidxml-dev
   libvalijson-dev # the tests of the tool's JSON
   llvm # llvm-dlltool, for the import library for Visual Studio
   mono-mcs # the C# example

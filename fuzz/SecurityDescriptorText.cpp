@@ -1,0 +1,57 @@
+// Texts and bytes of any content as security descriptors: refused, or the same after a round.
+#include <optional>
+#include <string>
+#include <vector>
+
+#include "dump/Sddl.h"
+#include "fuzz/Input.h"
+
+namespace {
+
+using Fuzz::Require;
+
+std::optional<std::vector<UINT8>> Parse(std::string_view sddl, Dump::DomainSids domainSids) {
+  try {
+    return Dump::ParseSddl(sddl, domainSids);
+  } catch (const Dump::SddlError&) {
+    return std::nullopt;
+  }
+}
+
+void CheckText(std::string_view sddl) {
+  const auto marked = Parse(sddl, Dump::DomainSids::Mark);
+  const auto strict = Parse(sddl, Dump::DomainSids::Refuse);
+  Require(!strict || (marked && *strict == *marked), "a text that names no domain is read as any other");
+  if (!marked) {
+    return;
+  }
+  const std::string text = Dump::FormatSddl(*marked);
+  Require(Dump::ParseSddl(text, Dump::DomainSids::Mark) == *marked,
+          "a text that was written gives the same bytes");
+}
+
+void CheckBytes(std::span<const UINT8> descriptor) {
+  std::string text;
+  try {
+    text = Dump::FormatSddl(descriptor);
+  } catch (const Dump::SddlError&) {
+    return;
+  }
+  const auto parsed = Parse(text, Dump::DomainSids::Mark);
+  Require(!parsed || Dump::FormatSddl(*parsed) == text, "bytes that have a text get it again");
+  Require(parsed || text.size() > 0xFFFF, "a text of ordinary length is read");
+}
+
+}  // namespace
+
+extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t* data, std::size_t size) {
+  Fuzz::Input input(data, size);
+  const bool isText = input.TakeFlag();
+  const auto rest = input.TakeBytes(size);
+  if (isText) {
+    CheckText({reinterpret_cast<const char*>(rest.data()), rest.size()});
+  } else {
+    CheckBytes(rest);
+  }
+  return 0;
+}
