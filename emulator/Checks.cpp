@@ -17,6 +17,9 @@ Refusal CheckText(const wchar_t* text) {
 
 /// Persistence is the one flag that a client may set on a provider or a sublayer.
 Refusal CheckFlags(UINT32 flags, const CheckContext& context) {
+  if (context.switches.keepAsGiven != 0) {
+    return {};
+  }
   static_assert(FWPM_PROVIDER_FLAG_PERSISTENT == FWPM_SUBLAYER_FLAG_PERSISTENT);
   if ((flags & FWPM_PROVIDER_FLAG_DISABLED) != 0) {
     return {FWP_E_INVALID_FLAGS, "DISABLED is a flag that only the engine sets"};
@@ -115,7 +118,7 @@ Refusal Check(const FWPM_CALLOUT0& callout, const CheckContext& context) {
   if (Refusal refusal = CheckBlob(callout.providerData)) {
     return refusal;
   }
-  if (context.switches.refuseUnknownFlags != 0 &&
+  if (context.switches.refuseUnknownFlags != 0 && context.switches.keepAsGiven == 0 &&
       (callout.flags & ~(kPersistent | kUsesProviderContext)) != 0) {
     return {FWP_E_INVALID_FLAGS, "there is a flag that clients cannot set"};
   }

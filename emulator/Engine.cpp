@@ -1,5 +1,6 @@
 #include "emulator/Engine.h"
 
+#include <algorithm>
 #include <utility>
 
 #include "catalog/Names.h"
@@ -56,9 +57,31 @@ void AssignWeight(Native&, const ObjectStore&, const Switches&) {}
 
 template <>
 void AssignWeight(FWPM_SUBLAYER0& sublayer, const ObjectStore& objects, const Switches& switches) {
-  if (switches.keepSublayerWeights == 0) {
+  if (switches.keepAsGiven == 0) {
     sublayer.weight = objects.WeightsOfSublayers().NearestFree(sublayer.weight);
   }
+}
+
+/// The number that a record comes with; 0 for none.
+template <class Native>
+UINT64 GivenNumber(const Native&) {
+  return 0;
+}
+
+template <>
+UINT64 GivenNumber(const FWPM_CALLOUT0& callout) {
+  return callout.calloutId;
+}
+
+template <>
+UINT64 GivenNumber(const FWPM_FILTER0& filter) {
+  return filter.filterId;
+}
+
+/// Where the weight that a filter comes with is kept.
+bool KeepsWeight(const FWPM_FILTER0& filter, const Switches& switches) {
+  const FWP_VALUE0& weight = filter.effectiveWeight;
+  return switches.keepAsGiven != 0 && weight.type == FWP_UINT64 && weight.uint64 != nullptr;
 }
 
 template <class Native>
@@ -89,7 +112,8 @@ template <>
 ObjectPtr<FWPM_FILTER0> MakeNumbered(const FWPM_FILTER0& record, const Origin& origin, UINT64 number,
                                      std::shared_ptr<const SecurityDescriptor> security,
                                      const Switches& switches) {
-  UINT64 weight = EffectiveWeight(record, switches);
+  UINT64 weight =
+      KeepsWeight(record, switches) ? *record.effectiveWeight.uint64 : EffectiveWeight(record, switches);
   FWPM_FILTER0 numbered = record;
   numbered.flags &= ~UINT32{FWPM_FILTER_FLAG_INDEXED};
   numbered.flags |= IsIndexed(record) ? FWPM_FILTER_FLAG_INDEXED : 0;
@@ -169,14 +193,28 @@ DWORD Engine::Add(Session& session, const Native& record, PSECURITY_DESCRIPTOR s
     return Refuse({FWP_E_ALREADY_EXISTS, std::string("there is a ") + Kind<Native>::kName + " " + Text(key)});
   }
   AssignWeight(filled, *objects, switches_);
-  UINT64& next = std::is_same_v<Native, FWPM_CALLOUT0> ? nextCalloutNumber_ : nextNumber_;
-  const ObjectPtr<Native> object = MakeNumbered(filled, origin, next++, std::move(descriptor), switches_);
+  const ObjectPtr<Native> object =
+      MakeNumbered(filled, origin, NewNumber(filled, *objects), std::move(descriptor), switches_);
   objects->template Add<Native>(object);
   if (number != nullptr) {
     *number = object->number;
   }
   Announce(session, FWPM_CHANGE_ADD, object);
   return ERROR_SUCCESS;
+}
+
+template <class Native>
+UINT64 Engine::NewNumber(const Native& record, const ObjectStore& objects) {
+  constexpr bool kIsCallout = std::is_same_v<Native, FWPM_CALLOUT0>;
+  // Room for those that come later, which get higher ones.
+  constexpr UINT64 kMostGiven = kIsCallout ? UINT32_MAX / 2 : UINT64_MAX / 2;
+  UINT64& next = kIsCallout ? nextCalloutNumber_ : nextNumber_;
+  const UINT64 given = switches_.keepAsGiven != 0 ? GivenNumber(record) : 0;
+  if (given == 0 || given > kMostGiven || objects.OfKind<Native>().Find(given) != nullptr) {
+    return next++;
+  }
+  next = std::max(next, given + 1);
+  return given;
 }
 
 Refusal Engine::CheckDeletion(const Session& session, const Origin& origin) const {

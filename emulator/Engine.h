@@ -89,6 +89,8 @@ class Engine {
  private:
   DWORD Refuse(const Refusal& refusal);
   [[nodiscard]] Refusal CheckDeletion(const Session& session, const Origin& origin) const;
+  template <class Native>
+  UINT64 NewNumber(const Native& record, const ObjectStore& objects);
   /// Null in a transaction that only reads.
   ObjectStore* OpenForChange(Session& session);
   template <class Native>

@@ -28,6 +28,9 @@ Refusal CheckPointers(const FWPM_FILTER0& filter, const CheckContext& context) {
 }
 
 Refusal CheckFlags(const FWPM_FILTER0& filter, const CheckContext& context) {
+  if (context.switches.keepAsGiven != 0) {
+    return {};
+  }
   constexpr UINT32 kNeverBoth = FWPM_FILTER_FLAG_PERSISTENT | FWPM_FILTER_FLAG_BOOTTIME;
   const bool forCallouts = (filter.flags & FWPM_FILTER_FLAG_PERMIT_IF_CALLOUT_UNREGISTERED) != 0;
   const bool canBeMissing = filter.action.type == FWP_ACTION_CALLOUT_TERMINATING ||

@@ -33,7 +33,7 @@ constexpr NamedSwitch kSwitches[]{
     {"lockWaitMilliseconds", &Switches::lockWaitMilliseconds},
     {"journalEntries", &Switches::journalEntries},
     {"windowsBuild", &Switches::windowsBuild},
-    {"keepSublayerWeights", &Switches::keepSublayerWeights},
+    {"keepAsGiven", &Switches::keepAsGiven},
     {"guessWeights", &Switches::guessWeights},
     {"weighUnobservedAsExact", &Switches::weighUnobservedAsExact},
 };

@@ -57,8 +57,9 @@ struct Switches {
   UINT32 journalEntries = 2'000;
   /// The build of Windows that the engine is of. To be set before anything is added.
   UINT32 windowsBuild = 26100;
-  /// Sublayers keep the weight that they ask for, even if another one has it.
-  UINT32 keepSublayerWeights = 0;
+  /// Added objects keep what else the engine assigns: the ids of filters and callouts, the weights of filters
+  /// and sublayers, and all flags. For filling it with what another engine held.
+  UINT32 keepAsGiven = 0;
   /// Conditions weigh by a guess everywhere, not by what live engines show.
   UINT32 guessWeights = 0;
   /// Matches whose weight nobody has seen count as one exact value; else by the values that they leave.

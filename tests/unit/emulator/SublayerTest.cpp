@@ -152,7 +152,7 @@ TEST_F(Sublayer, WeightIsFreeAgainWhenTheDynamicSessionEnds) {
 TEST_F(Sublayer, KeepsItsWeightOnRequestEvenIfAnotherHasIt) {
   const TestSession session;
   EngineEmulator::Switches switches;
-  switches.keepSublayerWeights = 1;
+  switches.keepAsGiven = 1;
   EngineEmulator::SetSwitches(switches);
   EXPECT_EQ(AddWeighing(session, Key(1), 0), 0);
   EXPECT_EQ(AddWeighing(session, Key(2), 0), 0);

@@ -42,7 +42,7 @@ class PolicyTest : public EngineTest {
   /// The sublayer has this weight even if another one has it: the policy library knows what to do with ties.
   void Install(UINT16 weight, const std::string& filters) {
     EngineEmulator::Switches switches = EngineEmulator::GetSwitches();
-    switches.keepSublayerWeights = 1;
+    switches.keepAsGiven = 1;
     EngineEmulator::SetSwitches(switches);
     filters_->Install(L"Sublayer", weight, filters);
   }

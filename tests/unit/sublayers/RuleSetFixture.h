@@ -31,7 +31,7 @@ class RuleSetFixture : public EngineTest {
   void SetUp() override {
     EngineTest::SetUp();
     EngineEmulator::Switches switches;
-    switches.keepSublayerWeights = 1;
+    switches.keepAsGiven = 1;
     EngineEmulator::SetSwitches(switches);
   }
 
