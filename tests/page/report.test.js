@@ -1,6 +1,6 @@
 // Opens reports in a browser and uses them. The environment variable REPORT names the report of a run with the kill
 // switch, one exempt application and DHCP; REPORT_OF_SEVERAL that of a run with these, leak protection, one
-// application that others block, and Skein.
+// application that others block, and Skein; REPORT_OF_DUMP that of machine.xml.
 import assert from "node:assert/strict";
 import { after, before, beforeEach, test } from "node:test";
 import { pathToFileURL } from "node:url";
@@ -394,4 +394,15 @@ test("a sheet of paper has every column", async () => {
 test("on paper everything is open", async () => {
   await page.evaluate(() => dispatchEvent(new Event("beforeprint")));
   assert.equal(await page.locator("details:not([open])").count(), 0);
+});
+
+test("a report of a dump says so", async () => {
+  await open({ report: process.env.REPORT_OF_DUMP });
+  assert.match(
+    await page.textContent("#about"),
+    /^The filtering engine of a dump, .*: 1 filter in 1 sublayer, whose order is inferred from that of the filters\./,
+  );
+  assert.equal(await ask({ remote: "10.0.0.1", port: "25" }), "block");
+  assert.equal(await ask({ remote: "10.0.0.1", port: "443" }), "permit");
+  assert.deepEqual(complaints, []);
 });

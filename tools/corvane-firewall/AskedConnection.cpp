@@ -49,6 +49,17 @@ void SetInterface(const std::string& text, Connection& connection) {
 
 }  // namespace
 
+void CheckAskedOfDump(const StepOptions& options) {
+  if (!std::ranges::all_of(options.interfaces,
+                           [](const auto& text) { return ParseLuid(text).has_value(); })) {
+    throw Failure("A dump does not have the names of adapters", "Give --interface a LUID.");
+  }
+  if (!std::ranges::all_of(options.apps, IsApplicationId)) {
+    throw Failure("A dump does not tell which volume the path of an application is on",
+                  "Give --app an id such as \\device\\harddiskvolume1\\a.exe, in small letters.");
+  }
+}
+
 Connection AskedConnection(const std::string& remoteText, const StepOptions& options) {
   const Endpoint remote = ParseEndpoint(remoteText).value();
   const Policy::IpVersion ipVersion = remote.address.ipVersion;

@@ -5,6 +5,10 @@
 #include "Step.h"
 #include "policy/Connection.h"
 
+/// Only the machine of a dump knows the names of its adapters and the volumes of its files.
+/// @throws Failure when an option of the step explain names an adapter, or an application by its path.
+void CheckAskedOfDump(const StepOptions& options);
+
 /// The connection that the options of the step explain describe.
 /// @param remote one of the values of --remote.
 /// @throws Failure when the options contradict each other, or name an adapter or a file that does not exist.

@@ -5,10 +5,32 @@
 #include <sstream>
 
 #include "Steps.h"
+#include "dump/Numbers.h"
 
 namespace {
 
 constexpr const char* kJson = "--json";
+
+bool IsDump(std::string_view engine) {
+  constexpr std::string_view kEnd = ".xml";
+  return engine.size() > kEnd.size() &&
+         std::ranges::equal(engine.substr(engine.size() - kEnd.size()), kEnd, {}, Dump::ToLower);
+}
+
+std::string RejectAllButEngine(const std::string& name) {
+  return name == "system" || name == "emulated" || IsDump(name)
+             ? ""
+             : name + " is neither system nor emulated, nor a file that ends in .xml";
+}
+
+void SetEngine(const std::string& name, Plan& plan) {
+  plan.dump = IsDump(name) ? name : "";
+  if (IsDump(name)) {
+    plan.engine = Engine::Dump;
+  } else {
+    plan.engine = name == "emulated" ? Engine::Emulated : Engine::System;
+  }
+}
 
 /// The global options may stand before, between and after the steps, so each part of the command line gets
 /// them.
@@ -17,13 +39,11 @@ void AddGlobalOptions(CLI::App& app, Plan& plan) {
   app.allow_windows_style_options(false);
   app.set_version_flag("--version", "corvane-firewall " CORVANE_VERSION, "Print the version");
   app.add_option_function<std::string>(
-         "--engine",
-         [&plan](const std::string& name) {
-           plan.engine = name == "emulated" ? Engine::Emulated : Engine::System;
-         },
-         "system (default), or emulated: nothing on this machine changes")
-      ->check(CLI::IsMember({"system", "emulated"}).description(""))
-      ->type_name("system|emulated");
+         "--engine", [&plan](const std::string& name) { SetEngine(name, plan); },
+         "system (default), or emulated: nothing on this machine changes. A file that netsh wfp show state "
+         "or netsh wfp show filters has written can only be read")
+      ->check([](const std::string& name) { return RejectAllButEngine(name); })
+      ->type_name("system|emulated|FILE.xml");
   app.add_option("--dns-app", plan.dnsApp, "Application whose name look-ups may bypass the tunnel")
       ->type_name("PATH");
   app.add_option_function<std::vector<std::string>>(
@@ -63,10 +83,15 @@ std::string ListSteps() {
   return text.str();
 }
 
-std::string StepNames() {
+bool ReadsEngine(const Step& step) { return step.effect == Effect::ReadsEngine; }
+
+/// The names of all steps, or of those that `isNamed` picks.
+std::string StepNames(bool (*isNamed)(const Step&) = [](const Step&) { return true; }) {
   std::string names;
   for (const Step& step : AllSteps()) {
-    names += names.empty() ? step.name : std::string(", ") + step.name;
+    if (isNamed(step)) {
+      names += names.empty() ? step.name : std::string(", ") + step.name;
+    }
   }
   return names;
 }
@@ -134,6 +159,25 @@ UsageError Unknown(const std::string& argument, const std::vector<PlannedStep>& 
           "its options are " + (known.empty() ? std::string("only the global ones") : known)};
 }
 
+/// @throws UsageError for what takes more than a dump.
+void CheckReadsDump(const Plan& plan) {
+  if (!plan.dnsApp.empty()) {
+    throw UsageError("--dns-app is for steps that change the engine, and a dump cannot be changed",
+                     "it goes with --engine system or emulated");
+  }
+  for (const PlannedStep& planned : plan.steps) {
+    const std::string step = planned.step->name;
+    if (!IsReading(planned.step->effect)) {
+      throw UsageError("The step " + step + " changes the engine, and a dump cannot be changed",
+                       "--engine emulated --start " + plan.dump + " begins with what the dump holds");
+    }
+    if (planned.step->effect == Effect::ReadsRun) {
+      throw UsageError("The step " + step + " tells of this machine or this run, and a dump is neither",
+                       "the steps that read a dump are " + StepNames(&ReadsEngine));
+    }
+  }
+}
+
 }  // namespace
 
 bool AsksForJson(const std::vector<std::string>& arguments) {
@@ -155,6 +199,9 @@ Plan ParseCommandLine(const std::vector<std::string>& arguments) {
   }
   if (!plan.blockedApps.empty() && plan.engine != Engine::Emulated) {
     throw UsageError("--block-app is for the emulated engine", "it goes with --engine emulated");
+  }
+  if (plan.engine == Engine::Dump) {
+    CheckReadsDump(plan);
   }
   if (plan.steps.empty() && plan.information.empty()) {
     throw UsageError("No steps are given", "give at least one of " + StepNames());

@@ -9,6 +9,7 @@
 /// What a command line asks for; UTF-8.
 struct Plan {
   Engine engine = Engine::System;
+  std::string dump;  ///< the file, if the engine is one
   std::string dnsApp;
   std::vector<std::string> blockedApps;
   bool json = false;

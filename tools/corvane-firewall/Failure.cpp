@@ -25,6 +25,18 @@ constexpr CodeHint kSystemHints[]{
 
 }  // namespace
 
+const char* EngineName(Engine engine) {
+  switch (engine) {
+    case Engine::System:
+      return "system";
+    case Engine::Emulated:
+      return "emulated";
+    case Engine::Dump:
+      return "dump";
+  }
+  return "";
+}
+
 Failure::Failure(const std::string& text, std::string hint)
     : std::runtime_error(text), hint_(std::move(hint)) {}
 

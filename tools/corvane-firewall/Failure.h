@@ -5,7 +5,11 @@
 #include <stdexcept>
 #include <string>
 
-enum class Engine { System, Emulated };
+/// What the steps work on. A dump is a file that tells what a machine's engine held; it can only be read.
+enum class Engine { System, Emulated, Dump };
+
+/// "system", "emulated" or "dump".
+const char* EngineName(Engine engine);
 
 /// Why the tool stopped, in words for its user; UTF-8.
 class Failure : public std::runtime_error {

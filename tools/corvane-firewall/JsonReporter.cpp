@@ -10,8 +10,6 @@
 
 namespace {
 
-const char* EngineName(Engine engine) { return engine == Engine::System ? "system" : "emulated"; }
-
 Json KeyOrNull(const std::optional<GUID>& key) {
   return key ? Json(Catalog::FormatGuid(*key)) : Json(nullptr);
 }

@@ -86,8 +86,10 @@ std::vector<UINT64> FindInterfaces(const std::vector<std::string>& texts) {
   return luids;
 }
 
+bool IsApplicationId(const std::string& text) { return text.starts_with("\\device\\"); }
+
 std::string ReadApplicationId(const std::string& path) {
-  if (path.starts_with("\\device\\")) {
+  if (IsApplicationId(path)) {
     return Policy::ApplicationBytes(path);
   }
   const auto getAppId = FindInEngine<decltype(&::FwpmGetAppIdFromFileName0)>("FwpmGetAppIdFromFileName0");

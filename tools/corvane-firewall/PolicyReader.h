@@ -23,6 +23,9 @@ UINT64 FindInterface(const std::string& nameOrLuid);
 /// library.
 std::vector<UINT64> FindInterfaces(const std::vector<std::string>& texts);
 
+/// Whether a text is an id of an application already, and no path.
+bool IsApplicationId(const std::string& text);
+
 /// The bytes of the engine's id of an application. A path that begins with "\device\" is already an id, and
 /// its file need not exist.
 /// @throws Failure with the engine's code.

@@ -5,7 +5,6 @@
 
 #include "ActiveFeatures.h"
 #include "AskedConnection.h"
-#include "PolicyReader.h"
 #include "ReportPage.h"
 #include "Text.h"
 
@@ -23,34 +22,39 @@ void WriteFile(const std::string& path, const std::string& text) {
 }  // namespace
 
 void ExplainStep(const StepContext& context, const StepOptions& options) {
-  const Policy::Snapshot snapshot = ReadPolicy();
-  const Policy::Labels labels = ReadLabels();
+  const Policy::Snapshot snapshot = context.ReadEngine();
+  const Policy::Labels labels = context.ReadAdapterNames();
   const Policy::Decider decider(snapshot);
+  if (context.dump != nullptr) {
+    CheckAskedOfDump(options);
+  }
   for (const std::string& remote : options.remotes) {
     context.reporter.ShowExplanation(decider.Explain(AskedConnection(remote, options)), labels);
   }
 }
 
 void MapStep(const StepContext& context, const StepOptions&) {
-  const Policy::Labels labels = ReadLabels();
-  context.reporter.ShowMap(Policy::MakeMap(ReadPolicy(), labels), labels);
+  const Policy::Labels labels = context.ReadAdapterNames();
+  context.reporter.ShowMap(Policy::MakeMap(context.ReadEngine(), labels), labels);
 }
 
 void ProveStep(const StepContext& context, const StepOptions&) {
-  const Policy::Snapshot snapshot = ReadPolicy();
+  const Policy::Snapshot snapshot = context.ReadEngine();
   const Promises::Features features = ActiveFeatures(context.before, context.dnsApp, snapshot);
-  context.reporter.ShowPromises(Promises::Prove(snapshot, features), ReadLabels());
+  context.reporter.ShowPromises(Promises::Prove(snapshot, features), context.ReadAdapterNames());
 }
 
 void LintStep(const StepContext& context, const StepOptions&) {
-  const Policy::Snapshot snapshot = ReadPolicy();
+  const Policy::Snapshot snapshot = context.ReadEngine();
   context.reporter.ShowFindings(Policy::Lint(snapshot));
 }
 
 void ReportStep(const StepContext& context, const StepOptions& options) {
   const std::string& path = options.file.front();
-  const Policy::Snapshot snapshot = ReadPolicy();
+  const Policy::Snapshot snapshot = context.ReadEngine();
   const Promises::Features features = ActiveFeatures(context.before, context.dnsApp, snapshot);
-  WriteFile(path, MakePage({context.engine, snapshot, Promises::Prove(snapshot, features), ReadLabels()}));
+  const bool isOrderInferred = context.dump != nullptr && context.dump->isOrderInferred;
+  WriteFile(path, MakePage({context.engine, snapshot, Promises::Prove(snapshot, features),
+                            context.ReadAdapterNames(), isOrderInferred}));
   context.reporter.ShowFile(path);
 }

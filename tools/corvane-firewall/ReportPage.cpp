@@ -78,7 +78,8 @@ std::string Today() {
 
 Json DataOf(const PageContent& content) {
   const Policy::Map map = Policy::MakeMap(content.snapshot, content.labels);
-  return {{"engine", content.engine == Engine::System ? "system" : "emulated"},
+  return {{"engine", EngineName(content.engine)},
+          {"isOrderInferred", content.isOrderInferred},
           {"written", Today()},
           {"version", CORVANE_VERSION},
           {"ordinary", OrdinaryConnections()},

@@ -12,6 +12,7 @@ struct PageContent {
   const Policy::Snapshot& snapshot;
   const std::vector<Promises::PromiseResult>& promises;
   const Policy::Labels& labels;
+  bool isOrderInferred = false;  ///< that of the sublayers
 };
 
 /// A page that shows what an engine lets through: one HTML file that loads no other file. It holds the

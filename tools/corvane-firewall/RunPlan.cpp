@@ -7,10 +7,12 @@
 #include <optional>
 #include <span>
 
+#include "DumpedPolicy.h"
 #include "ForeignBlocks.h"
 #include "JsonReporter.h"
 #include "Text.h"
 #include "TextReporter.h"
+#include "dump/DumpError.h"
 
 namespace {
 
@@ -38,27 +40,48 @@ void WaitForEnter() {
   std::getline(std::cin, line);
 }
 
+/// @param library null if the engine is a dump, @param dump null if it is none.
+void RunSteps(const Plan& plan, const FirewallLibrary* library, const DumpedPolicy* dump,
+              Reporter& reporter) {
+  for (std::size_t i = 0; i < plan.steps.size(); ++i) {
+    const PlannedStep& planned = plan.steps[i];
+    reporter.BeginStep(planned.step->name);
+    if (i == 0 && dump != nullptr && dump->isOrderInferred) {
+      reporter.Log("The dump lacks the sublayers; their order is inferred from that of the filters.");
+    }
+    planned.step->run({library, dump, reporter, plan.engine, plan.dnsApp, std::span(plan.steps).first(i)},
+                      planned.options);
+    reporter.EndStep();
+  }
+  reporter.Finish();
+}
+
+void RunOnEngine(const Plan& plan, Reporter& reporter) {
+  const FirewallLibrary library(plan.engine, ToWide(plan.dnsApp));
+  if (!plan.blockedApps.empty()) {
+    AddForeignBlocks(ToWide(plan.blockedApps));
+  }
+  RunSteps(plan, &library, nullptr, reporter);
+  if (Holds(plan)) {
+    WaitForEnter();
+  }
+}
+
+void RunOnDump(const Plan& plan, Reporter& reporter) {
+  const DumpedPolicy dump = ReadDumpedPolicy(ToWide(plan.dump));
+  RunSteps(plan, nullptr, &dump, reporter);
+}
+
 }  // namespace
 
 int RunPlan(const Plan& plan) {
   const std::unique_ptr<Reporter> reporter = MakeReporter(plan.json, plan.engine);
   try {
-    const FirewallLibrary library(plan.engine, ToWide(plan.dnsApp));
-    if (!plan.blockedApps.empty()) {
-      AddForeignBlocks(ToWide(plan.blockedApps));
-    }
-    for (std::size_t i = 0; i < plan.steps.size(); ++i) {
-      const PlannedStep& planned = plan.steps[i];
-      reporter->BeginStep(planned.step->name);
-      planned.step->run({library, *reporter, plan.engine, plan.dnsApp, std::span(plan.steps).first(i)},
-                        planned.options);
-      reporter->EndStep();
-    }
-    reporter->Finish();
-    if (Holds(plan)) {
-      WaitForEnter();
-    }
+    (plan.engine == Engine::Dump ? RunOnDump : RunOnEngine)(plan, *reporter);
     return 0;
+  } catch (const Dump::DumpError& error) {
+    Fail(*reporter, Failure(error.what(), "netsh wfp show state file=FILE.xml writes a dump."));
+    return 2;
   } catch (const Failure& failure) {
     Fail(*reporter, failure);
   } catch (const std::exception& error) {

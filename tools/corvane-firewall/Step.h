@@ -4,6 +4,7 @@
 #include <string>
 #include <vector>
 
+#include "DumpedPolicy.h"
 #include "FirewallLibrary.h"
 #include "OptionValues.h"
 #include "Reporter.h"
@@ -45,15 +46,32 @@ struct PlannedStep;
 
 /// What a step uses besides its options.
 struct StepContext {
-  const FirewallLibrary& library;
+  const FirewallLibrary* library;  ///< null if the engine is a dump
+  const DumpedPolicy* dump;        ///< null if it is none
   Reporter& reporter;
   Engine engine;
   const std::string& dnsApp;  ///< empty for none; UTF-8
   std::span<const PlannedStep> before;
+
+  /// What the engine, or the dump, holds.
+  /// @throws Failure see ReadPolicy.
+  [[nodiscard]] Policy::Snapshot ReadEngine() const;
+  /// The names of the network adapters. None with a dump: its adapters are those of another machine.
+  [[nodiscard]] Policy::Labels ReadAdapterNames() const;
 };
 
 /// What a step does to the rule sets. All rule sets are removed when the program ends.
-enum class Effect { Reads, Installs, Removes };
+enum class Effect {
+  ReadsEngine,  ///< and nothing else, so that a dump is as good
+  ReadsRun,     ///< what this run has switched on, or this machine
+  Installs,
+  Removes,
+};
+
+/// Whether a step leaves the rule sets as they are.
+constexpr bool IsReading(Effect effect) {
+  return effect == Effect::ReadsEngine || effect == Effect::ReadsRun;
+}
 
 /// The sources of a feature's arguments besides the options.
 struct FeatureSources {

@@ -4,7 +4,6 @@
 #include <iterator>
 
 #include "FeatureSwitches.h"
-#include "PolicyReader.h"
 #include "PolicySteps.h"
 #include "Text.h"
 #include "helpers/NetworkInfo.h"
@@ -31,19 +30,19 @@ class LogRoute {
 
 void DisableInternetStep(const StepContext& context, const StepOptions& options) {
   const LogRoute route(context.reporter);
-  context.library.DisableInternet(ToWide(options.apps), ToWide(options.interfaces), &LogRoute::Receive);
+  context.library->DisableInternet(ToWide(options.apps), ToWide(options.interfaces), &LogRoute::Receive);
 }
 
-void EnableInternetStep(const StepContext& context, const StepOptions&) { context.library.EnableInternet(); }
+void EnableInternetStep(const StepContext& context, const StepOptions&) { context.library->EnableInternet(); }
 
 void EnableDhcpStep(const StepContext& context, const StepOptions&) {
   const LogRoute route(context.reporter);
-  context.library.EnableDhcp(&LogRoute::Receive);
+  context.library->EnableDhcp(&LogRoute::Receive);
 }
 
 void DisableDhcpStep(const StepContext& context, const StepOptions&) {
   const LogRoute route(context.reporter);
-  context.library.DisableDhcp(&LogRoute::Receive);
+  context.library->DisableDhcp(&LogRoute::Receive);
 }
 
 /// Runs a command that searches the adapters. @throws Failure when they cannot be listed.
@@ -74,34 +73,34 @@ void EnableLeakProtectionStep(const StepContext& context, const StepOptions& opt
   const LeakProtectionRequest request{options.server.front(), ToWide(options.interfaces), LuidOf(options),
                                       ToAddresses(options.allowed)};
   const LogRoute route(context.reporter);
-  SearchAdapters([&] { context.library.EnableLeakProtection(request, &LogRoute::Receive); });
+  SearchAdapters([&] { context.library->EnableLeakProtection(request, &LogRoute::Receive); });
 }
 
 void DisableLeakProtectionStep(const StepContext& context, const StepOptions&) {
-  context.library.DisableLeakProtection();
+  context.library->DisableLeakProtection();
 }
 
 void DisableLocalNetworkStep(const StepContext& context, const StepOptions&) {
   const LogRoute route(context.reporter);
-  context.library.DisableLocalNetwork(&LogRoute::Receive);
+  context.library->DisableLocalNetwork(&LogRoute::Receive);
 }
 
 void EnableLocalNetworkStep(const StepContext& context, const StepOptions&) {
-  context.library.EnableLocalNetwork();
+  context.library->EnableLocalNetwork();
 }
 
 void EnableSkeinStep(const StepContext& context, const StepOptions& options) {
   const LogRoute route(context.reporter);
   SearchAdapters([&] {
-    context.library.EnableSkein(ToWide(options.interfaces), LuidOf(options), ToAddresses(options.peers),
-                                &LogRoute::Receive);
+    context.library->EnableSkein(ToWide(options.interfaces), LuidOf(options), ToAddresses(options.peers),
+                                 &LogRoute::Receive);
   });
 }
 
-void DisableSkeinStep(const StepContext& context, const StepOptions&) { context.library.DisableSkein(); }
+void DisableSkeinStep(const StepContext& context, const StepOptions&) { context.library->DisableSkein(); }
 
 void StatusStep(const StepContext& context, const StepOptions&) {
-  const FirewallLibrary& library = context.library;
+  const FirewallLibrary& library = *context.library;
   context.reporter.ShowStatus({.internet = library.IsInternetEnabled(),
                                .dhcp = library.IsDhcpEnabled(),
                                .leakProtection = library.IsLeakProtectionEnabled(),
@@ -119,7 +118,7 @@ void AdaptersStep(const StepContext& context, const StepOptions&) {
 }
 
 void ListStep(const StepContext& context, const StepOptions& options) {
-  const Policy::Snapshot snapshot = ReadPolicy();
+  const Policy::Snapshot snapshot = context.ReadEngine();
   context.reporter.ShowContents(ContentsOf(snapshot, options.all.empty() ? Owners::Ours : Owners::All));
 }
 
@@ -217,25 +216,29 @@ constexpr Step kSteps[]{
      Effect::Removes,
      DisableSkeinStep,
      SkeinOff},
-    {"status", "Tell what is switched on", {}, Effect::Reads, StatusStep},
-    {"adapters", "List the network adapters as the firewall sees them", {}, Effect::Reads, AdaptersStep},
-    {"list", "List what the engine holds of ours", kListOptions, Effect::Reads, ListStep},
-    {"explain", "Tell what the engine does with a connection, and why", kExplainOptions, Effect::Reads,
+    {"status", "Tell what is switched on", {}, Effect::ReadsRun, StatusStep},
+    {"adapters", "List the network adapters as the firewall sees them", {}, Effect::ReadsRun, AdaptersStep},
+    {"list", "List what the engine holds of ours", kListOptions, Effect::ReadsEngine, ListStep},
+    {"explain", "Tell what the engine does with a connection, and why", kExplainOptions, Effect::ReadsEngine,
      ExplainStep},
-    {"map", "Tell what the engine does with every connection that can exist", {}, Effect::Reads, MapStep},
-    {"prove", "Check what the features switched on in this run promise", {}, Effect::Reads, ProveStep},
+    {"map",
+     "Tell what the engine does with every connection that can exist",
+     {},
+     Effect::ReadsEngine,
+     MapStep},
+    {"prove", "Check what the features switched on in this run promise", {}, Effect::ReadsRun, ProveStep},
     {"lint",
      "Find filters, of anybody's, that do not say what they seem to say",
      {},
-     Effect::Reads,
+     Effect::ReadsEngine,
      LintStep},
     {"report", "Write map, promises, findings and filters as a page to look at", kReportOptions,
-     Effect::Reads, ReportStep},
+     Effect::ReadsEngine, ReportStep},
 };
 
 /// Every step that installs or removes rule sets has a switchFeature, which ActiveFeatures needs.
 static_assert(std::ranges::all_of(kSteps, [](const Step& step) {
-  return (step.effect == Effect::Reads) == (step.switchFeature == nullptr);
+  return IsReading(step.effect) == (step.switchFeature == nullptr);
 }));
 
 }  // namespace

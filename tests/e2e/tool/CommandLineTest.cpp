@@ -127,8 +127,20 @@ const WrongUse kWrongUses[]{
      "There is no step \"b.html\"",
      "the steps are disable-internet"},
     {{L"--engine", L"pretended", L"status"},
-     "--engine: pretended not in {system,emulated}",
+     "--engine: pretended is neither system nor emulated, nor a file that ends in .xml",
      "options go after the step"},
+    {{L"--engine", L"machine.xml", L"list", L"enable-dhcp"},
+     "The step enable-dhcp changes the engine, and a dump cannot be changed",
+     "--engine emulated --start machine.xml begins with what the dump holds"},
+    {{L"--engine", L"machine.XML", L"prove"},
+     "The step prove tells of this machine or this run, and a dump is neither",
+     "the steps that read a dump are list, explain, map, lint, report"},
+    {{L"--engine", L"machine.xml", L"--dns-app", L"C:\\a.exe", L"list"},
+     "--dns-app is for steps that change the engine, and a dump cannot be changed",
+     "it goes with --engine system or emulated"},
+    {{L"--engine", L"machine.xml", L"--block-app", L"C:\\a.exe", L"list"},
+     "--block-app is for the emulated engine",
+     "it goes with --engine emulated"},
 };
 
 INSTANTIATE_TEST_SUITE_P(CommandLine, WrongUsage, testing::ValuesIn(kWrongUses));

@@ -364,9 +364,15 @@
   }
 
   function showAbout() {
-    const engine = data.engine === "system" ? "This machine's filtering engine" : "The emulated filtering engine";
+    const engines = {
+      system: "This machine's filtering engine",
+      emulated: "The emulated filtering engine",
+      dump: "The filtering engine of a dump",
+    };
+    const engine = engines[data.engine];
     const amounts = `${counted(snapshot.filters.length, "filter")} in ${counted(snapshot.sublayers.length, "sublayer")}`;
-    byId("about").textContent = `${engine}, ${data.written}: ${amounts}. Tool version ${data.version}.`;
+    const inferred = data.isOrderInferred ? ", whose order is inferred from that of the filters" : "";
+    byId("about").textContent = `${engine}, ${data.written}: ${amounts}${inferred}. Tool version ${data.version}.`;
   }
 
   const systemTheme = matchMedia("(prefers-color-scheme: dark)");
