@@ -22,14 +22,21 @@ inline constexpr std::array kWindowsVersions{WindowsVersion::Windows10, WindowsV
                                              WindowsVersion::Windows24H2};
 inline constexpr WindowsVersion kNewestWindows = WindowsVersion::Windows24H2;
 
+inline constexpr UINT32 kWindows11Build = 22000;
+inline constexpr UINT32 kWindows24H2Build = 26100;
+
 /// The version that a build belongs to; older builds count as Windows10.
 constexpr WindowsVersion VersionOfBuild(UINT32 build) {
-  constexpr UINT32 kWindows11Build = 22000;
-  constexpr UINT32 kWindows24H2Build = 26100;
   if (build >= kWindows24H2Build) {
     return WindowsVersion::Windows24H2;
   }
   return build >= kWindows11Build ? WindowsVersion::Windows11 : WindowsVersion::Windows10;
+}
+
+/// The first build of a version.
+constexpr UINT32 FirstBuildOf(WindowsVersion version) {
+  constexpr std::array<UINT32, kWindowsVersions.size()> kBuilds{19041, kWindows11Build, kWindows24H2Build};
+  return kBuilds[static_cast<std::size_t>(version)];
 }
 
 /// "Windows 10", "Windows 11 before 24H2", "Windows 11 24H2".

@@ -23,12 +23,12 @@ std::string Describe(const char* kind, const GUID& key, const FWPM_DISPLAY_DATA0
 /// Adds objects, and keeps account of those that are refused.
 class Filler {
  public:
-  Filler(const EngineCalls& engine, const std::function<std::string()>& whyRefused)
-      : engine_(engine), whyRefused_(whyRefused), session_(engine, 0) {}
+  Filler(const EngineCalls& engine, FlagsToAdd flags, const std::function<std::string()>& whyRefused)
+      : engine_(engine), flags_(flags), whyRefused_(whyRefused), session_(engine, 0) {}
 
   Filling Fill(const Dump::EngineState& state) && {
     for (FWPM_PROVIDER0 provider : state.providers) {
-      provider.flags &= kProviderFlagsOfClients;
+      provider.flags &= flags_ == FlagsToAdd::All ? ~UINT32{0} : kProviderFlagsOfClients;
       const DWORD result = engine_.FwpmProviderAdd0(session_.Handle(), &provider, nullptr);
       Account(result, "provider", provider.providerKey, provider.displayData);
     }
@@ -41,7 +41,7 @@ class Filler {
       Account(result, "sublayer", subLayer.subLayerKey, subLayer.displayData);
     }
     for (FWPM_CALLOUT0 callout : state.callouts) {
-      callout.flags &= kCalloutFlagsOfClients;
+      callout.flags &= flags_ == FlagsToAdd::All ? ~UINT32{0} : kCalloutFlagsOfClients;
       const DWORD result = engine_.FwpmCalloutAdd0(session_.Handle(), &callout, nullptr, nullptr);
       Account(result, "callout", callout.calloutKey, callout.displayData);
     }
@@ -85,6 +85,7 @@ class Filler {
   }
 
   const EngineCalls& engine_;
+  FlagsToAdd flags_;
   const std::function<std::string()>& whyRefused_;
   Session session_;
   Filling filling_;
@@ -92,9 +93,9 @@ class Filler {
 
 }  // namespace
 
-Filling FillEngine(const EngineCalls& engine, const Dump::EngineState& state,
+Filling FillEngine(const EngineCalls& engine, const Dump::EngineState& state, FlagsToAdd flags,
                    const std::function<std::string()>& whyRefused) {
-  return Filler(engine, whyRefused).Fill(state);
+  return Filler(engine, flags, whyRefused).Fill(state);
 }
 
 }  // namespace Replay

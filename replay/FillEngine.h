@@ -26,11 +26,17 @@ struct Filling {
   std::vector<UINT64> filterIds;  ///< that the filters got, in the dump's order; 0 for a refused one
 };
 
+/// Which flags of providers and callouts are added; filters come with all that they have.
+enum class FlagsToAdd {
+  OfClients,  ///< what the engine or a driver sets is left out
+  All,        ///< for an emulated engine that keeps what it is given
+};
+
 /// Adds all objects but layers, in an order in which everything that one refers to is there, the filters in
 /// that of their ids. Objects other than filters that the engine has already are left as they are.
 /// @param whyRefused tells what the engine's code does not: EngineEmulator::LastRefusal.
 /// @throws EngineError if the engine can't be opened or the additions can't be committed.
-Filling FillEngine(const EngineCalls& engine, const Dump::EngineState& state,
+Filling FillEngine(const EngineCalls& engine, const Dump::EngineState& state, FlagsToAdd flags,
                    const std::function<std::string()>& whyRefused);
 
 }  // namespace Replay

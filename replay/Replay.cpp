@@ -16,26 +16,13 @@ namespace {
 
 using Catalog::WindowsVersion;
 
-/// The first build of a version.
-constexpr UINT32 BuildOf(WindowsVersion version) {
-  switch (version) {
-    case WindowsVersion::Windows10:
-      return 19041;
-    case WindowsVersion::Windows11:
-      return 22000;
-    case WindowsVersion::Windows24H2:
-      break;
-  }
-  return 26100;
-}
-
 /// The emulated engine, fresh and of a version of Windows, as long as this object lives.
 class FreshEngine {
  public:
   explicit FreshEngine(WindowsVersion version) {
     EngineEmulator::Reset();
     EngineEmulator::Switches switches;
-    switches.windowsBuild = BuildOf(version);
+    switches.windowsBuild = Catalog::FirstBuildOf(version);
     EngineEmulator::SetSwitches(switches);
   }
   ~FreshEngine() { EngineEmulator::Reset(); }
@@ -123,7 +110,8 @@ Agreement ReplayAs(WindowsVersion version, const Dump::EngineState& state) {
   const EngineCalls engine = LinkedEngine();
   Agreement agreement;
   agreement.windows = version;
-  Filling filling = FillEngine(engine, WithStandIns(state), EngineEmulator::LastRefusal);
+  Filling filling =
+      FillEngine(engine, WithStandIns(state), FlagsToAdd::OfClients, EngineEmulator::LastRefusal);
   agreement.refusals = std::move(filling.refusals);
   const EngineContents emulated = ReadEngine(engine);
   CompareFilters(state, filling.filterIds, emulated.state, agreement);

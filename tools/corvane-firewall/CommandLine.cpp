@@ -44,6 +44,10 @@ void AddGlobalOptions(CLI::App& app, Plan& plan) {
          "or netsh wfp show filters has written can only be read")
       ->check([](const std::string& name) { return RejectAllButEngine(name); })
       ->type_name("system|emulated|FILE.xml");
+  app.add_option("--start", plan.start,
+                 "What the emulated engine begins with: a file that netsh wfp show state or netsh wfp show "
+                 "filters has written, or the step export")
+      ->type_name("FILE.xml");
   app.add_option("--dns-app", plan.dnsApp, "Application whose name look-ups may bypass the tunnel")
       ->type_name("PATH");
   app.add_option_function<std::vector<std::string>>(
@@ -199,6 +203,9 @@ Plan ParseCommandLine(const std::vector<std::string>& arguments) {
   }
   if (!plan.blockedApps.empty() && plan.engine != Engine::Emulated) {
     throw UsageError("--block-app is for the emulated engine", "it goes with --engine emulated");
+  }
+  if (!plan.start.empty() && plan.engine != Engine::Emulated) {
+    throw UsageError("--start is for the emulated engine", "it goes with --engine emulated");
   }
   if (plan.engine == Engine::Dump) {
     CheckReadsDump(plan);

@@ -115,7 +115,7 @@ std::vector<Decoded> DecodeAll(const std::vector<Native>& objects) {
 }  // namespace
 
 DumpedPolicy ReadDumpedPolicy(const std::filesystem::path& path) {
-  const Dump::EngineState state = Dump::ReadDumpFile(path);
+  Dump::EngineState state = Dump::ReadDumpFile(path);
   const bool isOrderInferred = state.kind == Dump::DumpKind::Filters;
   std::vector<Policy::Sublayer> sublayers = isOrderInferred
                                                 ? SublayerOrder(state.filters, ToUtf8(path.wstring())).Place()
@@ -123,5 +123,5 @@ DumpedPolicy ReadDumpedPolicy(const std::filesystem::path& path) {
   Policy::Snapshot snapshot =
       Policy::MakeSnapshot(std::move(sublayers), DecodeAll<Policy::Filter>(state.filters));
   snapshot.providers = DecodeAll<Policy::Provider>(state.providers);
-  return {std::move(snapshot), isOrderInferred};
+  return {std::move(state), std::move(snapshot), isOrderInferred};
 }

@@ -61,6 +61,10 @@ Json SublayerToJson(const SublayerContents& contents) {
           {"filters", ToArray(contents.filters, FilterToJson)}};
 }
 
+Json RefusalToJson(const Replay::Refusal& refusal) {
+  return {{"reason", refusal.reason}, {"count", refusal.count}, {"example", refusal.example}};
+}
+
 }  // namespace
 
 JsonReporter::JsonReporter(std::optional<Engine> engine)
@@ -117,6 +121,19 @@ void JsonReporter::ShowPromises(const std::vector<Promises::PromiseResult>& prom
 
 void JsonReporter::ShowFindings(const std::vector<Policy::Finding>& findings) {
   Step()["findings"] = ToJson(findings);
+}
+
+void JsonReporter::ShowAgreement(const Replay::Agreement& agreement) {
+  Step().update({{"filters", agreement.filters},
+                 {"accepted", agreement.accepted},
+                 {"refusals", ToArray(agreement.refusals, RefusalToJson)},
+                 {"automaticWeights", agreement.automaticWeights},
+                 {"equalWeights", agreement.equalWeights},
+                 {"orderedPairs", agreement.orderedPairs},
+                 {"sameOrder", agreement.sameOrder},
+                 {"sublayers", agreement.sublayers},
+                 {"equalSublayers", agreement.equalSublayers},
+                 {"windows", Catalog::WindowsVersionName(agreement.windows)}});
 }
 
 void JsonReporter::ShowFile(const std::string& path) { Step()["file"] = path; }

@@ -19,6 +19,7 @@ class JsonReporter : public Reporter {
   void ShowPromises(const std::vector<Promises::PromiseResult>& promises,
                     const Policy::Labels& labels) override;
   void ShowFindings(const std::vector<Policy::Finding>& findings) override;
+  void ShowAgreement(const Replay::Agreement& agreement) override;
   void ShowFile(const std::string& path) override;
   void EndStep() override;
   void Fail(const Failure& failure) override;

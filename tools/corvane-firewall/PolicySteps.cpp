@@ -1,25 +1,9 @@
 #include "PolicySteps.h"
 
-#include <filesystem>
-#include <fstream>
-
 #include "ActiveFeatures.h"
 #include "AskedConnection.h"
+#include "OutputFile.h"
 #include "ReportPage.h"
-#include "Text.h"
-
-namespace {
-
-void WriteFile(const std::string& path, const std::string& text) {
-  std::ofstream file(std::filesystem::path(ToWide(path)), std::ios::binary);
-  file << text;
-  file.close();
-  if (!file) {
-    throw Failure("Cannot write " + path, "The folder must exist and be open to you.");
-  }
-}
-
-}  // namespace
 
 void ExplainStep(const StepContext& context, const StepOptions& options) {
   const Policy::Snapshot snapshot = context.ReadEngine();

@@ -9,6 +9,7 @@
 #include "policy/Lint.h"
 #include "policy/Map.h"
 #include "promises/Proof.h"
+#include "replay/Replay.h"
 
 /// A network adapter as the library sees it; UTF-8.
 struct ListedAdapter {
@@ -42,6 +43,7 @@ class Reporter {
   virtual void ShowPromises(const std::vector<Promises::PromiseResult>& promises,
                             const Policy::Labels& labels) = 0;
   virtual void ShowFindings(const std::vector<Policy::Finding>& findings) = 0;
+  virtual void ShowAgreement(const Replay::Agreement& agreement) = 0;
   /// A file that has been written.
   virtual void ShowFile(const std::string& path) = 0;
   virtual void EndStep() = 0;

@@ -3,11 +3,15 @@
 #include <algorithm>
 #include <exception>
 #include <iostream>
+#include <iterator>
 #include <memory>
 #include <optional>
 #include <span>
+#include <utility>
+#include <vector>
 
 #include "DumpedPolicy.h"
+#include "EngineObjects.h"
 #include "ForeignBlocks.h"
 #include "JsonReporter.h"
 #include "Text.h"
@@ -40,14 +44,23 @@ void WaitForEnter() {
   std::getline(std::cin, line);
 }
 
+/// What the user should know of a dump, a line each.
+std::vector<std::string> NotesOn(const DumpedPolicy& dump) {
+  if (!dump.isOrderInferred) {
+    return {};
+  }
+  return {"The dump lacks the sublayers; their order is inferred from that of the filters."};
+}
+
 /// @param library null if the engine is a dump, @param dump null if it is none.
+/// @param notes are logged by the first step.
 void RunSteps(const Plan& plan, const FirewallLibrary* library, const DumpedPolicy* dump,
-              Reporter& reporter) {
+              std::vector<std::string> notes, Reporter& reporter) {
   for (std::size_t i = 0; i < plan.steps.size(); ++i) {
     const PlannedStep& planned = plan.steps[i];
     reporter.BeginStep(planned.step->name);
-    if (i == 0 && dump != nullptr && dump->isOrderInferred) {
-      reporter.Log("The dump lacks the sublayers; their order is inferred from that of the filters.");
+    for (const std::string& note : std::exchange(notes, {})) {
+      reporter.Log(note);
     }
     planned.step->run({library, dump, reporter, plan.engine, plan.dnsApp, std::span(plan.steps).first(i)},
                       planned.options);
@@ -57,11 +70,20 @@ void RunSteps(const Plan& plan, const FirewallLibrary* library, const DumpedPoli
 }
 
 void RunOnEngine(const Plan& plan, Reporter& reporter) {
+  std::optional<DumpedPolicy> start;
+  if (!plan.start.empty()) {
+    start.emplace(ReadDumpedPolicy(ToWide(plan.start)));
+  }
   const FirewallLibrary library(plan.engine, ToWide(plan.dnsApp));
+  std::vector<std::string> notes;
+  if (start) {
+    notes = NotesOn(*start);
+    std::ranges::move(FillEmulatedEngine(*start), std::back_inserter(notes));
+  }
   if (!plan.blockedApps.empty()) {
     AddForeignBlocks(ToWide(plan.blockedApps));
   }
-  RunSteps(plan, &library, nullptr, reporter);
+  RunSteps(plan, &library, nullptr, std::move(notes), reporter);
   if (Holds(plan)) {
     WaitForEnter();
   }
@@ -69,7 +91,7 @@ void RunOnEngine(const Plan& plan, Reporter& reporter) {
 
 void RunOnDump(const Plan& plan, Reporter& reporter) {
   const DumpedPolicy dump = ReadDumpedPolicy(ToWide(plan.dump));
-  RunSteps(plan, nullptr, &dump, reporter);
+  RunSteps(plan, nullptr, &dump, NotesOn(dump), reporter);
 }
 
 }  // namespace

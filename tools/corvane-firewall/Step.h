@@ -1,5 +1,6 @@
 #pragma once
 
+#include <memory>
 #include <span>
 #include <string>
 #include <vector>
@@ -56,6 +57,9 @@ struct StepContext {
   /// What the engine, or the dump, holds.
   /// @throws Failure see ReadPolicy.
   [[nodiscard]] Policy::Snapshot ReadEngine() const;
+  /// The same as records, with what the policy of an engine does not depend on.
+  /// @throws Failure with the engine's code.
+  [[nodiscard]] std::shared_ptr<const Dump::EngineState> ReadObjects() const;
   /// The names of the network adapters. None with a dump: its adapters are those of another machine.
   [[nodiscard]] Policy::Labels ReadAdapterNames() const;
 };

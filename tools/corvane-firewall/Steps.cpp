@@ -3,6 +3,7 @@
 #include <algorithm>
 #include <iterator>
 
+#include "DumpSteps.h"
 #include "FeatureSwitches.h"
 #include "PolicySteps.h"
 #include "Text.h"
@@ -182,6 +183,10 @@ constexpr StepOption kReportOptions[]{
     {"file", "FILE.html", "Where to write the page", &StepOptions::file, Times::Once},
 };
 
+constexpr StepOption kExportOptions[]{
+    {"file", "FILE.xml", "Where to write the dump", &StepOptions::file, Times::Once},
+};
+
 constexpr Step kSteps[]{
     {"disable-internet", "Install the kill switch, or replace it", kDisableInternetOptions, Effect::Installs,
      DisableInternetStep, KillSwitchOn},
@@ -234,6 +239,13 @@ constexpr Step kSteps[]{
      LintStep},
     {"report", "Write map, promises, findings and filters as a page to look at", kReportOptions,
      Effect::ReadsEngine, ReportStep},
+    {"export", "Write what the engine holds as netsh wfp show state does", kExportOptions,
+     Effect::ReadsEngine, ExportStep},
+    {"replay",
+     "Put what the engine holds into a fresh emulated one, and tell how far the two agree",
+     {},
+     Effect::ReadsEngine,
+     ReplayStep},
 };
 
 /// Every step that installs or removes rule sets has a switchFeature, which ActiveFeatures needs.

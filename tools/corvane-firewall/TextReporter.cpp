@@ -148,6 +148,20 @@ void TextReporter::ShowFindings(const std::vector<Policy::Finding>& findings) {
   }
 }
 
+void TextReporter::ShowAgreement(const Replay::Agreement& agreement) {
+  std::cout << "  emulated: " << Catalog::WindowsVersionName(agreement.windows)
+            << "\n  filters: " << agreement.filters << ", accepted " << agreement.accepted
+            << "\n  weights that the engine chose: " << agreement.automaticWeights << ", equal "
+            << agreement.equalWeights
+            << "\n  pairs of filters in a sublayer of a layer: " << agreement.orderedPairs
+            << ", in the same order " << agreement.sameOrder << "\n  sublayers: " << agreement.sublayers
+            << ", of equal weight " << agreement.equalSublayers << "\n";
+  for (const Replay::Refusal& refusal : agreement.refusals) {
+    std::cout << "  refused: " << refusal.count << ", " << refusal.reason << "\n    such as "
+              << refusal.example << "\n";
+  }
+}
+
 void TextReporter::ShowFile(const std::string& path) { std::cout << "  written: " << path << "\n"; }
 
 void TextReporter::EndStep() { std::cout << "  done" << std::endl; }

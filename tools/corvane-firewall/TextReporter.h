@@ -18,6 +18,7 @@ class TextReporter : public Reporter {
   void ShowPromises(const std::vector<Promises::PromiseResult>& promises,
                     const Policy::Labels& labels) override;
   void ShowFindings(const std::vector<Policy::Finding>& findings) override;
+  void ShowAgreement(const Replay::Agreement& agreement) override;
   void ShowFile(const std::string& path) override;
   void EndStep() override;
   void Fail(const Failure& failure) override;

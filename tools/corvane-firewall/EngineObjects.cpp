@@ -1,0 +1,78 @@
+#include "EngineObjects.h"
+
+#include <algorithm>
+#include <ctime>
+#include <iomanip>
+#include <sstream>
+
+#include "EngineClient.h"
+#include "emulator/ControlExports.h"
+#include "replay/FillEngine.h"
+#include "replay/Replay.h"
+#include "replay/StandIns.h"
+
+namespace {
+
+Replay::EngineCalls LoadedEngine() {
+  return Replay::FindEngineCalls([](auto& function, const char* name) {
+    function = FindInEngine<std::decay_t<decltype(function)>>(name);
+  });
+}
+
+/// "2026-11-22T09:16:19.000Z"
+std::string Now() {
+  const std::time_t now = std::time(nullptr);
+  std::ostringstream text;
+  text << std::put_time(std::gmtime(&now), "%Y-%m-%dT%H:%M:%S.000Z");
+  return text.str();
+}
+
+void SetSwitch(const char* name, UINT32 value) {
+  FindInEngine<decltype(&::EngineEmulatorSetRule)>("EngineEmulatorSetRule")(name, value);
+}
+
+std::string LastRefusal() {
+  const auto read = FindInEngine<decltype(&::EngineEmulatorLastRefusal)>("EngineEmulatorLastRefusal");
+  std::string text(read(nullptr, 0), '\0');
+  read(text.data(), text.size());
+  text.pop_back();
+  return text;
+}
+
+/// All that the emulated engine needs to hold the dump's filters. Sublayers that the dump does not list weigh
+/// as their inferred order has it.
+Dump::EngineState ObjectsToAdd(const DumpedPolicy& dump) {
+  Dump::EngineState objects = Replay::WithStandIns(dump.state);
+  for (FWPM_SUBLAYER0& subLayer : objects.subLayers) {
+    const auto known =
+        std::ranges::find(dump.snapshot.sublayers, subLayer.subLayerKey, &Policy::Sublayer::key);
+    subLayer.weight = known->weight;
+  }
+  return objects;
+}
+
+}  // namespace
+
+Replay::EngineContents ReadEngineObjects() {
+  try {
+    Replay::EngineContents contents = Replay::ReadEngine(LoadedEngine());
+    contents.state.timeStamp = Now();
+    return contents;
+  } catch (const Replay::EngineError& error) {
+    throw Failure(error.Code(), "The filtering engine cannot be read: " + std::string(error.what()));
+  }
+}
+
+std::vector<std::string> FillEmulatedEngine(const DumpedPolicy& dump) {
+  SetSwitch("windowsBuild", Catalog::FirstBuildOf(Replay::ReplayIntoEmulator(dump.state).windows));
+  SetSwitch("keepAsGiven", 1);
+  const Replay::Filling filling =
+      Replay::FillEngine(LoadedEngine(), ObjectsToAdd(dump), Replay::FlagsToAdd::All, LastRefusal);
+  SetSwitch("keepAsGiven", 0);
+  std::vector<std::string> notes;
+  for (const Replay::Refusal& refusal : filling.refusals) {
+    notes.push_back("The emulated engine does not hold " + std::to_string(refusal.count) +
+                    " objects of the dump: " + refusal.reason + ", as for " + refusal.example);
+  }
+  return notes;
+}
