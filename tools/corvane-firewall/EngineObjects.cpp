@@ -72,7 +72,7 @@ std::vector<std::string> FillEmulatedEngine(const DumpedPolicy& dump) {
   std::vector<std::string> notes;
   for (const Replay::Refusal& refusal : filling.refusals) {
     notes.push_back("The emulated engine does not hold " + std::to_string(refusal.count) +
-                    " objects of the dump: " + refusal.reason + ", as for " + refusal.example);
+                    " of the dump's objects: " + refusal.reason + ", as for " + refusal.example);
   }
   return notes;
 }
