@@ -115,8 +115,10 @@ ObjectPtr<FWPM_FILTER0> MakeNumbered(const FWPM_FILTER0& record, const Origin& o
   UINT64 weight =
       KeepsWeight(record, switches) ? *record.effectiveWeight.uint64 : EffectiveWeight(record, switches);
   FWPM_FILTER0 numbered = record;
-  numbered.flags &= ~UINT32{FWPM_FILTER_FLAG_INDEXED};
-  numbered.flags |= IsIndexed(record) ? FWPM_FILTER_FLAG_INDEXED : 0;
+  if (switches.keepAsGiven == 0) {
+    numbered.flags &= ~UINT32{FWPM_FILTER_FLAG_INDEXED};
+    numbered.flags |= IsIndexed(record) ? FWPM_FILTER_FLAG_INDEXED : 0;
+  }
   numbered.filterId = number;
   numbered.effectiveWeight.type = FWP_UINT64;
   numbered.effectiveWeight.uint64 = &weight;

@@ -11,9 +11,10 @@
 namespace Replay {
 namespace {
 
-// What clients may set of the flags that these have; the rest is for the engine and for drivers to set.
+// The flags that an engine takes.
 constexpr UINT32 kProviderFlagsOfClients = FWPM_PROVIDER_FLAG_PERSISTENT;
 constexpr UINT32 kCalloutFlagsOfClients = 0x10000 | 0x20000;  // PERSISTENT, USES_PROVIDER_CONTEXT
+constexpr UINT32 kFilterFlagsOfClients = ~UINT32{FWPM_FILTER_FLAG_DISABLED};
 
 std::string Describe(const char* kind, const GUID& key, const FWPM_DISPLAY_DATA0& displayData) {
   const std::wstring_view name = displayData.name == nullptr ? L"" : displayData.name;
@@ -28,7 +29,7 @@ class Filler {
 
   Filling Fill(const Dump::EngineState& state) && {
     for (FWPM_PROVIDER0 provider : state.providers) {
-      provider.flags &= flags_ == FlagsToAdd::All ? ~UINT32{0} : kProviderFlagsOfClients;
+      provider.flags &= Allowed(kProviderFlagsOfClients);
       const DWORD result = engine_.FwpmProviderAdd0(session_.Handle(), &provider, nullptr);
       Account(result, "provider", provider.providerKey, provider.displayData);
     }
@@ -41,7 +42,7 @@ class Filler {
       Account(result, "sublayer", subLayer.subLayerKey, subLayer.displayData);
     }
     for (FWPM_CALLOUT0 callout : state.callouts) {
-      callout.flags &= flags_ == FlagsToAdd::All ? ~UINT32{0} : kCalloutFlagsOfClients;
+      callout.flags &= Allowed(kCalloutFlagsOfClients);
       const DWORD result = engine_.FwpmCalloutAdd0(session_.Handle(), &callout, nullptr, nullptr);
       Account(result, "callout", callout.calloutKey, callout.displayData);
     }
@@ -51,6 +52,10 @@ class Filler {
   }
 
  private:
+  [[nodiscard]] UINT32 Allowed(UINT32 flagsOfClients) const {
+    return flags_ == FlagsToAdd::All ? ~UINT32{0} : flagsOfClients;
+  }
+
   /// By rising ids, so that of filters with the same weight the newest is the same as in the dump.
   void AddFilters(const std::vector<FWPM_FILTER0>& filters) {
     std::vector<std::size_t> places(filters.size());
@@ -58,7 +63,8 @@ class Filler {
     std::ranges::stable_sort(places, {}, [&](std::size_t place) { return filters[place].filterId; });
     filling_.filterIds.resize(filters.size());
     for (const std::size_t place : places) {
-      const FWPM_FILTER0& filter = filters[place];
+      FWPM_FILTER0 filter = filters[place];
+      filter.flags &= Allowed(kFilterFlagsOfClients);
       const DWORD result =
           engine_.FwpmFilterAdd0(session_.Handle(), &filter, nullptr, &filling_.filterIds[place]);
       if (result != ERROR_SUCCESS) {

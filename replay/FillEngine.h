@@ -26,9 +26,9 @@ struct Filling {
   std::vector<UINT64> filterIds;  ///< that the filters got, in the dump's order; 0 for a refused one
 };
 
-/// Which flags of providers and callouts are added; filters come with all that they have.
+/// Which of their flags objects are added with.
 enum class FlagsToAdd {
-  OfClients,  ///< what the engine or a driver sets is left out
+  OfClients,  ///< what only the engine or a driver sets is left out, as far as an engine refuses it
   All,        ///< for an emulated engine that keeps what it is given
 };
 

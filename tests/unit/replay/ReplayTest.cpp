@@ -154,10 +154,11 @@ TEST(Replay, MissesWhatADumpOfTheStateLacks) {
   EXPECT_EQ(agreement.refusals[0].reason, "FWP_E_SUBLAYER_NOT_FOUND (0x80320007)");
 }
 
-TEST(Replay, TakesProvidersThatTheEngineDisabled) {
+TEST(Replay, TakesWhatTheEngineDisabled) {
+  constexpr UINT32 kDisabledAndIndexed = 0x60;
   MachineState machine;
   machine.AddProvider(kOurs, FWPM_PROVIDER_FLAG_PERSISTENT | FWPM_PROVIDER_FLAG_DISABLED);
-  machine.Add({.id = 70001, .effectiveWeight = 0, .providerKey = kOurs});
+  machine.Add({.id = 70001, .effectiveWeight = 0, .providerKey = kOurs, .flags = kDisabledAndIndexed});
   const Agreement agreement = ReplayIntoEmulator(machine.State());
   EXPECT_TRUE(agreement.refusals.empty());
   EXPECT_EQ(agreement.accepted, 1u);
