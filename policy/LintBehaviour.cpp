@@ -4,6 +4,7 @@
 #include <deque>
 #include <map>
 #include <set>
+#include <unordered_set>
 
 #include "catalog/Names.h"
 #include "policy/Diagram.h"
@@ -47,7 +48,7 @@ using Spoiled = std::map<const Filter*, const Filter*>;
 
 /// What filters do to each other, collected over all connections.
 struct Seen {
-  std::set<const Filter*> deciding;
+  std::unordered_set<const Filter*> deciding;
   Spoiled outranked;  ///< by filters that decided in their place
   Spoiled tied;
   Spoiled sublayerTied;
@@ -132,7 +133,7 @@ class LayerLint {
 void Look(const Section& section, Seen& seen) {
   MakeDiagram(section, [&](const BitWord* state) {
     for (std::size_t layer = 0; layer < section.Layers().size(); ++layer) {
-      for (std::size_t plane = 0; plane < section.Layout().planes.size(); ++plane) {
+      for (const std::size_t plane : section.DistinctPlanes(layer, state)) {
         LayerLint(section.Layers()[layer], section.MatchingIn(plane, layer, state), seen).Look();
       }
     }

@@ -256,21 +256,33 @@ Verdict Section::Decide(const BitWord* state) const {
   return Both(DecideLayer(0, state), DecideLayer(1, state));
 }
 
-Verdict Section::DecideLayer(std::size_t layer, const BitWord* state) const {
+bool Section::AreSame(std::size_t plane, std::size_t other, std::size_t layer, const BitWord* state) const {
   const std::size_t words = layers_[layer].WordCount();
-  const auto isSame = [&](std::size_t left, std::size_t right) {
-    const Matching one = MatchingIn(left, layer, state);
-    const Matching other = MatchingIn(right, layer, state);
-    return std::equal(one.sure, one.sure + words, other.sure) &&
-           std::equal(one.perhaps, one.perhaps + words, other.perhaps);
-  };
+  const Matching one = MatchingIn(plane, layer, state);
+  const Matching two = MatchingIn(other, layer, state);
+  return std::equal(one.sure, one.sure + words, two.sure) &&
+         std::equal(one.perhaps, one.perhaps + words, two.perhaps);
+}
+
+std::vector<std::size_t> Section::DistinctPlanes(std::size_t layer, const BitWord* state) const {
+  std::vector<std::size_t> distinct;
+  for (std::size_t plane = 0; plane < layout_.planes.size(); ++plane) {
+    if (std::ranges::none_of(distinct,
+                             [&](std::size_t other) { return AreSame(plane, other, layer, state); })) {
+      distinct.push_back(plane);
+    }
+  }
+  return distinct;
+}
+
+Verdict Section::DecideLayer(std::size_t layer, const BitWord* state) const {
   Verdict verdict;
   WorldSet done;
   for (std::size_t plane = 0; plane < layout_.planes.size(); ++plane) {
     // Planes in which the same filters match are decided at once.
     WorldSet worlds;
     for (std::size_t other = plane; other < layout_.planes.size(); ++other) {
-      worlds |= isSame(plane, other) ? worldsOfPlane_[other] : WorldSet();
+      worlds |= AreSame(plane, other, layer, state) ? worldsOfPlane_[other] : WorldSet();
     }
     worlds &= ~done;
     if (worlds.any()) {

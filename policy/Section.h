@@ -66,6 +66,9 @@ class Section {
   /// The same by the number of a plane.
   [[nodiscard]] Matching MatchingIn(std::size_t plane, std::size_t layer, const BitWord* state) const;
 
+  /// The planes of a layer in which different filters match, each by its first number.
+  [[nodiscard]] std::vector<std::size_t> DistinctPlanes(std::size_t layer, const BitWord* state) const;
+
   /// A filter of a layer, by number, that does not match because of one field alone.
   struct NearMatch {
     std::size_t filter;
@@ -85,6 +88,9 @@ class Section {
   void ChoosePlanes(const GroupsByField& groups);
   void MakeBase(std::size_t marks);
   [[nodiscard]] std::size_t BitOf(std::size_t layer, std::size_t filter) const;
+  /// Whether the same filters of a layer match in two planes.
+  [[nodiscard]] bool AreSame(std::size_t plane, std::size_t other, std::size_t layer,
+                             const BitWord* state) const;
   [[nodiscard]] std::optional<Action> DecideSurely(const BitWord* state) const;
 
   SectionKey key_;

@@ -90,6 +90,14 @@ ALE_AUTH_CONNECT_V4 | PERMIT | UINT8 1 | - | IP_REMOTE_PORT EQUAL UINT16 443
               IsEmpty());
 }
 
+TEST_F(LintTest, FiltersThatDecideInOneReadingOnly) {
+  EXPECT_THAT(FindingsOf(R"(
+ALE_AUTH_CONNECT_V4 | BLOCK | UINT8 2 | - | IP_REMOTE_PORT NOT_EQUAL UINT16 80 & IP_REMOTE_PORT NOT_EQUAL UINT16 443
+ALE_AUTH_CONNECT_V4 | PERMIT | UINT8 1 | - | IP_REMOTE_PORT EQUAL UINT16 443
+)"),
+              Not(Contains(HasSubstr("never-decides"))));
+}
+
 TEST_F(LintTest, FiltersInDoubtThatNeverDecideAreNotCalledNeverTrue) {
   const std::string block = "ALE_AUTH_CONNECT_V4 | BLOCK | UINT8 2 | - | -\n";
   EXPECT_THAT(
