@@ -4,28 +4,22 @@
 #include <algorithm>
 #include <sstream>
 
+#include "OptionValues.h"
 #include "Steps.h"
-#include "dump/Numbers.h"
 
 namespace {
 
 constexpr const char* kJson = "--json";
 
-bool IsDump(std::string_view engine) {
-  constexpr std::string_view kEnd = ".xml";
-  return engine.size() > kEnd.size() &&
-         std::ranges::equal(engine.substr(engine.size() - kEnd.size()), kEnd, {}, Dump::ToLower);
-}
-
 std::string RejectAllButEngine(const std::string& name) {
-  return name == "system" || name == "emulated" || IsDump(name)
+  return name == "system" || name == "emulated" || IsDumpName(name)
              ? ""
              : name + " is neither system nor emulated, nor a file that ends in .xml";
 }
 
 void SetEngine(const std::string& name, Plan& plan) {
-  plan.dump = IsDump(name) ? name : "";
-  if (IsDump(name)) {
+  plan.dump = IsDumpName(name) ? name : "";
+  if (IsDumpName(name)) {
     plan.engine = Engine::Dump;
   } else {
     plan.engine = name == "emulated" ? Engine::Emulated : Engine::System;

@@ -1,6 +1,9 @@
 #include "OptionValues.h"
 
+#include <algorithm>
 #include <charconv>
+
+#include "dump/Numbers.h"
 
 namespace {
 
@@ -60,6 +63,12 @@ std::optional<std::uint8_t> ParseProtocol(const std::string& text, Policy::IpVer
   return ParseByte(text);
 }
 
+bool IsDumpName(std::string_view text) {
+  constexpr std::string_view kEnd = ".xml";
+  return text.size() > kEnd.size() &&
+         std::ranges::equal(text.substr(text.size() - kEnd.size()), kEnd, {}, Dump::ToLower);
+}
+
 std::string RejectEmpty(const std::string& value) { return value.empty() ? "the value is empty" : ""; }
 
 std::string RejectAllButIpV4(const std::string& value) {
@@ -84,4 +93,8 @@ std::string RejectAllButByte(const std::string& value) {
 
 std::string RejectAllButProtocol(const std::string& value) {
   return ParseProtocol(value, Policy::IpVersion::V4) ? "" : value + " is none of tcp, udp, icmp and 0 to 255";
+}
+
+std::string RejectAllButDump(const std::string& value) {
+  return IsDumpName(value) ? "" : value + " does not end in .xml, as the name of a dump does";
 }

@@ -3,6 +3,7 @@
 #include <cstdint>
 #include <optional>
 #include <string>
+#include <string_view>
 
 #include "policy/Connection.h"
 
@@ -22,6 +23,8 @@ std::optional<Endpoint> ParseEndpoint(const std::string& text);
 std::optional<std::uint8_t> ParseByte(const std::string& text);
 /// "tcp", "udp", "icmp" or a number; empty for any other text.
 std::optional<std::uint8_t> ParseProtocol(const std::string& text, Policy::IpVersion ipVersion);
+/// Whether a text is the name of a dump, a file that ends in ".xml".
+bool IsDumpName(std::string_view text);
 
 /// What is wrong with an option's value; empty when nothing is.
 std::string RejectEmpty(const std::string& value);
@@ -30,3 +33,4 @@ std::string RejectAllButLuid(const std::string& value);
 std::string RejectAllButEndpoint(const std::string& value);
 std::string RejectAllButByte(const std::string& value);
 std::string RejectAllButProtocol(const std::string& value);
+std::string RejectAllButDump(const std::string& value);

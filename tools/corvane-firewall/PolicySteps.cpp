@@ -37,8 +37,7 @@ void ReportStep(const StepContext& context, const StepOptions& options) {
   const std::string& path = options.file.front();
   const Policy::Snapshot snapshot = context.ReadEngine();
   const Promises::Features features = ActiveFeatures(context.before, context.dnsApp, snapshot);
-  const bool isOrderInferred = context.dump != nullptr && context.dump->isOrderInferred;
   WriteFile(path, MakePage({context.engine, snapshot, Promises::Prove(snapshot, features),
-                            context.ReadAdapterNames(), isOrderInferred}));
+                            context.ReadAdapterNames(), context.isOrderInferred}));
   context.reporter.ShowFile(path);
 }

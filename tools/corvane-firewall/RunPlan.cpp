@@ -3,7 +3,6 @@
 #include <algorithm>
 #include <exception>
 #include <iostream>
-#include <iterator>
 #include <memory>
 #include <optional>
 #include <span>
@@ -44,25 +43,24 @@ void WaitForEnter() {
   std::getline(std::cin, line);
 }
 
-/// What the user should know of a dump, a line each.
-std::vector<std::string> NotesOn(const DumpedPolicy& dump) {
-  if (!dump.isOrderInferred) {
-    return {};
-  }
-  return {"The dump lacks the sublayers; their order is inferred from that of the filters."};
-}
-
-/// @param library null if the engine is a dump, @param dump null if it is none.
+/// @param library null if the engine is a dump.
+/// @param dump that the engine is or began with; null if there is none.
 /// @param notes are logged by the first step.
 void RunSteps(const Plan& plan, const FirewallLibrary* library, const DumpedPolicy* dump,
               std::vector<std::string> notes, Reporter& reporter) {
+  const bool isOrderInferred = dump != nullptr && dump->isOrderInferred;
+  if (isOrderInferred) {
+    notes.insert(notes.begin(),
+                 "The dump lacks the sublayers; their order is inferred from that of the filters.");
+  }
   for (std::size_t i = 0; i < plan.steps.size(); ++i) {
     const PlannedStep& planned = plan.steps[i];
     reporter.BeginStep(planned.step->name);
     for (const std::string& note : std::exchange(notes, {})) {
       reporter.Log(note);
     }
-    planned.step->run({library, dump, reporter, plan.engine, plan.dnsApp, std::span(plan.steps).first(i)},
+    planned.step->run({library, library == nullptr ? dump : nullptr, isOrderInferred, reporter, plan.engine,
+                       plan.dnsApp, std::span(plan.steps).first(i)},
                       planned.options);
     reporter.EndStep();
   }
@@ -77,13 +75,12 @@ void RunOnEngine(const Plan& plan, Reporter& reporter) {
   const FirewallLibrary library(plan.engine, ToWide(plan.dnsApp));
   std::vector<std::string> notes;
   if (start) {
-    notes = NotesOn(*start);
-    std::ranges::move(FillEmulatedEngine(*start), std::back_inserter(notes));
+    notes = FillEmulatedEngine(*start);
   }
   if (!plan.blockedApps.empty()) {
     AddForeignBlocks(ToWide(plan.blockedApps));
   }
-  RunSteps(plan, &library, nullptr, std::move(notes), reporter);
+  RunSteps(plan, &library, start ? &*start : nullptr, std::move(notes), reporter);
   if (Holds(plan)) {
     WaitForEnter();
   }
@@ -91,7 +88,7 @@ void RunOnEngine(const Plan& plan, Reporter& reporter) {
 
 void RunOnDump(const Plan& plan, Reporter& reporter) {
   const DumpedPolicy dump = ReadDumpedPolicy(ToWide(plan.dump));
-  RunSteps(plan, nullptr, &dump, NotesOn(dump), reporter);
+  RunSteps(plan, nullptr, &dump, {}, reporter);
 }
 
 }  // namespace

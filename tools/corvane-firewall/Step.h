@@ -49,6 +49,7 @@ struct PlannedStep;
 struct StepContext {
   const FirewallLibrary* library;  ///< null if the engine is a dump
   const DumpedPolicy* dump;        ///< null if it is none
+  bool isOrderInferred;            ///< that of the sublayers, because a dump does not tell it
   Reporter& reporter;
   Engine engine;
   const std::string& dnsApp;  ///< empty for none; UTF-8

@@ -184,7 +184,7 @@ constexpr StepOption kReportOptions[]{
 };
 
 constexpr StepOption kExportOptions[]{
-    {"file", "FILE.xml", "Where to write the dump", &StepOptions::file, Times::Once},
+    {"file", "FILE.xml", "Where to write the dump", &StepOptions::file, Times::Once, RejectAllButDump},
 };
 
 constexpr Step kSteps[]{

@@ -194,6 +194,15 @@ TEST_F(DumpSteps, RefuseFiltersInAnOrderThatNoEngineHas) {
   EXPECT_THAT(run.errors, HasSubstr("machine.xml: expected filters sorted by layer"));
 }
 
+TEST_F(DumpSteps, RefuseAFileThatIsNotOpenToThem) {
+  std::ofstream(File(), std::ios::binary) << StateDump();
+  const std::unique_ptr<void, CloseHandleOf> alone(
+      CreateFileW(File().c_str(), GENERIC_READ, 0, nullptr, OPEN_EXISTING, 0, nullptr));
+  const ToolRun run = RunTool({L"--engine", File().wstring(), L"list"});
+  EXPECT_EQ(run.exitCode, 2u);
+  EXPECT_THAT(run.errors, HasSubstr("machine.xml: cannot be opened; expected the right to read it\nhint: "));
+}
+
 TEST(Dump, MayNotExist) {
   const ToolRun run = RunTool({L"--engine", L"no-such-file.xml", L"list"});
   EXPECT_EQ(run.exitCode, 2u);

@@ -165,13 +165,16 @@ TEST(JsonSchema, HasAPlaceForWhatEveryStepWrites) {
                                           L"lint",
                                           L"report",
                                           (folder.Path() / L"page.html").native(),
+                                          L"export",
+                                          (folder.Path() / L"machine.xml").native(),
+                                          L"replay",
                                           L"enable-internet",
                                           L"disable-dhcp",
                                           L"disable-leak-protection",
                                           L"enable-local-network",
                                           L"disable-skein"},
                                          0);
-  EXPECT_EQ(document["steps"].size(), 18u);
+  EXPECT_EQ(document["steps"].size(), 20u);
 }
 
 TEST(JsonSchema, TakesNoDocumentWithoutItsParts) {

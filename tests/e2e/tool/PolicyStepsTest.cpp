@@ -204,6 +204,8 @@ TEST_P(StepOfTheSystem, ReadsOnlyAndDoesNotHold) {
   std::vector<std::wstring> arguments = GetParam();
   if (arguments.front() == L"report") {
     arguments.push_back((folder.Path() / L"report.html").native());
+  } else if (arguments.front() == L"export") {
+    arguments.push_back((folder.Path() / L"machine.xml").native());
   }
   arguments.emplace_back(L"list");
   const ToolRun run = RunTool(arguments, folder.Path());
@@ -212,11 +214,11 @@ TEST_P(StepOfTheSystem, ReadsOnlyAndDoesNotHold) {
   EXPECT_THAT(run.output, EndsWith("list\n  no provider of this tool\n  no sublayers, no filters\n  done\n"));
 }
 
-INSTANTIATE_TEST_SUITE_P(PolicySteps, StepOfTheSystem,
-                         testing::Values(std::vector<std::wstring>{L"explain", L"--remote", L"1.1.1.1"},
-                                         std::vector<std::wstring>{L"map"},
-                                         std::vector<std::wstring>{L"prove"},
-                                         std::vector<std::wstring>{L"lint"},
-                                         std::vector<std::wstring>{L"report"}));
+INSTANTIATE_TEST_SUITE_P(
+    PolicySteps, StepOfTheSystem,
+    testing::Values(std::vector<std::wstring>{L"explain", L"--remote", L"1.1.1.1"},
+                    std::vector<std::wstring>{L"map"}, std::vector<std::wstring>{L"prove"},
+                    std::vector<std::wstring>{L"lint"}, std::vector<std::wstring>{L"report"},
+                    std::vector<std::wstring>{L"export"}, std::vector<std::wstring>{L"replay"}));
 
 }  // namespace

@@ -120,6 +120,14 @@ TEST_F(ReplayStep, TheEmulatedEngineStartsWithAllThatADumpHolds) {
   EXPECT_EQ(list["sublayers"].size(), 20u);
 }
 
+TEST_F(ReplayStep, PageOfTheEmulatedEngineSaysThatTheSublayersAreInferred) {
+  const std::filesystem::path page = File().parent_path() / "page.html";
+  EXPECT_EQ(LastStepOf(Started(), {L"report", page.wstring()})["ok"], true);
+  std::ifstream file(page);
+  const std::string text(std::istreambuf_iterator<char>(file), {});
+  EXPECT_THAT(text, HasSubstr(R"("engine":"emulated","isOrderInferred":true)"));
+}
+
 TEST_F(ReplayStep, LaterFiltersWeighAsInTheDumpsVersionOfWindows) {
   std::string dump = kDump;
   dump.replace(dump.find("4711"), 4, "1924145348608");  // 0x1c000000000: Windows 11 before 24H2
