@@ -11,11 +11,6 @@
 namespace Replay {
 namespace {
 
-// The flags that an engine takes.
-constexpr UINT32 kProviderFlagsOfClients = FWPM_PROVIDER_FLAG_PERSISTENT;
-constexpr UINT32 kCalloutFlagsOfClients = 0x10000 | 0x20000;  // PERSISTENT, USES_PROVIDER_CONTEXT
-constexpr UINT32 kFilterFlagsOfClients = ~UINT32{FWPM_FILTER_FLAG_DISABLED};
-
 std::string Describe(const char* kind, const GUID& key, const FWPM_DISPLAY_DATA0& displayData) {
   const std::wstring_view name = displayData.name == nullptr ? L"" : displayData.name;
   return std::string(kind) + ' ' + Dump::FormatBracedGuid(key) + " \"" + Dump::FromWide(name) + '"';
@@ -29,7 +24,7 @@ class Filler {
 
   Filling Fill(const Dump::EngineState& state) && {
     for (FWPM_PROVIDER0 provider : state.providers) {
-      provider.flags &= Allowed(kProviderFlagsOfClients);
+      provider.flags = ToAdd(provider.flags, FWPM_PROVIDER_FLAG_DISABLED);
       const DWORD result = engine_.FwpmProviderAdd0(session_.Handle(), &provider, nullptr);
       Account(result, "provider", provider.providerKey, provider.displayData);
     }
@@ -41,8 +36,7 @@ class Filler {
       const DWORD result = engine_.FwpmSubLayerAdd0(session_.Handle(), &subLayer, nullptr);
       Account(result, "sublayer", subLayer.subLayerKey, subLayer.displayData);
     }
-    for (FWPM_CALLOUT0 callout : state.callouts) {
-      callout.flags &= Allowed(kCalloutFlagsOfClients);
+    for (const FWPM_CALLOUT0& callout : state.callouts) {
       const DWORD result = engine_.FwpmCalloutAdd0(session_.Handle(), &callout, nullptr, nullptr);
       Account(result, "callout", callout.calloutKey, callout.displayData);
     }
@@ -52,8 +46,9 @@ class Filler {
   }
 
  private:
-  [[nodiscard]] UINT32 Allowed(UINT32 flagsOfClients) const {
-    return flags_ == FlagsToAdd::All ? ~UINT32{0} : flagsOfClients;
+  /// @param disabled the flag of the object's kind.
+  [[nodiscard]] UINT32 ToAdd(UINT32 flags, UINT32 disabled) const {
+    return flags_ == FlagsToAdd::All ? flags : flags & ~disabled;
   }
 
   /// By rising ids, so that of filters with the same weight the newest is the same as in the dump.
@@ -64,7 +59,7 @@ class Filler {
     filling_.filterIds.resize(filters.size());
     for (const std::size_t place : places) {
       FWPM_FILTER0 filter = filters[place];
-      filter.flags &= Allowed(kFilterFlagsOfClients);
+      filter.flags = ToAdd(filter.flags, FWPM_FILTER_FLAG_DISABLED);
       const DWORD result =
           engine_.FwpmFilterAdd0(session_.Handle(), &filter, nullptr, &filling_.filterIds[place]);
       if (result != ERROR_SUCCESS) {

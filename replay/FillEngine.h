@@ -28,8 +28,8 @@ struct Filling {
 
 /// Which of their flags objects are added with.
 enum class FlagsToAdd {
-  OfClients,  ///< what only the engine or a driver sets is left out, as far as an engine refuses it
-  All,        ///< for an emulated engine that keeps what it is given
+  AllButDisabled,  ///< what every engine refuses is left out
+  All,             ///< for an emulated engine that keeps what it is given
 };
 
 /// Adds all objects but layers, in an order in which everything that one refers to is there, the filters in

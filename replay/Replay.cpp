@@ -23,6 +23,8 @@ class FreshEngine {
     EngineEmulator::Reset();
     EngineEmulator::Switches switches;
     switches.windowsBuild = Catalog::FirstBuildOf(version);
+    // Live engines and drivers set some that clients cannot.
+    switches.refuseUnknownFlags = 0;
     EngineEmulator::SetSwitches(switches);
   }
   ~FreshEngine() { EngineEmulator::Reset(); }
@@ -111,7 +113,7 @@ Agreement ReplayAs(WindowsVersion version, const Dump::EngineState& state) {
   Agreement agreement;
   agreement.windows = version;
   Filling filling =
-      FillEngine(engine, WithStandIns(state), FlagsToAdd::OfClients, EngineEmulator::LastRefusal);
+      FillEngine(engine, WithStandIns(state), FlagsToAdd::AllButDisabled, EngineEmulator::LastRefusal);
   agreement.refusals = std::move(filling.refusals);
   const EngineContents emulated = ReadEngine(engine);
   CompareFilters(state, filling.filterIds, emulated.state, agreement);

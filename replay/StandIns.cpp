@@ -126,10 +126,11 @@ Dump::EngineState WithStandIns(const Dump::EngineState& state) {
     return complete;
   }
   StandIns standIns(complete);
-  // Persistent filters first: a sublayer gets the provider that they have.
-  for (const bool isPersistent : {true, false}) {
+  // Lasting filters first: a sublayer gets the provider that they have.
+  constexpr UINT32 kLasting = FWPM_FILTER_FLAG_PERSISTENT | FWPM_FILTER_FLAG_BOOTTIME;
+  for (const bool isLasting : {true, false}) {
     for (const FWPM_FILTER0& filter : state.filters) {
-      if (((filter.flags & FWPM_FILTER_FLAG_PERSISTENT) != 0) == isPersistent) {
+      if (((filter.flags & kLasting) != 0) == isLasting) {
         standIns.AddFor(filter);
       }
     }

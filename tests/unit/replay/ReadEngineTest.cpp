@@ -41,7 +41,7 @@ TEST_F(Engines, AreReadInPages) {
   for (UINT64 id = 1; id <= 2048; ++id) {
     machine.Add({.id = id, .effectiveWeight = 0});
   }
-  FillEngine(LinkedEngine(), machine.State(), FlagsToAdd::OfClients, EngineEmulator::LastRefusal);
+  FillEngine(LinkedEngine(), machine.State(), FlagsToAdd::AllButDisabled, EngineEmulator::LastRefusal);
   EXPECT_EQ(ReadEngine(LinkedEngine()).state.filters.size(), 2048u);
 }
 
@@ -49,7 +49,7 @@ TEST_F(Engines, GiveTheSameObjectsWhenTheirDumpIsRead) {
   MachineState machine;
   machine.AddSublayer(kOurs, 9);
   machine.Add({.id = 1, .effectiveWeight = 0, .remotePort = 443, .sublayerKey = kOurs});
-  FillEngine(LinkedEngine(), machine.State(), FlagsToAdd::OfClients, EngineEmulator::LastRefusal);
+  FillEngine(LinkedEngine(), machine.State(), FlagsToAdd::AllButDisabled, EngineEmulator::LastRefusal);
   const std::string dump = Dump::WriteDump(ReadEngine(LinkedEngine()).state);
   const Dump::EngineState read = Dump::ReadDump(dump, "m.xml");
   ASSERT_EQ(read.filters.size(), 1u);
@@ -75,16 +75,16 @@ TEST_F(Engines, AreLeftAsTheyWereWhenFillingThemFails) {
   machine.Add({.id = 1, .effectiveWeight = 0});
   EngineEmulator::FailCall("FwpmTransactionCommit0", 1, ERROR_ACCESS_DENIED);
   EXPECT_THROW(
-      FillEngine(LinkedEngine(), machine.State(), FlagsToAdd::OfClients, EngineEmulator::LastRefusal),
+      FillEngine(LinkedEngine(), machine.State(), FlagsToAdd::AllButDisabled, EngineEmulator::LastRefusal),
       EngineError);
   EXPECT_TRUE(EngineEmulator::TakeSnapshot().filters.empty());
 }
 
 TEST_F(Engines, ThatCannotBeOpenedAreNotFilled) {
   EngineEmulator::FailCall("FwpmEngineOpen0", 1, ERROR_ACCESS_DENIED);
-  EXPECT_THROW(
-      FillEngine(LinkedEngine(), MachineState().State(), FlagsToAdd::OfClients, EngineEmulator::LastRefusal),
-      EngineError);
+  EXPECT_THROW(FillEngine(LinkedEngine(), MachineState().State(), FlagsToAdd::AllButDisabled,
+                          EngineEmulator::LastRefusal),
+               EngineError);
 }
 
 }  // namespace

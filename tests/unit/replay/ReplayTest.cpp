@@ -145,6 +145,18 @@ TEST(Replay, TakesWhatADumpOfTheFiltersLacksAsBeingThere) {
   EXPECT_EQ(agreement.sublayers, 0u);
 }
 
+TEST(Replay, PutsLastingFiltersIntoASublayerOfTheirProvider) {
+  constexpr GUID kProvider{0xbbbb0000, 0, 0, {}};
+  MachineState machine(DumpKind::Filters);
+  machine.Add({.id = 70001, .effectiveWeight = 0, .sublayerKey = kOurs});
+  machine.Add({.id = 70002,
+               .effectiveWeight = 0,
+               .sublayerKey = kOurs,
+               .providerKey = kProvider,
+               .flags = FWPM_FILTER_FLAG_BOOTTIME});
+  EXPECT_EQ(ReplayIntoEmulator(machine.State()).accepted, 2u);
+}
+
 TEST(Replay, MissesWhatADumpOfTheStateLacks) {
   MachineState machine(DumpKind::State);
   AddFilterThatNamesAll(machine);
@@ -154,11 +166,11 @@ TEST(Replay, MissesWhatADumpOfTheStateLacks) {
   EXPECT_EQ(agreement.refusals[0].reason, "FWP_E_SUBLAYER_NOT_FOUND (0x80320007)");
 }
 
-TEST(Replay, TakesWhatTheEngineDisabled) {
-  constexpr UINT32 kDisabledAndIndexed = 0x60;
+TEST(Replay, TakesFlagsThatOnlyEnginesSet) {
+  constexpr UINT32 kFlags = 0x8060;  // DISABLED, INDEXED and one without a name
   MachineState machine;
   machine.AddProvider(kOurs, FWPM_PROVIDER_FLAG_PERSISTENT | FWPM_PROVIDER_FLAG_DISABLED);
-  machine.Add({.id = 70001, .effectiveWeight = 0, .providerKey = kOurs, .flags = kDisabledAndIndexed});
+  machine.Add({.id = 70001, .effectiveWeight = 0, .providerKey = kOurs, .flags = kFlags});
   const Agreement agreement = ReplayIntoEmulator(machine.State());
   EXPECT_TRUE(agreement.refusals.empty());
   EXPECT_EQ(agreement.accepted, 1u);
