@@ -17,14 +17,11 @@ Refusal CheckText(const wchar_t* text) {
 
 /// Persistence is the one flag that a client may set on a provider or a sublayer.
 Refusal CheckFlags(UINT32 flags, const CheckContext& context) {
-  if (context.switches.keepAsGiven != 0) {
-    return {};
-  }
   static_assert(FWPM_PROVIDER_FLAG_PERSISTENT == FWPM_SUBLAYER_FLAG_PERSISTENT);
-  if ((flags & FWPM_PROVIDER_FLAG_DISABLED) != 0) {
+  if ((flags & FWPM_PROVIDER_FLAG_DISABLED) != 0 && context.switches.keepAsGiven == 0) {
     return {FWP_E_INVALID_FLAGS, "DISABLED is a flag that only the engine sets"};
   }
-  if (context.switches.refuseUnknownFlags != 0 &&
+  if (context.switches.RefusesUnknownFlags() &&
       (flags & ~static_cast<UINT32>(FWPM_PROVIDER_FLAG_PERSISTENT)) != 0) {
     return {FWP_E_INVALID_FLAGS, "there is a flag other than PERSISTENT"};
   }
@@ -118,7 +115,7 @@ Refusal Check(const FWPM_CALLOUT0& callout, const CheckContext& context) {
   if (Refusal refusal = CheckBlob(callout.providerData)) {
     return refusal;
   }
-  if (context.switches.refuseUnknownFlags != 0 && context.switches.keepAsGiven == 0 &&
+  if (context.switches.RefusesUnknownFlags() &&
       (callout.flags & ~(kPersistent | kUsesProviderContext)) != 0) {
     return {FWP_E_INVALID_FLAGS, "there is a flag that clients cannot set"};
   }
@@ -140,12 +137,11 @@ Refusal Check(const FWPM_CALLOUT0& callout, const CheckContext& context) {
 Refusal Check(const FWPM_PROVIDER_CONTEXT0& providerContext, const CheckContext& context) {
   constexpr UINT32 kPersistent = 0x1;
   constexpr UINT32 kDownlevel = 0x2;
-  constexpr int kTypes = 13;
+  constexpr int kTypes = 14;
   if (Refusal refusal = CheckBlob(providerContext.providerData)) {
     return refusal;
   }
-  if (context.switches.refuseUnknownFlags != 0 &&
-      (providerContext.flags & ~(kPersistent | kDownlevel)) != 0) {
+  if (context.switches.RefusesUnknownFlags() && (providerContext.flags & ~(kPersistent | kDownlevel)) != 0) {
     return {FWP_E_INVALID_FLAGS, "there is a flag other than PERSISTENT"};
   }
   if (Refusal refusal = CheckDisplayData(providerContext.displayData, context)) {

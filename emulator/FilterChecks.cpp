@@ -28,17 +28,14 @@ Refusal CheckPointers(const FWPM_FILTER0& filter, const CheckContext& context) {
 }
 
 Refusal CheckFlags(const FWPM_FILTER0& filter, const CheckContext& context) {
-  if (context.switches.keepAsGiven != 0) {
-    return {};
-  }
   constexpr UINT32 kNeverBoth = FWPM_FILTER_FLAG_PERSISTENT | FWPM_FILTER_FLAG_BOOTTIME;
   const bool forCallouts = (filter.flags & FWPM_FILTER_FLAG_PERMIT_IF_CALLOUT_UNREGISTERED) != 0;
   const bool canBeMissing = filter.action.type == FWP_ACTION_CALLOUT_TERMINATING ||
                             filter.action.type == FWP_ACTION_CALLOUT_UNKNOWN;
-  if ((filter.flags & FWPM_FILTER_FLAG_DISABLED) != 0) {
+  if ((filter.flags & FWPM_FILTER_FLAG_DISABLED) != 0 && context.switches.keepAsGiven == 0) {
     return {FWP_E_INVALID_FLAGS, "DISABLED is for the engine to set"};
   }
-  if ((filter.flags & ~kKnownFlags) != 0 && context.switches.refuseUnknownFlags != 0) {
+  if ((filter.flags & ~kKnownFlags) != 0 && context.switches.RefusesUnknownFlags()) {
     return {FWP_E_INVALID_FLAGS,
             "there are flags without a meaning: " + Catalog::FilterFlagNames(filter.flags & ~kKnownFlags)};
   }

@@ -65,6 +65,7 @@ struct Switches {
   /// Matches whose weight nobody has seen count as one exact value; else by the values that they leave.
   UINT32 weighUnobservedAsExact = 0;
 
+  [[nodiscard]] bool RefusesUnknownFlags() const { return refuseUnknownFlags != 0 && keepAsGiven == 0; }
   [[nodiscard]] Catalog::WindowsVersion Version() const { return Catalog::VersionOfBuild(windowsBuild); }
 };
 

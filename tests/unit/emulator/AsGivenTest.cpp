@@ -34,17 +34,17 @@ class AsGiven : public EngineTest {
 };
 
 TEST_F(AsGiven, FiltersKeepFlagsAndWeight) {
-  constexpr UINT32 kDisabledAndIndexed = 0x60;
+  constexpr UINT32 kFlags = 0x8060;  // DISABLED, INDEXED and one without a name
   const TestSession session;
   UINT64 weight = 4711;
   FWPM_FILTER0 filter = FilterRecord();
-  filter.flags = kDisabledAndIndexed;
+  filter.flags = kFlags;
   filter.effectiveWeight.type = FWP_UINT64;
   filter.effectiveWeight.uint64 = &weight;
   ASSERT_EQ(Add(session, filter), kSuccess);
   FWPM_FILTER0* found = nullptr;
   ASSERT_EQ(FwpmFilterGetByKey0(session, &kFilterKey, &found), kSuccess);
-  EXPECT_EQ(found->flags, kDisabledAndIndexed);
+  EXPECT_EQ(found->flags, kFlags);
   EXPECT_EQ(*found->effectiveWeight.uint64, 4711U);
   Free(found);
 }

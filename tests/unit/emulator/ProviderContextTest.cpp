@@ -147,10 +147,10 @@ TEST_F(ProviderContext, IsCheckedLikeOtherObjects) {
   EXPECT_EQ(refusal([&](auto& record) { record.providerData = blob; }), kNullPointer);
   EXPECT_EQ(refusal([&](auto& record) { record.dataBuffer = &blob; }), kNullPointer);
   EXPECT_EQ(refusal([&](auto& record) { record.providerKey = &missing; }), kProviderNotFound);
-  int unknown = 13;
+  int unknown = 14;
   EXPECT_EQ(refusal([&](auto& record) { record.type = static_cast<FWPM_PROVIDER_CONTEXT_TYPE>(unknown); }),
             kInvalidEnumerator);
-  EXPECT_EQ(EngineEmulator::LastRefusal(), "there is no type 13 of provider contexts");
+  EXPECT_EQ(EngineEmulator::LastRefusal(), "there is no type 14 of provider contexts");
   EXPECT_EQ(refusal([](auto&) {}), kSuccess);
   EXPECT_EQ(refusal([](auto&) {}), kAlreadyExists);
 }
