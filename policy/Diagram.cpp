@@ -12,8 +12,9 @@ MapTarget DecodeTarget(BitWord word) { return {word % 2 == 1, static_cast<std::s
 /// on as one.
 class Builder {
  public:
-  Builder(const Section& section, const std::function<std::size_t(const BitWord*)>& leaf)
-      : section_(section), leaf_(leaf), width_(section.Layout().Width()) {
+  Builder(const Section& section, const std::function<std::size_t(const BitWord*)>& leaf,
+          std::size_t mostStateWords)
+      : section_(section), leaf_(leaf), width_(section.Layout().Width()), wordsLeft_(mostStateWords) {
     for (const auto& table : section.Tables()) {
       seen_.emplace_back(width_);
       made_.emplace_back(table->Signatures().Size());
@@ -38,6 +39,10 @@ class Builder {
   MapTarget Follow(std::size_t level, const std::vector<BitWord>& state) {
     const auto [index, isNew] = seen_[level].Intern(state.data());
     if (isNew) {
+      if (wordsLeft_ < width_) {
+        throw DiagramTooLarge();
+      }
+      wordsLeft_ -= width_;
       targets_[level].emplace_back();
       const MapTarget target =
           level == made_.size() ? MapTarget{true, leaf_(state.data())} : Branch(level, state);
@@ -93,6 +98,7 @@ class Builder {
   const Section& section_;
   const std::function<std::size_t(const BitWord*)>& leaf_;
   std::size_t width_;
+  std::size_t wordsLeft_;
   Diagram diagram_;
   std::vector<WordTable> seen_;                  ///< states, by level
   std::vector<std::vector<MapTarget>> targets_;  ///< where each of them leads
@@ -102,8 +108,9 @@ class Builder {
 
 }  // namespace
 
-Diagram MakeDiagram(const Section& section, const std::function<std::size_t(const BitWord*)>& leaf) {
-  return Builder(section, leaf).Build();
+Diagram MakeDiagram(const Section& section, const std::function<std::size_t(const BitWord*)>& leaf,
+                    std::size_t mostStateWords) {
+  return Builder(section, leaf, mostStateWords).Build();
 }
 
 std::vector<ValueClass> ClassesOf(const FieldTable& table, const Diagram::Level& level,

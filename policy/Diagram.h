@@ -5,6 +5,7 @@
 #pragma once
 
 #include <functional>
+#include <stdexcept>
 #include <vector>
 
 #include "policy/MapNode.h"
@@ -26,8 +27,19 @@ struct Diagram {
   MapTarget root{true, 0};
 };
 
+/// Filters that tell apart more connections than a diagram can hold.
+class DiagramTooLarge : public std::runtime_error {
+ public:
+  DiagramTooLarge() : std::runtime_error("The filters tell apart more connections than a map can hold") {}
+};
+
+/// For the states that a diagram is made from: 256 MB.
+inline constexpr std::size_t kMostStateWords = 32 * 1024 * 1024;
+
 /// @param leaf gives the number of what becomes of a state.
-Diagram MakeDiagram(const Section& section, const std::function<std::size_t(const BitWord*)>& leaf);
+/// @throws DiagramTooLarge when all states together take more than so many words.
+Diagram MakeDiagram(const Section& section, const std::function<std::size_t(const BitWord*)>& leaf,
+                    std::size_t mostStateWords = kMostStateWords);
 
 /// The classes of a level's table, by number, without a text.
 /// @param ordinary its values are the examples of their classes.

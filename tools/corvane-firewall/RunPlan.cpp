@@ -16,6 +16,7 @@
 #include "Text.h"
 #include "TextReporter.h"
 #include "dump/DumpError.h"
+#include "policy/Diagram.h"
 
 namespace {
 
@@ -103,6 +104,8 @@ int RunPlan(const Plan& plan) {
     return 2;
   } catch (const Failure& failure) {
     Fail(*reporter, failure);
+  } catch (const Policy::DiagramTooLarge& error) {
+    Fail(*reporter, Failure(error.what(), "The step explain tells about one connection at a time."));
   } catch (const std::exception& error) {
     Fail(*reporter, Failure(error.what(), ""));
   }

@@ -1,5 +1,6 @@
 #include "policy/Map.h"
 
+#include "policy/Diagram.h"
 #include "unit/policy/PolicyTest.h"
 
 namespace {
@@ -266,6 +267,17 @@ TEST_F(MapTest, TheKillSwitchReadsAsItsUserWouldSayIt) {
       remote address 10.0.0.0/8, 127.0.0.0/8, 172.16.0.0/12, 192.168.0.0/16, 239.255.255.250, 255.255.255.255: permit
       otherwise: block
 )"));
+}
+
+/// One state to begin with, and two where the port has been looked at.
+TEST_F(MapTest, HasALimitOfStates) {
+  Install(1, "ALE_AUTH_CONNECT_V4 | BLOCK | UINT8 1 | - | IP_REMOTE_PORT EQUAL UINT16 53");
+  const Policy::Snapshot snapshot = Read();
+  const Policy::Section section(snapshot, Policy::kSectionKeys[0]);
+  const auto leaf = [](const Policy::BitWord*) { return std::size_t{0}; };
+  const std::size_t width = section.Layout().Width();
+  EXPECT_NO_THROW(Policy::MakeDiagram(section, leaf, 3 * width));
+  EXPECT_THROW(Policy::MakeDiagram(section, leaf, 3 * width - 1), Policy::DiagramTooLarge);
 }
 
 }  // namespace
