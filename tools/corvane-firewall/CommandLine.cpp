@@ -41,6 +41,7 @@ void AddGlobalOptions(CLI::App& app, Plan& plan) {
   app.add_option("--start", plan.start,
                  "What the emulated engine begins with: a file that netsh wfp show state or netsh wfp show "
                  "filters has written, or the step export")
+      ->check([](const std::string& file) { return RejectEmpty(file); })
       ->type_name("FILE.xml");
   app.add_option("--dns-app", plan.dnsApp, "Application whose name look-ups may bypass the tunnel")
       ->type_name("PATH");

@@ -1,12 +1,39 @@
 #include "PolicySteps.h"
 
+#include <map>
+
 #include "ActiveFeatures.h"
 #include "AskedConnection.h"
 #include "OutputFile.h"
 #include "ReportPage.h"
+#include "catalog/Format.h"
+#include "catalog/Guid.h"
+#include "catalog/Names.h"
+
+namespace {
+
+/// Each filter of a layer is compared with each other one.
+constexpr std::size_t kMostFiltersOfALayer = 10'000;
+
+/// What the engine, or the dump, holds, to tell what becomes of connections.
+/// @throws Failure also when there are too many filters for that.
+Policy::Snapshot ReadPolicyOf(const StepContext& context) {
+  Policy::Snapshot snapshot = context.ReadEngine();
+  std::map<GUID, std::size_t, Catalog::KeyOrder> counts;
+  for (const Policy::Filter& filter : snapshot.filters) {
+    if (++counts[filter.layerKey] > kMostFiltersOfALayer) {
+      throw Failure("More than " + Catalog::FormatNumber(kMostFiltersOfALayer) + " filters are at " +
+                        Catalog::LayerName(filter.layerKey),
+                    "The steps list, export and replay take any number.");
+    }
+  }
+  return snapshot;
+}
+
+}  // namespace
 
 void ExplainStep(const StepContext& context, const StepOptions& options) {
-  const Policy::Snapshot snapshot = context.ReadEngine();
+  const Policy::Snapshot snapshot = ReadPolicyOf(context);
   const Policy::Labels labels = context.ReadAdapterNames();
   const Policy::Decider decider(snapshot);
   if (context.dump != nullptr) {
@@ -19,23 +46,23 @@ void ExplainStep(const StepContext& context, const StepOptions& options) {
 
 void MapStep(const StepContext& context, const StepOptions&) {
   const Policy::Labels labels = context.ReadAdapterNames();
-  context.reporter.ShowMap(Policy::MakeMap(context.ReadEngine(), labels), labels);
+  context.reporter.ShowMap(Policy::MakeMap(ReadPolicyOf(context), labels), labels);
 }
 
 void ProveStep(const StepContext& context, const StepOptions&) {
-  const Policy::Snapshot snapshot = context.ReadEngine();
+  const Policy::Snapshot snapshot = ReadPolicyOf(context);
   const Promises::Features features = ActiveFeatures(context.before, context.dnsApp, snapshot);
   context.reporter.ShowPromises(Promises::Prove(snapshot, features), context.ReadAdapterNames());
 }
 
 void LintStep(const StepContext& context, const StepOptions&) {
-  const Policy::Snapshot snapshot = context.ReadEngine();
+  const Policy::Snapshot snapshot = ReadPolicyOf(context);
   context.reporter.ShowFindings(Policy::Lint(snapshot));
 }
 
 void ReportStep(const StepContext& context, const StepOptions& options) {
   const std::string& path = options.file.front();
-  const Policy::Snapshot snapshot = context.ReadEngine();
+  const Policy::Snapshot snapshot = ReadPolicyOf(context);
   const Promises::Features features = ActiveFeatures(context.before, context.dnsApp, snapshot);
   WriteFile(path, MakePage({context.engine, snapshot, Promises::Prove(snapshot, features),
                             context.ReadAdapterNames(), context.isOrderInferred}));

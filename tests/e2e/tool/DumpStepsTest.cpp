@@ -203,6 +203,20 @@ TEST_F(DumpSteps, RefuseAFileThatIsNotOpenToThem) {
   EXPECT_THAT(run.errors, HasSubstr("machine.xml: cannot be opened; expected the right to read it\nhint: "));
 }
 
+TEST_F(DumpSteps, ThatJudgeConnectionsRefuseTooManyFilters) {
+  std::string dump = "<wfpdiag><filters>";
+  for (int id = 90001; id > 80000; --id) {
+    dump += FilterItem(std::to_string(id), kOurs, "", "BLOCK");
+  }
+  dump += "</filters></wfpdiag>";
+  const ToolRun run = Run(dump, {L"explain", L"--remote", L"10.0.0.1"});
+  EXPECT_EQ(run.exitCode, 1u);
+  EXPECT_EQ(run.errors,
+            "explain failed: More than 10000 filters are at ALE_AUTH_CONNECT_V4\n"
+            "hint: The steps list, export and replay take any number.\n");
+  EXPECT_EQ(Run(dump, {L"list"}).exitCode, 0u);
+}
+
 TEST(Dump, MayNotExist) {
   const ToolRun run = RunTool({L"--engine", L"no-such-file.xml", L"list"});
   EXPECT_EQ(run.exitCode, 2u);
