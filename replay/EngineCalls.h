@@ -64,7 +64,7 @@ EngineCalls FindEngineCalls(Find find) {
 /// The engine that the program is linked with. Inline, so that only who calls it needs that engine.
 inline EngineCalls LinkedEngine() {
   EngineCalls calls{};
-#define CORVANE_LINK(function) calls.function = &::function
+#define CORVANE_LINK(function) calls.function = (&::function)
   CORVANE_FOR_EACH_ENGINE_CALL(CORVANE_LINK);
 #undef CORVANE_LINK
   return calls;
