@@ -57,6 +57,8 @@ int Run(const std::vector<std::string>& arguments) {
 }  // namespace
 
 int main() {
+  // Else each piece of a line is written to a console by itself.
+  std::ios::sync_with_stdio(false);
   const Utf8Console console;
   try {
     return Run(Arguments());
