@@ -1,11 +1,12 @@
 #include "EngineObjects.h"
 
-#include <algorithm>
 #include <ctime>
 #include <iomanip>
+#include <map>
 #include <sstream>
 
 #include "EngineClient.h"
+#include "catalog/Guid.h"
 #include "emulator/ControlExports.h"
 #include "replay/FillEngine.h"
 #include "replay/Replay.h"
@@ -42,11 +43,13 @@ std::string LastRefusal() {
 /// All that the emulated engine needs to hold the dump's filters. Sublayers that the dump does not list weigh
 /// as their inferred order has it.
 Dump::EngineState ObjectsToAdd(const DumpedPolicy& dump) {
+  std::map<GUID, UINT16, Catalog::KeyOrder> weights;
+  for (const Policy::Sublayer& sublayer : dump.snapshot.sublayers) {
+    weights.emplace(sublayer.key, sublayer.weight);
+  }
   Dump::EngineState objects = Replay::WithStandIns(dump.state);
   for (FWPM_SUBLAYER0& subLayer : objects.subLayers) {
-    const auto known =
-        std::ranges::find(dump.snapshot.sublayers, subLayer.subLayerKey, &Policy::Sublayer::key);
-    subLayer.weight = known->weight;
+    subLayer.weight = weights.at(subLayer.subLayerKey);
   }
   return objects;
 }
