@@ -52,7 +52,8 @@ class Clients {
         &Clients::CallProviders, &Clients::CallSublayers, &Clients::CallCallouts,
         &Clients::CallFilters,   &Clients::CallLayers,    &Clients::EnumerateSessions,
         &Clients::GetById,       &Clients::DeleteById,    &Clients::GetOption,
-        &Clients::SetOption,     &Clients::GetAppId,      &Clients::Free};
+        &Clients::SetOption,     &Clients::GetAppId,      &Clients::Free,
+        &Clients::AddContext,    &Clients::CallContexts};
     for (int i = 0; i < kMostCalls && !input_.IsEmpty(); ++i) {
       (this->*input_.TakeOneOf(kCalls))();
     }
@@ -145,6 +146,13 @@ class Clients {
     FwpmCalloutAdd0(Session(), record, records_.SecurityDescriptor(), Out(id));
   }
 
+  void AddContext() {
+    const auto* record = records_.Pointer<FWPM_PROVIDER_CONTEXT0>();
+    UINT64 id = 0;
+    FwpmProviderContextAdd0(Session(), record, records_.SecurityDescriptor(), Out(id));
+    ids_.push_back(id);
+  }
+
   void AddFilter() {
     const auto* record = records_.Pointer<FWPM_FILTER0>();
     UINT64 id = 0;
@@ -157,6 +165,7 @@ class Clients {
   void DeleteById() {
     FwpmFilterDeleteById0(Session(), Id());
     FwpmCalloutDeleteById0(Session(), static_cast<UINT32>(Id()));
+    FwpmProviderContextDeleteById0(Session(), Id());
   }
 
   void GetById() {
@@ -166,6 +175,9 @@ class Clients {
     FWPM_LAYER0* layer = nullptr;
     FwpmLayerGetById0(Session(), input_.Take<UINT16>(), Out(layer));
     KeepBlock(layer);
+    FWPM_PROVIDER_CONTEXT0* context = nullptr;
+    FwpmProviderContextGetById0(Session(), Id(), Out(context));
+    KeepBlock(context);
   }
 
   template <class Record, class Template, class Subscription, class Change>
@@ -187,6 +199,7 @@ class Clients {
   void CallProviders() { CallObject(Fuzz::kProviders); }
   void CallSublayers() { CallObject(Fuzz::kSublayers); }
   void CallCallouts() { CallObject(Fuzz::kCallouts); }
+  void CallContexts() { CallObject(Fuzz::kProviderContexts); }
   void CallFilters() { CallObject(Fuzz::kFilters); }
   void CallLayers() { input_.TakeFlag() ? CallEnum(Fuzz::kLayerEnums) : CallByKey(Fuzz::kLayerKeys); }
   void EnumerateSessions() { CallEnum(Fuzz::kSessionEnums); }

@@ -239,6 +239,19 @@ void HostileRecords::Fill(FWPM_CALLOUT0& callout) {
   callout.applicableLayer = LayerKey();
 }
 
+void HostileRecords::Fill(FWPM_PROVIDER_CONTEXT0& context) {
+  context.providerContextKey = Key();
+  context.displayData = DisplayData();
+  context.flags = input_.Take<UINT8>();
+  context.providerKey = KeyPointer();
+  context.providerData = Blob();
+  context.type = static_cast<FWPM_PROVIDER_CONTEXT_TYPE>(input_.Take<INT8>());
+  // The engine knows nothing of what other types point to.
+  context.dataBuffer = context.type == FWPM_GENERAL_CONTEXT
+                           ? BlobPointer()
+                           : reinterpret_cast<FWP_BYTE_BLOB*>(std::uintptr_t{1});
+}
+
 void HostileRecords::Fill(FWPM_FILTER0& filter) {
   filter.filterKey = Key();
   filter.displayData = DisplayData();
@@ -268,6 +281,11 @@ void HostileRecords::Fill(FWPM_CALLOUT_ENUM_TEMPLATE0& criteria) {
   criteria.layerKey = LayerKey();
 }
 
+void HostileRecords::Fill(FWPM_PROVIDER_CONTEXT_ENUM_TEMPLATE0& criteria) {
+  criteria.providerKey = KeyPointer();
+  criteria.providerContextType = static_cast<FWPM_PROVIDER_CONTEXT_TYPE>(input_.Take<INT8>());
+}
+
 void HostileRecords::Fill(FWPM_FILTER_ENUM_TEMPLATE0& criteria) {
   criteria.providerKey = KeyPointer();
   criteria.layerKey = LayerKey();
@@ -289,6 +307,9 @@ void HostileRecords::Fill(FWPM_LAYER_ENUM_TEMPLATE0& criteria) { criteria.reserv
 void HostileRecords::Fill(FWPM_PROVIDER_SUBSCRIPTION0& subscription) { FillSubscription(subscription); }
 void HostileRecords::Fill(FWPM_SUBLAYER_SUBSCRIPTION0& subscription) { FillSubscription(subscription); }
 void HostileRecords::Fill(FWPM_CALLOUT_SUBSCRIPTION0& subscription) { FillSubscription(subscription); }
+void HostileRecords::Fill(FWPM_PROVIDER_CONTEXT_SUBSCRIPTION0& subscription) {
+  FillSubscription(subscription);
+}
 void HostileRecords::Fill(FWPM_FILTER_SUBSCRIPTION0& subscription) { FillSubscription(subscription); }
 
 }  // namespace Fuzz

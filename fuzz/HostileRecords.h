@@ -78,16 +78,19 @@ class HostileRecords {
   void Fill(FWPM_PROVIDER0& provider);
   void Fill(FWPM_SUBLAYER0& sublayer);
   void Fill(FWPM_CALLOUT0& callout);
+  void Fill(FWPM_PROVIDER_CONTEXT0& context);
   void Fill(FWPM_FILTER0& filter);
   void Fill(FWPM_SESSION_ENUM_TEMPLATE0& criteria);
   void Fill(FWPM_LAYER_ENUM_TEMPLATE0& criteria);
   void Fill(FWPM_PROVIDER_ENUM_TEMPLATE0& criteria);
   void Fill(FWPM_SUBLAYER_ENUM_TEMPLATE0& criteria);
   void Fill(FWPM_CALLOUT_ENUM_TEMPLATE0& criteria);
+  void Fill(FWPM_PROVIDER_CONTEXT_ENUM_TEMPLATE0& criteria);
   void Fill(FWPM_FILTER_ENUM_TEMPLATE0& criteria);
   void Fill(FWPM_PROVIDER_SUBSCRIPTION0& subscription);
   void Fill(FWPM_SUBLAYER_SUBSCRIPTION0& subscription);
   void Fill(FWPM_CALLOUT_SUBSCRIPTION0& subscription);
+  void Fill(FWPM_PROVIDER_CONTEXT_SUBSCRIPTION0& subscription);
   void Fill(FWPM_FILTER_SUBSCRIPTION0& subscription);
 
   template <class Subscription>

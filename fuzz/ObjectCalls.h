@@ -72,6 +72,16 @@ inline constexpr ObjectCalls<FWPM_CALLOUT0, FWPM_CALLOUT_ENUM_TEMPLATE0, FWPM_CA
               {FwpmCalloutCreateEnumHandle0, FwpmCalloutEnum0, FwpmCalloutDestroyEnumHandle0},
               {FwpmCalloutSubscribeChanges0, FwpmCalloutUnsubscribeChanges0, FwpmCalloutSubscriptionsGet0}};
 
+inline constexpr ObjectCalls<FWPM_PROVIDER_CONTEXT0, FWPM_PROVIDER_CONTEXT_ENUM_TEMPLATE0,
+                             FWPM_PROVIDER_CONTEXT_SUBSCRIPTION0, FWPM_PROVIDER_CONTEXT_CHANGE0>
+    kProviderContexts{FwpmProviderContextDeleteByKey0,
+                      {FwpmProviderContextGetByKey0, FwpmProviderContextGetSecurityInfoByKey0,
+                       FwpmProviderContextSetSecurityInfoByKey0},
+                      {FwpmProviderContextCreateEnumHandle0, FwpmProviderContextEnum0,
+                       FwpmProviderContextDestroyEnumHandle0},
+                      {FwpmProviderContextSubscribeChanges0, FwpmProviderContextUnsubscribeChanges0,
+                       FwpmProviderContextSubscriptionsGet0}};
+
 inline constexpr ObjectCalls<FWPM_FILTER0, FWPM_FILTER_ENUM_TEMPLATE0, FWPM_FILTER_SUBSCRIPTION0,
                              FWPM_FILTER_CHANGE0>
     kFilters{FwpmFilterDeleteByKey0,

@@ -15,8 +15,8 @@ def names_in(header, pattern):
     return re.findall(pattern, (HERE.parent / header).read_text(), re.MULTILINE)
 
 
-FIELDS = names_in("catalog/Fields.h", r'^    \{"(\w+)", "[0-9a-f-]{36}"_guid')
-LAYERS = names_in("catalog/Layers.cpp", r'^    \{"(\w+)", "[0-9a-f-]{36}"_guid')
+FIELDS = names_in("catalog/Fields.h", r'^    \{"(\w+)", (?:"[0-9a-f-]{36}"_guid|k\w+)')
+LAYERS = names_in("catalog/Layers.cpp", r'^    \{\d+, "(\w+)"')
 
 
 def number(value, size):
@@ -196,6 +196,11 @@ def test(field, data_type, data, match=0):
     return bytes([FIELDS.index(field), match, data_type]) + data
 
 
+def add_context(key, session=0):
+    general_type = b"\x08"
+    return bytes([21, 1, key]) + NAME + b"\0" + NULL + NO_BLOB + general_type + NULL + bytes([session]) + NULL
+
+
 def begin(session=0):
     return bytes([2, session, 0])
 
@@ -217,6 +222,7 @@ CALLS = {
                    every_filter()],
     "transactions": [OPEN_DYNAMIC, OPEN_STATIC, begin(), add_sublayer(3), begin(session=1), bytes([3, 0]),
                      begin(), add_filter("IPFORWARD_V4", sublayer=3), bytes([4, 0]), bytes([1, 0]), every_filter()],
+    "contexts": [OPEN_STATIC, add_provider(1), add_context(2), bytes([22, 0, 0, 0, 1, 2])],
     "wrong_types": [OPEN_STATIC, add_filter("ALE_AUTH_CONNECT_V6", test("IP_PROTOCOL", 2, number(17, 4)),
                                             test("IP_REMOTE_ADDRESS", 18, b"\x01\x01\x01\x02\x01\x02"))],
 }
