@@ -14,7 +14,7 @@ namespace {
 
 using Keys = std::set<GUID, Catalog::KeyOrder>;
 
-/// Between the sublayers of Windows Firewall and those that a filter without a sublayer gets into.
+/// Above the sublayers of Windows Firewall and below UNIVERSAL.
 constexpr UINT16 kWeight = 0x4000;
 
 // The flag PERSISTENT, for which some headers have no names.

@@ -14,5 +14,5 @@ Replay::EngineContents ReadEngineObjects();
 /// Puts what a dump holds into the emulated engine that is loaded in this process, before anything else is
 /// added. It then counts as one of the dump's version of Windows.
 /// @return what the user should know of it, a line each.
-/// @throws Failure
+/// @throws Failure if the emulator lacks a function, Replay::EngineError if it cannot be filled.
 std::vector<std::string> FillEmulatedEngine(const DumpedPolicy& dump);
