@@ -47,6 +47,10 @@ void ShowAll(const ObjectStore& objects, std::vector<Shown>& shown) {
 
 void Reset() { ResetEngine(); }
 
+FreshEngine::FreshEngine() { PutEngineAside(); }
+
+FreshEngine::~FreshEngine() { TakeEngineBack(); }
+
 void FailCall(const std::string& function, std::size_t nth, DWORD code) {
   LockEngine().engine.faults.Add(function, nth, code);
 }

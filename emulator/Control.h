@@ -21,6 +21,17 @@ namespace EngineEmulator {
 /// Handles and memory handed out before become invalid.
 void Reset();
 
+/// A fresh engine in the place of the one so far, as long as this object lives. Then the one before is back
+/// as it was. No call may be waiting, and handles and memory are to be used only while their engine is in its
+/// place; what memory holds can be read meanwhile.
+class FreshEngine {
+ public:
+  FreshEngine();
+  ~FreshEngine();
+  FreshEngine(const FreshEngine&) = delete;
+  FreshEngine& operator=(const FreshEngine&) = delete;
+};
+
 /// Lets the nth call of a function from now on (1 = the next) fail with a code, without any effect.
 /// Several plans for one function may be waiting.
 /// @param function such as "FwpmFilterAdd0"; empty for calls of any function but FwpmFreeMemory0.

@@ -1,14 +1,19 @@
 #include "emulator/EntryPoint.h"
 
 #include <chrono>
+#include <list>
 
 namespace EngineEmulator {
 namespace {
 
 struct SharedEngine {
+  SharedEngine() { engines.emplace_back(std::in_place); }
+
   std::mutex mutex;
   std::condition_variable answered;
-  std::optional<Engine> engine{std::in_place};
+  /// The last one is in use; those before it were put aside. A call that waits keeps a reference to its
+  /// engine, so none of them ever moves.
+  std::list<std::optional<Engine>> engines;
 };
 
 /// Never destroyed, because static objects of clients may call the engine while their process ends.
@@ -27,16 +32,29 @@ SharedEngine& Shared() {
 
 LockedEngine LockEngine() {
   SharedEngine& shared = Shared();
-  return {std::unique_lock(shared.mutex), *shared.engine, shared.answered};
+  return {std::unique_lock(shared.mutex), *shared.engines.back(), shared.answered};
 }
 
 void ResetEngine() {
   SharedEngine& shared = Shared();
   std::unordered_map<HANDLE, Session> ended;  // destroyed when callbacks that run can use the engine again
   const std::lock_guard lock(shared.mutex);
-  ended = shared.engine->TakeSessions();
-  shared.engine.emplace();
+  ended = shared.engines.back()->TakeSessions();
+  shared.engines.back().emplace();
   shared.answered.notify_all();
+}
+
+void PutEngineAside() {
+  SharedEngine& shared = Shared();
+  const std::lock_guard lock(shared.mutex);
+  shared.engines.emplace_back(std::in_place);
+}
+
+void TakeEngineBack() {
+  ResetEngine();  // which ends the sessions
+  SharedEngine& shared = Shared();
+  const std::lock_guard lock(shared.mutex);
+  shared.engines.pop_back();
 }
 
 DWORD WaitForWriteLock(LockedEngine& locked, HANDLE engineHandle) {

@@ -23,6 +23,9 @@ struct LockedEngine {
 };
 LockedEngine LockEngine();
 void ResetEngine();
+/// Puts a fresh engine in the place of the one in use, and that one back.
+void PutEngineAside();
+void TakeEngineBack();
 
 /// Waits until the session may change something, at most as long as the session says. If there is no such
 /// session, or it ends meanwhile: ERROR_INVALID_HANDLE, or the code that Switches::invalidHandleCode says.

@@ -16,21 +16,14 @@ namespace {
 
 using Catalog::WindowsVersion;
 
-/// The emulated engine, fresh and of a version of Windows, as long as this object lives.
-class FreshEngine {
- public:
-  explicit FreshEngine(WindowsVersion version) {
-    EngineEmulator::Reset();
-    EngineEmulator::Switches switches;
-    switches.windowsBuild = Catalog::FirstBuildOf(version);
-    // Live engines and drivers set some that clients cannot.
-    switches.refuseUnknownFlags = 0;
-    EngineEmulator::SetSwitches(switches);
-  }
-  ~FreshEngine() { EngineEmulator::Reset(); }
-  FreshEngine(const FreshEngine&) = delete;
-  FreshEngine& operator=(const FreshEngine&) = delete;
-};
+/// Lets the emulated engine be of a version of Windows, and take what clients cannot add.
+void BeLiveEngineOf(WindowsVersion version) {
+  EngineEmulator::Switches switches;
+  switches.windowsBuild = Catalog::FirstBuildOf(version);
+  // Live engines and drivers set some that clients cannot.
+  switches.refuseUnknownFlags = 0;
+  EngineEmulator::SetSwitches(switches);
+}
 
 UINT64 EffectiveWeight(const FWPM_FILTER0& filter) {
   const FWP_VALUE0& weight = filter.effectiveWeight;
@@ -108,7 +101,8 @@ void CompareSublayers(const Dump::EngineState& state, const Dump::EngineState& e
 }
 
 Agreement ReplayAs(WindowsVersion version, const Dump::EngineState& state) {
-  const FreshEngine fresh(version);
+  const EngineEmulator::FreshEngine fresh;
+  BeLiveEngineOf(version);
   const EngineCalls engine = LinkedEngine();
   Agreement agreement;
   agreement.windows = version;

@@ -33,10 +33,11 @@ struct Agreement {
   Catalog::WindowsVersion windows = Catalog::kNewestWindows;
 };
 
-/// Puts what an engine holds into a fresh emulated one, the one that this program is linked with, and
-/// compares. That engine is reset before and afterwards.
-/// @param state may have been read from a dump, or from another engine. What a dump of the filters lacks
-///        counts as being there.
+/// Puts what an engine holds into a fresh emulated one, in the place of the one that this program is linked
+/// with, and compares. Afterwards that one is back as it was.
+/// @param state may have been read from a dump, or from any engine. What a dump of the filters lacks counts
+/// as
+///        being there.
 Agreement ReplayIntoEmulator(const Dump::EngineState& state);
 
 }  // namespace Replay

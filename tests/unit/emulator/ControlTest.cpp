@@ -203,6 +203,22 @@ TEST_F(Control, ResetForgetsEverything) {
   EXPECT_EQ(FwpmGetAppIdFromFileName0(L"C:\\Nowhere\\A.exe", &blob), 3U);
 }
 
+TEST_F(Control, FreshEngineStandsInForTheOneBefore) {
+  const TestSession session;
+  Add(session, SublayerRecord());
+  {
+    const EngineEmulator::FreshEngine fresh;
+    EXPECT_TRUE(EngineEmulator::TakeSnapshot().sublayers.empty());
+    EXPECT_EQ(EngineEmulator::CountOutstanding().sessions, 0U);
+    HANDLE left = nullptr;
+    EXPECT_EQ(FwpmEngineOpen0(nullptr, RPC_C_AUTHN_WINNT, nullptr, nullptr, &left), 0U);
+    EXPECT_EQ(Add(left, ProviderRecord()), 0U);
+  }
+  EXPECT_TRUE(EngineEmulator::TakeSnapshot().providers.empty());
+  EXPECT_EQ(EngineEmulator::TakeSnapshot().sublayers.size(), 1U);
+  EXPECT_EQ(EngineEmulator::CountOutstanding().sessions, 1U);
+}
+
 TEST_F(Control, EngineTakesCallsOfManyThreads) {
   const TestSession session;
   std::atomic<int> failures = 0;

@@ -4,6 +4,8 @@
 
 #include "MachineState.h"
 #include "emulator/Control.h"
+#include "replay/FillEngine.h"
+#include "replay/ReadEngine.h"
 
 namespace {
 
@@ -176,13 +178,22 @@ TEST(Replay, TakesFlagsThatOnlyEnginesSet) {
   EXPECT_EQ(agreement.accepted, 1u);
 }
 
-TEST(Replay, LeavesTheEmulatedEngineFresh) {
+TEST(Replay, OfTheEmulatedEngineItselfLeavesItAsItIs) {
+  EngineEmulator::Reset();
   MachineState machine;
-  machine.Add({.id = 70001, .effectiveWeight = 0});
   machine.AddSublayer(kOurs, 9);
-  ReplayIntoEmulator(machine.State());
-  EXPECT_TRUE(EngineEmulator::TakeSnapshot().filters.empty());
-  EXPECT_TRUE(EngineEmulator::TakeSnapshot().sublayers.empty());
+  machine.Add({.id = 70001, .effectiveWeight = 0, .remotePort = 443, .sublayerKey = kOurs});
+  FillEngine(Replay::LinkedEngine(), machine.State(), Replay::FlagsToAdd::All, EngineEmulator::LastRefusal);
+  {
+    const Replay::EngineContents contents = ReadEngine(Replay::LinkedEngine());
+    const Agreement agreement = ReplayIntoEmulator(contents.state);
+    EXPECT_EQ(agreement.accepted, 1u);
+    EXPECT_EQ(agreement.equalWeights, 1u);
+  }
+  EXPECT_EQ(EngineEmulator::TakeSnapshot().filters.size(), 1u);
+  EXPECT_EQ(EngineEmulator::TakeSnapshot().sublayers.size(), 1u);
+  EXPECT_EQ(EngineEmulator::CountOutstanding().memoryBlocks, 0u);
+  EngineEmulator::Reset();
 }
 
 TEST(Replay, AgreesOnNothing) {
