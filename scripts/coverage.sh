@@ -1,8 +1,8 @@
 #!/bin/bash
 # Measures which lines and branches the tests reach. Prints a table, and writes every line to build/coverage/report/.
 # Fails if a folder is below its share of lines, given at the end of this file. Portable code is measured natively; the
-# tool, which is for Windows only, under Wine, where its tests run it as a program. The scripts of the report's page are
-# not measured: scripts/test-page.sh tests them in a browser.
+# tool, of which only a part is portable, under Wine, where its tests run it as a program. The scripts of the report's
+# page are not measured: scripts/test-page.sh tests them in a browser.
 set -eu
 . "$(dirname "$0")/common.sh"
 cd "$root"

@@ -21,6 +21,8 @@ if [ "${1:-}" = --quick ]; then
   mkdir -p "$passed"
   programs=()
   for program in build/native/bin/*; do
+    # The tool's tests are linked anew with each new tool.
+    [ "${program##*/}" != corvane-firewall ] || continue
     mark=$passed/${program##*/}
     # Tests read documents and tables, too.
     if [ ! "$mark" -nt "$program" ] || [ -n "$(find docs tests ! -name '*.cpp' -newer "$mark" -print -quit)" ]; then

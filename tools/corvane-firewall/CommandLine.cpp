@@ -4,6 +4,7 @@
 #include <algorithm>
 #include <sstream>
 
+#include "CheckPlatform.h"
 #include "OptionValues.h"
 #include "Steps.h"
 
@@ -78,6 +79,7 @@ std::string ListSteps() {
     }
   }
   text << "All rules live as long as the program: with --engine system it waits for Enter at the end.\n"
+          "Off Windows only the steps run that read an engine: a dump, or the emulated one with --start.\n"
           "Example: corvane-firewall --engine emulated disable-internet enable-dhcp list";
   return text.str();
 }
@@ -170,7 +172,7 @@ void CheckReadsDump(const Plan& plan) {
       throw UsageError("The step " + step + " changes the engine, and a dump cannot be changed",
                        "--engine emulated --start " + plan.dump + " begins with what the dump holds");
     }
-    if (planned.step->effect == Effect::ReadsRun) {
+    if (!ReadsEngine(*planned.step)) {
       throw UsageError("The step " + step + " tells of this machine or this run, and a dump is neither",
                        "the steps that read a dump are " + StepNames(&ReadsEngine));
     }
@@ -196,6 +198,13 @@ Plan ParseCommandLine(const std::vector<std::string>& arguments) {
     }
     rest = ParseStep(*step, {rest.begin() + 1, rest.end()}, plan);
   }
+  if (!plan.information.empty()) {
+    return plan;
+  }
+  if (plan.steps.empty()) {
+    throw UsageError("No steps are given", "give at least one of " + StepNames());
+  }
+  CheckPlatform(plan);
   if (!plan.blockedApps.empty() && plan.engine != Engine::Emulated) {
     throw UsageError("--block-app is for the emulated engine", "it goes with --engine emulated");
   }
@@ -204,9 +213,6 @@ Plan ParseCommandLine(const std::vector<std::string>& arguments) {
   }
   if (plan.engine == Engine::Dump) {
     CheckReadsDump(plan);
-  }
-  if (plan.steps.empty() && plan.information.empty()) {
-    throw UsageError("No steps are given", "give at least one of " + StepNames());
   }
   return plan;
 }

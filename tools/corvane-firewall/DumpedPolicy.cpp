@@ -118,7 +118,7 @@ DumpedPolicy ReadDumpedPolicy(const std::filesystem::path& path) {
   Dump::EngineState state = Dump::ReadDumpFile(path);
   const bool isOrderInferred = state.kind == Dump::DumpKind::Filters;
   std::vector<Policy::Sublayer> sublayers = isOrderInferred
-                                                ? SublayerOrder(state.filters, ToUtf8(path.wstring())).Place()
+                                                ? SublayerOrder(state.filters, PathToUtf8(path)).Place()
                                                 : DecodeAll<Policy::Sublayer>(state.subLayers);
   Policy::Snapshot snapshot =
       Policy::MakeSnapshot(std::move(sublayers), DecodeAll<Policy::Filter>(state.filters));

@@ -1,26 +1,33 @@
+/**
+ * @file
+ * The client library of the engine that the steps work on. On Windows it is the one that is loaded in this
+ * process, the system's or the emulator's: each function is looked up when it is needed, because the loader
+ * would bind an import to the system's before the emulator can be loaded. On other systems it is the
+ * emulator, which the program is linked with.
+ */
 #pragma once
 
 #include <WfpPlatform.h>
 
-#include <memory>
+#include "emulator/ControlExports.h"
+#include "policy/EngineCalls.h"
+#include "replay/EngineCalls.h"
 
-#include "LoadedModule.h"
-
-/// A function of the engine's client library that is loaded in this process. If the program imported that
-/// library, the loader would bind it to the system's before the emulator can be loaded. So every function is
-/// looked up when it is needed.
-template <class Function>
-Function FindInEngine(const char* function) {
-  return FindFunction<Function>(GetModuleHandleW(L"fwpuclnt.dll"), function);
-}
-
-struct FreeEngineMemory {
-  decltype(&::FwpmFreeMemory0) free;
-  void operator()(void* memory) const { free(&memory); }
+/// The functions that tell of applications.
+struct ApplicationCalls {
+  decltype(&::FwpmGetAppIdFromFileName0) FwpmGetAppIdFromFileName0;
+  decltype(&::FwpmFreeMemory0) FwpmFreeMemory0;
 };
 
-/// Owns memory that the engine handed out.
-template <class Memory>
-std::unique_ptr<Memory, FreeEngineMemory> Own(Memory* memory) {
-  return {memory, FreeEngineMemory{FindInEngine<decltype(&::FwpmFreeMemory0)>("FwpmFreeMemory0")}};
-}
+/// The functions of the emulator's control interface that the tool uses.
+struct EmulatorControl {
+  decltype(&::EngineEmulatorSetRule) setRule;
+  decltype(&::EngineEmulatorLastRefusal) lastRefusal;
+  decltype(&::EngineEmulatorPretendFileExists) pretendFileExists;
+};
+
+/// They throw Failure when the library lacks a function.
+Policy::EngineCalls FindPolicyCalls();
+Replay::EngineCalls FindObjectCalls();
+ApplicationCalls FindApplicationCalls();
+EmulatorControl FindEmulatorControl();

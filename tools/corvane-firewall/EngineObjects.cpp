@@ -6,19 +6,13 @@
 #include <sstream>
 
 #include "EngineClient.h"
+#include "Failure.h"
 #include "catalog/Guid.h"
-#include "emulator/ControlExports.h"
 #include "replay/FillEngine.h"
 #include "replay/Replay.h"
 #include "replay/StandIns.h"
 
 namespace {
-
-Replay::EngineCalls LoadedEngine() {
-  return Replay::FindEngineCalls([](auto& function, const char* name) {
-    function = FindInEngine<std::decay_t<decltype(function)>>(name);
-  });
-}
 
 /// "2026-11-22T09:16:19.000Z"
 std::string Now() {
@@ -28,14 +22,10 @@ std::string Now() {
   return text.str();
 }
 
-void SetSwitch(const char* name, UINT32 value) {
-  FindInEngine<decltype(&::EngineEmulatorSetRule)>("EngineEmulatorSetRule")(name, value);
-}
-
-std::string LastRefusal() {
-  const auto read = FindInEngine<decltype(&::EngineEmulatorLastRefusal)>("EngineEmulatorLastRefusal");
-  std::string text(read(nullptr, 0), '\0');
-  read(text.data(), text.size());
+/// Why the engine refused what it last refused.
+std::string LastRefusal(const EmulatorControl& emulator) {
+  std::string text(emulator.lastRefusal(nullptr, 0), '\0');
+  emulator.lastRefusal(text.data(), text.size());
   text.pop_back();
   return text;
 }
@@ -58,7 +48,7 @@ Dump::EngineState ObjectsToAdd(const DumpedPolicy& dump) {
 
 Replay::EngineContents ReadEngineObjects() {
   try {
-    Replay::EngineContents contents = Replay::ReadEngine(LoadedEngine());
+    Replay::EngineContents contents = Replay::ReadEngine(FindObjectCalls());
     contents.state.timeStamp = Now();
     return contents;
   } catch (const Replay::EngineError& error) {
@@ -67,11 +57,13 @@ Replay::EngineContents ReadEngineObjects() {
 }
 
 std::vector<std::string> FillEmulatedEngine(const DumpedPolicy& dump) {
-  SetSwitch("windowsBuild", Catalog::FirstBuildOf(Replay::ReplayIntoEmulator(dump.state).windows));
-  SetSwitch("keepAsGiven", 1);
+  const EmulatorControl emulator = FindEmulatorControl();
+  emulator.setRule("windowsBuild", Catalog::FirstBuildOf(Replay::ReplayIntoEmulator(dump.state).windows));
+  emulator.setRule("keepAsGiven", 1);
   const Replay::Filling filling =
-      Replay::FillEngine(LoadedEngine(), ObjectsToAdd(dump), Replay::FlagsToAdd::All, LastRefusal);
-  SetSwitch("keepAsGiven", 0);
+      Replay::FillEngine(FindObjectCalls(), ObjectsToAdd(dump), Replay::FlagsToAdd::All,
+                         [&emulator] { return LastRefusal(emulator); });
+  emulator.setRule("keepAsGiven", 0);
   std::vector<std::string> notes;
   for (const Replay::Refusal& refusal : filling.refusals) {
     notes.push_back("The emulated engine does not hold " + std::to_string(refusal.count) +

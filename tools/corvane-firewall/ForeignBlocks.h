@@ -3,7 +3,8 @@
 #include <string>
 #include <vector>
 
-/// Adds filters to the emulated engine, which must be loaded, that block all outbound connections of each
-/// application, as Windows Firewall does. The files need not exist.
+/// Adds filters to the emulated engine that block all outbound connections of each application, as Windows
+/// Firewall does.
+/// @param apps paths, whose files need not exist, or ids.
 /// @throws Failure with the engine's code.
-void AddForeignBlocks(const std::vector<std::wstring>& apps);
+void AddForeignBlocks(const std::vector<std::string>& apps);

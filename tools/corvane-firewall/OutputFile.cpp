@@ -7,7 +7,7 @@
 #include "Text.h"
 
 void WriteFile(const std::string& path, const std::string& text) {
-  std::ofstream file(std::filesystem::path(ToWide(path)), std::ios::binary);
+  std::ofstream file(ToPath(path), std::ios::binary);
   file << text;
   file.close();
   if (!file) {

@@ -3,48 +3,17 @@
 #include <WfpPlatform.h>
 
 #include <algorithm>
+#include <memory>
 
+#include "Adapters.h"
 #include "EngineClient.h"
 #include "Failure.h"
 #include "OptionValues.h"
 #include "Text.h"
-#include "helpers/NetworkInfo.h"
-#include "helpers/NetworkInfoException.h"
-
-namespace {
-
-using WfpFirewall::Helpers::NetworkInfo;
-using WfpFirewall::Helpers::NetworkInfoException;
-
-template <class Function>
-void Find(Function& found, const char* function) {
-  found = FindInEngine<Function>(function);
-}
-
-Policy::EngineCalls FindEngineCalls() {
-  Policy::EngineCalls calls{};
-  Find(calls.FwpmEngineOpen0, "FwpmEngineOpen0");
-  Find(calls.FwpmEngineClose0, "FwpmEngineClose0");
-  Find(calls.FwpmTransactionBegin0, "FwpmTransactionBegin0");
-  Find(calls.FwpmTransactionAbort0, "FwpmTransactionAbort0");
-  Find(calls.FwpmProviderCreateEnumHandle0, "FwpmProviderCreateEnumHandle0");
-  Find(calls.FwpmProviderEnum0, "FwpmProviderEnum0");
-  Find(calls.FwpmProviderDestroyEnumHandle0, "FwpmProviderDestroyEnumHandle0");
-  Find(calls.FwpmSubLayerCreateEnumHandle0, "FwpmSubLayerCreateEnumHandle0");
-  Find(calls.FwpmSubLayerEnum0, "FwpmSubLayerEnum0");
-  Find(calls.FwpmSubLayerDestroyEnumHandle0, "FwpmSubLayerDestroyEnumHandle0");
-  Find(calls.FwpmFilterCreateEnumHandle0, "FwpmFilterCreateEnumHandle0");
-  Find(calls.FwpmFilterEnum0, "FwpmFilterEnum0");
-  Find(calls.FwpmFilterDestroyEnumHandle0, "FwpmFilterDestroyEnumHandle0");
-  Find(calls.FwpmFreeMemory0, "FwpmFreeMemory0");
-  return calls;
-}
-
-}  // namespace
 
 Policy::Snapshot ReadPolicy() {
   try {
-    return Policy::ReadEngine(FindEngineCalls());
+    return Policy::ReadEngine(FindPolicyCalls());
   } catch (const Policy::SnapshotError& error) {
     throw Failure(error.Code(), "The filtering engine cannot be read: " + std::string(error.what()));
   }
@@ -53,10 +22,10 @@ Policy::Snapshot ReadPolicy() {
 Policy::Labels ReadLabels() {
   Policy::Labels labels;
   try {
-    for (const auto& adapter : NetworkInfo::GetInterfaces()) {
-      labels.interfaces.emplace(adapter.GetLuid(), ToUtf8(adapter.GetName()));
+    for (const ListedAdapter& adapter : ListAdapters()) {
+      labels.interfaces.emplace(adapter.luid, adapter.name);
     }
-  } catch (const NetworkInfoException&) {
+  } catch (const Failure&) {
     return {};
   }
   return labels;
@@ -76,11 +45,12 @@ UINT64 FindInterface(const std::string& nameOrLuid) {
 
 std::vector<UINT64> FindInterfaces(const std::vector<std::string>& texts) {
   std::vector<UINT64> luids;
-  for (const auto& adapter : NetworkInfo::GetInterfaces()) {
-    const std::string description = ToUtf8(adapter.GetDescription());
-    const auto isIn = [&](const std::string& text) { return description.find(text) != std::string::npos; };
+  for (const ListedAdapter& adapter : ListAdapters()) {
+    const auto isIn = [&](const std::string& text) {
+      return adapter.description.find(text) != std::string::npos;
+    };
     if (std::ranges::any_of(texts, isIn)) {
-      luids.push_back(adapter.GetLuid());
+      luids.push_back(adapter.luid);
     }
   }
   return luids;
@@ -92,12 +62,16 @@ std::string ReadApplicationId(const std::string& path) {
   if (IsApplicationId(path)) {
     return Policy::ApplicationBytes(path);
   }
-  const auto getAppId = FindInEngine<decltype(&::FwpmGetAppIdFromFileName0)>("FwpmGetAppIdFromFileName0");
+  const ApplicationCalls engine = FindApplicationCalls();
+  const auto release = [&engine](FWP_BYTE_BLOB* blob) {
+    void* memory = blob;
+    engine.FwpmFreeMemory0(&memory);
+  };
   FWP_BYTE_BLOB* found = nullptr;
-  const DWORD result = getAppId(ToWide(path).c_str(), &found);
+  const DWORD result = engine.FwpmGetAppIdFromFileName0(ToWide(path).c_str(), &found);
   if (result != ERROR_SUCCESS) {
     throw Failure(result, "The engine does not know the application " + path);
   }
-  const auto blob = Own(found);
+  const std::unique_ptr<FWP_BYTE_BLOB, decltype(release)> blob(found, release);
   return {blob->data, blob->data + blob->size};
 }

@@ -21,6 +21,7 @@ UINT64 FindInterface(const std::string& nameOrLuid);
 
 /// The LUIDs of the adapters whose description contains one of the texts, found in the same way as by the
 /// library.
+/// @throws Failure with the system's code when the adapters cannot be listed.
 std::vector<UINT64> FindInterfaces(const std::vector<std::string>& texts);
 
 /// Whether a text is an id of an application already, and no path.

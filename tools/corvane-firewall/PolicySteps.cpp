@@ -36,7 +36,7 @@ void ExplainStep(const StepContext& context, const StepOptions& options) {
   const Policy::Snapshot snapshot = ReadPolicyOf(context);
   const Policy::Labels labels = context.ReadAdapterNames();
   const Policy::Decider decider(snapshot);
-  if (context.dump != nullptr) {
+  if (context.library == nullptr) {
     CheckAskedOfDump(options);
   }
   for (const std::string& remote : options.remotes) {

@@ -1,22 +1,15 @@
 #pragma once
 
-#include <cstdint>
 #include <string>
 #include <vector>
 
+#include "Adapters.h"
 #include "Contents.h"
 #include "Failure.h"
 #include "policy/Lint.h"
 #include "policy/Map.h"
 #include "promises/Proof.h"
 #include "replay/Replay.h"
-
-/// A network adapter as the library sees it; UTF-8.
-struct ListedAdapter {
-  std::string name;
-  std::string description;
-  std::uint64_t luid;
-};
 
 /// The answers of the library's queries.
 struct Status {

@@ -44,10 +44,10 @@ void WaitForEnter() {
   std::getline(std::cin, line);
 }
 
-/// @param library null if the engine is a dump.
+/// @param library as in StepContext.
 /// @param dump that the engine is or began with; null if there is none.
 /// @param notes are logged by the first step.
-void RunSteps(const Plan& plan, const FirewallLibrary* library, const DumpedPolicy* dump,
+void RunSteps(const Plan& plan, const FirewallCommands* library, const DumpedPolicy* dump,
               std::vector<std::string> notes, Reporter& reporter) {
   const bool isOrderInferred = dump != nullptr && dump->isOrderInferred;
   if (isOrderInferred) {
@@ -60,8 +60,8 @@ void RunSteps(const Plan& plan, const FirewallLibrary* library, const DumpedPoli
     for (const std::string& note : std::exchange(notes, {})) {
       reporter.Log(note);
     }
-    planned.step->run({library, library == nullptr ? dump : nullptr, isOrderInferred, reporter, plan.engine,
-                       plan.dnsApp, std::span(plan.steps).first(i)},
+    planned.step->run({library, plan.engine == Engine::Dump ? dump : nullptr, isOrderInferred, reporter,
+                       plan.engine, plan.dnsApp, std::span(plan.steps).first(i)},
                       planned.options);
     reporter.EndStep();
   }
@@ -71,24 +71,24 @@ void RunSteps(const Plan& plan, const FirewallLibrary* library, const DumpedPoli
 void RunOnEngine(const Plan& plan, Reporter& reporter) {
   std::optional<DumpedPolicy> start;
   if (!plan.start.empty()) {
-    start.emplace(ReadDumpedPolicy(ToWide(plan.start)));
+    start.emplace(ReadDumpedPolicy(ToPath(plan.start)));
   }
-  const FirewallLibrary library(plan.engine, ToWide(plan.dnsApp));
+  const std::unique_ptr<FirewallCommands> library = LoadFirewall(plan.engine, ToWide(plan.dnsApp));
   std::vector<std::string> notes;
   if (start) {
     notes = FillEmulatedEngine(*start);
   }
   if (!plan.blockedApps.empty()) {
-    AddForeignBlocks(ToWide(plan.blockedApps));
+    AddForeignBlocks(plan.blockedApps);
   }
-  RunSteps(plan, &library, start ? &*start : nullptr, std::move(notes), reporter);
+  RunSteps(plan, library.get(), start ? &*start : nullptr, std::move(notes), reporter);
   if (Holds(plan)) {
     WaitForEnter();
   }
 }
 
 void RunOnDump(const Plan& plan, Reporter& reporter) {
-  const DumpedPolicy dump = ReadDumpedPolicy(ToWide(plan.dump));
+  const DumpedPolicy dump = ReadDumpedPolicy(ToPath(plan.dump));
   RunSteps(plan, nullptr, &dump, {}, reporter);
 }
 

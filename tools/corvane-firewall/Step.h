@@ -6,7 +6,7 @@
 #include <vector>
 
 #include "DumpedPolicy.h"
-#include "FirewallLibrary.h"
+#include "FirewallCommands.h"
 #include "OptionValues.h"
 #include "Reporter.h"
 #include "promises/Features.h"
@@ -47,9 +47,9 @@ struct PlannedStep;
 
 /// What a step uses besides its options.
 struct StepContext {
-  const FirewallLibrary* library;  ///< null if the engine is a dump
-  const DumpedPolicy* dump;        ///< null if it is none
-  bool isOrderInferred;            ///< that of the sublayers, because a dump does not tell it
+  const FirewallCommands* library;  ///< null if the engine is a dump, and off Windows
+  const DumpedPolicy* dump;         ///< null if it is none
+  bool isOrderInferred;             ///< that of the sublayers, because a dump does not tell it
   Reporter& reporter;
   Engine engine;
   const std::string& dnsApp;  ///< empty for none; UTF-8
@@ -68,15 +68,17 @@ struct StepContext {
 /// What a step does to the rule sets. All rule sets are removed when the program ends.
 enum class Effect {
   ReadsEngine,  ///< and nothing else, so that a dump is as good
-  ReadsRun,     ///< what this run has switched on, or this machine
+  ReadsRun,     ///< and what this run has switched on
+  ReadsHost,    ///< what the library counts as switched on, or the adapters of this machine
   Installs,
   Removes,
 };
 
 /// Whether a step leaves the rule sets as they are.
-constexpr bool IsReading(Effect effect) {
-  return effect == Effect::ReadsEngine || effect == Effect::ReadsRun;
-}
+constexpr bool IsReading(Effect effect) { return effect != Effect::Installs && effect != Effect::Removes; }
+
+/// Whether a step takes the library or the adapters, which only Windows has.
+constexpr bool NeedsWindows(Effect effect) { return effect == Effect::ReadsHost || !IsReading(effect); }
 
 /// The sources of a feature's arguments besides the options.
 struct FeatureSources {
@@ -92,7 +94,7 @@ struct Step {
   /// Throws Failure.
   void (*run)(const StepContext& context, const StepOptions& options);
   /// Makes the same change to the features as the step makes to the engine; null for a step that only reads.
-  /// Throws Failure, and NetworkInfoException when the adapters cannot be listed.
+  /// Throws Failure.
   void (*switchFeature)(const StepOptions& options, const FeatureSources& sources,
                         Promises::Features& features) = nullptr;
 };

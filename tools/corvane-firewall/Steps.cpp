@@ -3,12 +3,11 @@
 #include <algorithm>
 #include <iterator>
 
+#include "Adapters.h"
 #include "DumpSteps.h"
 #include "FeatureSwitches.h"
 #include "PolicySteps.h"
 #include "Text.h"
-#include "helpers/NetworkInfo.h"
-#include "helpers/NetworkInfoException.h"
 
 namespace {
 
@@ -46,16 +45,6 @@ void DisableDhcpStep(const StepContext& context, const StepOptions&) {
   context.library->DisableDhcp(&LogRoute::Receive);
 }
 
-/// Runs a command that searches the adapters. @throws Failure when they cannot be listed.
-template <class Search>
-void SearchAdapters(const Search& search) {
-  try {
-    search();
-  } catch (const WfpFirewall::Helpers::NetworkInfoException& error) {
-    throw Failure(static_cast<std::uint32_t>(error.GetErrorCode()), error.what());
-  }
-}
-
 /// 0 if no LUID is given.
 std::uint64_t LuidOf(const StepOptions& options) {
   return options.luid.empty() ? 0 : ParseLuid(options.luid.front()).value();
@@ -74,7 +63,7 @@ void EnableLeakProtectionStep(const StepContext& context, const StepOptions& opt
   const LeakProtectionRequest request{options.server.front(), ToWide(options.interfaces), LuidOf(options),
                                       ToAddresses(options.allowed)};
   const LogRoute route(context.reporter);
-  SearchAdapters([&] { context.library->EnableLeakProtection(request, &LogRoute::Receive); });
+  context.library->EnableLeakProtection(request, &LogRoute::Receive);
 }
 
 void DisableLeakProtectionStep(const StepContext& context, const StepOptions&) {
@@ -92,16 +81,14 @@ void EnableLocalNetworkStep(const StepContext& context, const StepOptions&) {
 
 void EnableSkeinStep(const StepContext& context, const StepOptions& options) {
   const LogRoute route(context.reporter);
-  SearchAdapters([&] {
-    context.library->EnableSkein(ToWide(options.interfaces), LuidOf(options), ToAddresses(options.peers),
-                                 &LogRoute::Receive);
-  });
+  context.library->EnableSkein(ToWide(options.interfaces), LuidOf(options), ToAddresses(options.peers),
+                               &LogRoute::Receive);
 }
 
 void DisableSkeinStep(const StepContext& context, const StepOptions&) { context.library->DisableSkein(); }
 
 void StatusStep(const StepContext& context, const StepOptions&) {
-  const FirewallLibrary& library = *context.library;
+  const FirewallCommands& library = *context.library;
   context.reporter.ShowStatus({.internet = library.IsInternetEnabled(),
                                .dhcp = library.IsDhcpEnabled(),
                                .leakProtection = library.IsLeakProtectionEnabled(),
@@ -109,13 +96,7 @@ void StatusStep(const StepContext& context, const StepOptions&) {
 }
 
 void AdaptersStep(const StepContext& context, const StepOptions&) {
-  std::vector<ListedAdapter> adapters;
-  SearchAdapters([&] {
-    for (const auto& adapter : WfpFirewall::Helpers::NetworkInfo::GetInterfaces()) {
-      adapters.push_back({ToUtf8(adapter.GetName()), ToUtf8(adapter.GetDescription()), adapter.GetLuid()});
-    }
-  });
-  context.reporter.ShowAdapters(adapters);
+  context.reporter.ShowAdapters(ListAdapters());
 }
 
 void ListStep(const StepContext& context, const StepOptions& options) {
@@ -221,8 +202,8 @@ constexpr Step kSteps[]{
      Effect::Removes,
      DisableSkeinStep,
      SkeinOff},
-    {"status", "Tell what is switched on", {}, Effect::ReadsRun, StatusStep},
-    {"adapters", "List the network adapters as the firewall sees them", {}, Effect::ReadsRun, AdaptersStep},
+    {"status", "Tell what is switched on", {}, Effect::ReadsHost, StatusStep},
+    {"adapters", "List the network adapters as the firewall sees them", {}, Effect::ReadsHost, AdaptersStep},
     {"list", "List what the engine holds of ours", kListOptions, Effect::ReadsEngine, ListStep},
     {"explain", "Tell what the engine does with a connection, and why", kExplainOptions, Effect::ReadsEngine,
      ExplainStep},

@@ -1,22 +1,10 @@
 #include "Text.h"
 
-#include <windows.h>
+#include "dump/Encoding.h"
 
-std::string ToUtf8(std::wstring_view text) {
-  const int length = static_cast<int>(text.size());
-  const int size = WideCharToMultiByte(CP_UTF8, 0, text.data(), length, nullptr, 0, nullptr, nullptr);
-  std::string utf8(static_cast<std::size_t>(size), '\0');
-  WideCharToMultiByte(CP_UTF8, 0, text.data(), length, utf8.data(), size, nullptr, nullptr);
-  return utf8;
-}
+std::string ToUtf8(std::wstring_view text) { return Dump::FromWide(text); }
 
-std::wstring ToWide(std::string_view text) {
-  const int length = static_cast<int>(text.size());
-  const int size = MultiByteToWideChar(CP_UTF8, 0, text.data(), length, nullptr, 0);
-  std::wstring wide(static_cast<std::size_t>(size), L'\0');
-  MultiByteToWideChar(CP_UTF8, 0, text.data(), length, wide.data(), size);
-  return wide;
-}
+std::wstring ToWide(std::string_view text) { return Dump::ToWide(text); }
 
 std::vector<std::wstring> ToWide(const std::vector<std::string>& texts) {
   std::vector<std::wstring> wide;
@@ -25,4 +13,11 @@ std::vector<std::wstring> ToWide(const std::vector<std::string>& texts) {
     wide.push_back(ToWide(text));
   }
   return wide;
+}
+
+std::filesystem::path ToPath(std::string_view text) { return std::u8string(text.begin(), text.end()); }
+
+std::string PathToUtf8(const std::filesystem::path& path) {
+  const std::u8string text = path.u8string();
+  return {text.begin(), text.end()};
 }

@@ -5,13 +5,13 @@
 
 #include "Failure.h"
 #include "Identities.h"
-#include "LoadedModule.h"
 #include "PolicyReader.h"
 #include "ToolProcess.h"
 #include "ValueJson.h"
 #include "catalog/Guid.h"
 #include "emulator/ControlExports.h"
 #include "support/EngineKeys.h"
+#include "windows/LoadedModule.h"
 
 namespace {
 

@@ -194,15 +194,6 @@ TEST_F(DumpSteps, RefuseFiltersInAnOrderThatNoEngineHas) {
   EXPECT_THAT(run.errors, HasSubstr("machine.xml: expected filters sorted by layer"));
 }
 
-TEST_F(DumpSteps, RefuseAFileThatIsNotOpenToThem) {
-  std::ofstream(File(), std::ios::binary) << StateDump();
-  const std::unique_ptr<void, CloseHandleOf> alone(
-      CreateFileW(File().c_str(), GENERIC_READ, 0, nullptr, OPEN_EXISTING, 0, nullptr));
-  const ToolRun run = RunTool({L"--engine", File().wstring(), L"list"});
-  EXPECT_EQ(run.exitCode, 2u);
-  EXPECT_THAT(run.errors, HasSubstr("machine.xml: cannot be opened; expected the right to read it\nhint: "));
-}
-
 TEST_F(DumpSteps, ThatJudgeConnectionsRefuseTooManyFilters) {
   std::string dump = "<wfpdiag><filters>";
   for (int id = 90001; id > 80000; --id) {

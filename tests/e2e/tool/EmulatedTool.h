@@ -4,7 +4,7 @@
 #include <string>
 #include <vector>
 
-#include "ToolProcess.h"
+#include "ToolRun.h"
 
 using ParsedJson = nlohmann::json;
 

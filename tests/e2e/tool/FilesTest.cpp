@@ -2,8 +2,10 @@
 
 #include <algorithm>
 #include <cctype>
+#include <fstream>
 
 #include "EmulatedTool.h"
+#include "ToolProcess.h"
 
 namespace {
 
@@ -92,6 +94,16 @@ TEST(Files, EngineWithoutItsFunctionsIsAMessage) {
   EXPECT_EQ(run.exitCode, 1u);
   EXPECT_THAT(run.errors, AllOf(testing::StartsWith("list failed: "),
                                 HasSubstr("fwpuclnt.dll lacks the function FwpmEngineOpen0")));
+}
+
+TEST(Files, DumpThatAnotherProgramHoldsIsAMessage) {
+  const TemporaryFolder folder;
+  const std::filesystem::path file = folder.Path() / "machine.xml";
+  std::ofstream(file) << "<wfpdiag/>";
+  const Handle alone(CreateFileW(file.c_str(), GENERIC_READ, 0, nullptr, OPEN_EXISTING, 0, nullptr));
+  const ToolRun run = RunTool({L"--engine", file.wstring(), L"list"});
+  EXPECT_EQ(run.exitCode, 2u);
+  EXPECT_THAT(run.errors, HasSubstr("machine.xml: cannot be opened; expected the right to read it\nhint: "));
 }
 
 class SystemWithoutEngine : public testing::TestWithParam<const wchar_t*> {};

@@ -6,13 +6,13 @@
 #include "ActiveFeatures.h"
 #include "Failure.h"
 #include "Identities.h"
-#include "LoadedModule.h"
 #include "PolicyJson.h"
 #include "ReportPage.h"
 #include "Steps.h"
 #include "ToolProcess.h"
 #include "emulator/ControlExports.h"
 #include "support/EngineKeys.h"
+#include "windows/LoadedModule.h"
 
 namespace {
 

@@ -2,14 +2,11 @@
 // shellapi.h needs windows.h.
 #include <shellapi.h>
 
-#include <exception>
-#include <iostream>
 #include <memory>
 #include <string>
 #include <vector>
 
-#include "CommandLine.h"
-#include "RunPlan.h"
+#include "Program.h"
 #include "Text.h"
 
 namespace {
@@ -41,29 +38,9 @@ std::vector<std::string> Arguments() {
   return arguments;
 }
 
-int Run(const std::vector<std::string>& arguments) {
-  try {
-    const Plan plan = ParseCommandLine(arguments);
-    if (!plan.information.empty()) {
-      std::cout << plan.information;
-      return 0;
-    }
-    return RunPlan(plan);
-  } catch (const UsageError& error) {
-    return RefuseCommandLine(error, AsksForJson(arguments));
-  }
-}
-
 }  // namespace
 
 int main() {
-  // Else each piece of a line is written to a console by itself.
-  std::ios::sync_with_stdio(false);
   const Utf8Console console;
-  try {
-    return Run(Arguments());
-  } catch (const std::exception& error) {
-    std::cerr << "error: " << error.what() << "\n";
-    return 1;
-  }
+  return RunProgram(Arguments());
 }

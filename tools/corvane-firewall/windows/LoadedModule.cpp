@@ -1,4 +1,4 @@
-#include "LoadedModule.h"
+#include "windows/LoadedModule.h"
 
 #include "Failure.h"
 #include "Text.h"
@@ -20,7 +20,7 @@ ModuleHandle LoadModule(const std::filesystem::path& path) {
   if (module == nullptr) {
     const DWORD code = GetLastError();
     throw Failure(
-        "Cannot load " + ToUtf8(path.native()) + ": " + CodeName(code),
+        "Cannot load " + PathToUtf8(path) + ": " + CodeName(code),
         "Put the file there: the program, Corvane.Native.Firewall.dll and the folder emulator belong "
         "together.");
   }
@@ -30,7 +30,7 @@ ModuleHandle LoadModule(const std::filesystem::path& path) {
 void* FindAddress(HMODULE module, const char* function) {
   const FARPROC address = GetProcAddress(module, function);
   if (address == nullptr) {
-    throw Failure(ToUtf8(ModulePath(module).native()) + " lacks the function " + function,
+    throw Failure(PathToUtf8(ModulePath(module)) + " lacks the function " + function,
                   "It is of another version, or not what its name says.");
   }
   return reinterpret_cast<void*>(address);

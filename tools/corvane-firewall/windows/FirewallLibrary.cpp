@@ -1,6 +1,7 @@
-#include "FirewallLibrary.h"
+#include "windows/FirewallLibrary.h"
 
 #include "Identities.h"
+#include "helpers/NetworkInfoException.h"
 
 namespace {
 
@@ -26,6 +27,16 @@ std::vector<const wchar_t*> Pointers(const std::vector<std::wstring>& texts) {
     pointers.push_back(text.c_str());
   }
   return pointers;
+}
+
+/// Runs a command that searches the adapters. @throws Failure when they cannot be listed.
+template <class Command>
+std::uint64_t SearchAdapters(const Command& command) {
+  try {
+    return command();
+  } catch (const WfpFirewall::Helpers::NetworkInfoException& error) {
+    throw Failure(static_cast<std::uint32_t>(error.GetErrorCode()), error.what());
+  }
 }
 
 }  // namespace
@@ -82,10 +93,11 @@ void FirewallLibrary::DisableInternet(const std::vector<std::wstring>& apps,
 
 void FirewallLibrary::EnableLeakProtection(const LeakProtectionRequest& request, LogCallback log) const {
   const std::vector<const wchar_t*> interfacePointers = Pointers(request.interfaceNames);
-  const std::uint64_t result =
-      enableLeakProtection_(request.server.c_str(), log, interfacePointers.data(),
-                            static_cast<std::uint32_t>(interfacePointers.size()), request.luid,
-                            request.permittedAddresses.data(), request.permittedAddresses.size());
+  const std::uint64_t result = SearchAdapters([&] {
+    return enableLeakProtection_(request.server.c_str(), log, interfacePointers.data(),
+                                 static_cast<std::uint32_t>(interfacePointers.size()), request.luid,
+                                 request.permittedAddresses.data(), request.permittedAddresses.size());
+  });
   if (result != 0) {
     throw Failure(result, "Leak protection cannot be installed");
   }
@@ -95,8 +107,10 @@ void FirewallLibrary::EnableSkein(const std::vector<std::wstring>& interfaceName
                                   std::uint64_t interfaceLuid, const std::vector<std::uint32_t>& peers,
                                   LogCallback log) const {
   const std::vector<const wchar_t*> interfacePointers = Pointers(interfaceNames);
-  Check(enableSkein_(log, interfacePointers.data(), static_cast<std::uint32_t>(interfacePointers.size()),
-                     interfaceLuid, peers.data(), peers.size()));
+  Check(SearchAdapters([&] {
+    return enableSkein_(log, interfacePointers.data(), static_cast<std::uint32_t>(interfacePointers.size()),
+                        interfaceLuid, peers.data(), peers.size());
+  }));
 }
 
 void FirewallLibrary::Check(std::uint64_t result) const {

@@ -1,0 +1,3 @@
+#include "Adapters.h"
+
+std::vector<ListedAdapter> ListAdapters() { return {}; }

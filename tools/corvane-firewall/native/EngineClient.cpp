@@ -1,0 +1,11 @@
+#include "EngineClient.h"
+
+Policy::EngineCalls FindPolicyCalls() { return Policy::LinkedEngine(); }
+
+Replay::EngineCalls FindObjectCalls() { return Replay::LinkedEngine(); }
+
+ApplicationCalls FindApplicationCalls() { return {&::FwpmGetAppIdFromFileName0, &::FwpmFreeMemory0}; }
+
+EmulatorControl FindEmulatorControl() {
+  return {&::EngineEmulatorSetRule, &::EngineEmulatorLastRefusal, &::EngineEmulatorPretendFileExists};
+}

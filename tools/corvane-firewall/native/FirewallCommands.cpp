@@ -1,0 +1,3 @@
+#include "FirewallCommands.h"
+
+std::unique_ptr<FirewallCommands> LoadFirewall(Engine, const std::wstring&) { return nullptr; }

@@ -1,0 +1,3 @@
+#include "CheckPlatform.h"
+
+void CheckPlatform(const Plan&) {}

@@ -1,0 +1,50 @@
+#include "EngineClient.h"
+
+#include "windows/LoadedModule.h"
+
+namespace {
+
+template <class Function>
+void Find(Function& found, const char* function) {
+  found = FindFunction<Function>(GetModuleHandleW(L"fwpuclnt.dll"), function);
+}
+
+}  // namespace
+
+Policy::EngineCalls FindPolicyCalls() {
+  Policy::EngineCalls calls{};
+  Find(calls.FwpmEngineOpen0, "FwpmEngineOpen0");
+  Find(calls.FwpmEngineClose0, "FwpmEngineClose0");
+  Find(calls.FwpmTransactionBegin0, "FwpmTransactionBegin0");
+  Find(calls.FwpmTransactionAbort0, "FwpmTransactionAbort0");
+  Find(calls.FwpmProviderCreateEnumHandle0, "FwpmProviderCreateEnumHandle0");
+  Find(calls.FwpmProviderEnum0, "FwpmProviderEnum0");
+  Find(calls.FwpmProviderDestroyEnumHandle0, "FwpmProviderDestroyEnumHandle0");
+  Find(calls.FwpmSubLayerCreateEnumHandle0, "FwpmSubLayerCreateEnumHandle0");
+  Find(calls.FwpmSubLayerEnum0, "FwpmSubLayerEnum0");
+  Find(calls.FwpmSubLayerDestroyEnumHandle0, "FwpmSubLayerDestroyEnumHandle0");
+  Find(calls.FwpmFilterCreateEnumHandle0, "FwpmFilterCreateEnumHandle0");
+  Find(calls.FwpmFilterEnum0, "FwpmFilterEnum0");
+  Find(calls.FwpmFilterDestroyEnumHandle0, "FwpmFilterDestroyEnumHandle0");
+  Find(calls.FwpmFreeMemory0, "FwpmFreeMemory0");
+  return calls;
+}
+
+Replay::EngineCalls FindObjectCalls() {
+  return Replay::FindEngineCalls([](auto& function, const char* name) { Find(function, name); });
+}
+
+ApplicationCalls FindApplicationCalls() {
+  ApplicationCalls calls{};
+  Find(calls.FwpmGetAppIdFromFileName0, "FwpmGetAppIdFromFileName0");
+  Find(calls.FwpmFreeMemory0, "FwpmFreeMemory0");
+  return calls;
+}
+
+EmulatorControl FindEmulatorControl() {
+  EmulatorControl control{};
+  Find(control.setRule, "EngineEmulatorSetRule");
+  Find(control.lastRefusal, "EngineEmulatorLastRefusal");
+  Find(control.pretendFileExists, "EngineEmulatorPretendFileExists");
+  return control;
+}
