@@ -7,7 +7,7 @@ cd "$root"
 install_packages libbenchmark-dev
 
 step "Build"
-cmake --preset native-release >/dev/null
+cmake --preset native-release -DCORVANE_BENCHMARKS=ON >/dev/null
 cmake --build --preset native-release --target benchmarks
 
 if [ $# -gt 0 ]; then programs=("$@"); else mapfile -t programs < <(cd build/native-release/bin && ls *_benchmark); fi

@@ -1,6 +1,6 @@
 #!/bin/bash
 # Sets up, builds the library, and shows on the emulated engine how it cuts a machine off the network and keeps its
-# traffic in a tunnel.
+# traffic in a tunnel. Then reads what the engine holds without Windows.
 set -eu
 . "$(dirname "$0")/common.sh"
 cd "$root"
@@ -35,6 +35,14 @@ mkdir -p build/demo
 run_tool --dns-app 'C:\windows\system32\svchost.exe' --block-app 'C:\unwanted.exe' \
   disable-internet --app 'C:\windows\system32\notepad.exe' enable-dhcp "${enable[@]}" --allow 203.0.113.1 \
   enable-skein --luid 1689399632855041 --peer 100.64.0.1 \
-  explain --remote 1.1.1.1:443 report build/demo/report.html
+  explain --remote 1.1.1.1:443 report build/demo/report.html export build/demo/machine.xml
 echo
 echo "The page is build/demo/report.html: open it in a browser."
+
+step "Build the tool for this system, and ask it about that machine from its dump alone"
+cmake --preset native-release >/dev/null
+cmake --build --preset native-release --target corvane_firewall_tool
+question=(--engine build/demo/machine.xml explain --remote 1.1.1.1:53 --protocol udp)
+echo "corvane-firewall ${question[*]}"
+echo
+build/native-release/bin/corvane-firewall "${question[@]}"
