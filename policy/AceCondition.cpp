@@ -129,21 +129,25 @@ Truths Equal(const AttributeValue& value, const Literal& literal) {
   return other == nullptr ? kAnyTruth : EqualTexts(std::get<std::u16string>(value), *other);
 }
 
+/// Whether a text is one of an attribute's strings that are not known.
+Truths IsAmongOthers(const std::u16string& text, const Token& token) {
+  return IsPackageFamilyName(text) ? token.IsOfFamily(text) : kTrueOrFalse;
+}
+
 /// Whether an attribute that a token has holds a value.
-Truths HasValue(const TokenAttribute& attribute, const Literal& literal) {
+Truths HasValue(const TokenAttribute& attribute, const Literal& literal, const Token& token) {
   const auto* text = std::get_if<std::u16string>(&literal);
-  const bool mayBeAmongOthers = !attribute.isWhole && text != nullptr && !IsPackageFamilyName(*text);
-  Truths holds = mayBeAmongOthers ? kTrueOrFalse : Truths(false);
+  Truths holds = attribute.isWhole || text == nullptr ? Truths(false) : IsAmongOthers(*text, token);
   for (const AttributeValue& value : *attribute.values) {
     holds = Or(holds, Equal(value, literal));
   }
   return holds;
 }
 
-Truths HasValues(const TokenAttribute& attribute, const Literals& literals, bool all) {
+Truths HasValues(const TokenAttribute& attribute, const Literals& literals, const Token& token, bool all) {
   Truths holds = all;
   for (const Literal& literal : literals.values) {
-    const Truths has = HasValue(attribute, literal);
+    const Truths has = HasValue(attribute, literal, token);
     holds = all ? And(holds, has) : Or(holds, has);
   }
   return literals.values.empty() ? kAnyTruth : holds;
@@ -176,18 +180,18 @@ Truths Compare(UINT8 token, const TokenAttribute& attribute, const Literals& lit
   }
 }
 
-Truths Relate(UINT8 token, const TokenAttribute& attribute, const Literals& literals) {
-  switch (token) {
+Truths Relate(UINT8 relation, const TokenAttribute& attribute, const Literals& literals, const Token& token) {
+  switch (relation) {
     case kContains:
-      return HasValues(attribute, literals, true);
+      return HasValues(attribute, literals, token, true);
     case kNotContains:
-      return Not(HasValues(attribute, literals, true));
+      return Not(HasValues(attribute, literals, token, true));
     case kAnyOf:
-      return HasValues(attribute, literals, false);
+      return HasValues(attribute, literals, token, false);
     case kNotAnyOf:
-      return Not(HasValues(attribute, literals, false));
+      return Not(HasValues(attribute, literals, token, false));
     default:
-      return Compare(token, attribute, literals);
+      return Compare(relation, attribute, literals);
   }
 }
 
@@ -263,7 +267,8 @@ class Evaluation {
 
   Truths Exists() {
     const auto attribute = Pop<Attribute>();
-    return attribute.found == nullptr ? kTrueOrFalse : Truths(!attribute.IsMissing());
+    const bool isKnown = attribute.found != nullptr && attribute.found->isCertain;
+    return isKnown ? Truths(!attribute.IsMissing()) : kTrueOrFalse;
   }
 
   Truths Relation(UINT8 token) {
@@ -283,7 +288,11 @@ class Evaluation {
     if (literals == nullptr) {
       return std::get<Attribute>(right).IsMissing() ? Truths(Truth::Unknown) : kAnyTruth;
     }
-    return left.found == nullptr ? kAnyTruth : Relate(token, *left.found, *literals);
+    if (left.found == nullptr) {
+      return kAnyTruth;
+    }
+    const Truths truths = Relate(token, *left.found, *literals, scope_.token);
+    return left.found->isCertain ? truths : Either(truths, Truth::Unknown);
   }
 
   Truths MemberOf(const MembershipOperator& membership) {

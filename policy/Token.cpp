@@ -66,6 +66,11 @@ TokenAttribute NotPackaged() {
   return {AttributeOwner::Token, std::u16string(kPackageAttribute), std::nullopt};
 }
 
+TokenAttribute PerhapsPackaged() {
+  return {AttributeOwner::Token, std::u16string(kPackageAttribute), std::vector<AttributeValue>(), false,
+          false};
+}
+
 bool IsAttribute(const TokenAttribute& attribute, AttributeOwner owner, std::u16string_view name) {
   return attribute.owner == owner && EqualTexts(attribute.name, name) == true;
 }
@@ -131,6 +136,20 @@ Truths Token::Counts(const Sid& sid, bool isDenied) const {
   return isOpen ? kTrueOrFalse : Truths(false);
 }
 
+Truths Token::IsOfFamily(std::u16string_view familyName) const {
+  if (!appContainer) {
+    return false;
+  }
+  std::string name;
+  for (const char16_t unit : familyName) {
+    if (unit >= 0x80) {
+      return kTrueOrFalse;
+    }
+    name += static_cast<char>(unit);
+  }
+  return PackageSid(name) == appContainer->package;
+}
+
 const TokenAttribute* Token::FindAttribute(AttributeOwner owner, std::u16string_view name) const {
   const auto found = std::ranges::find_if(
       attributes, [&](const TokenAttribute& attribute) { return IsAttribute(attribute, owner, name); });
@@ -170,6 +189,7 @@ Token ServiceProgram(const Sid& service, std::optional<ServiceAccount> account) 
 Token AppContainerProgram(AppContainer appContainer, std::optional<Sid> user) {
   Token token = TokenOfUser(std::move(user), kLowIntegrity);
   token.appContainer = std::move(appContainer);
+  token.attributes.push_back(PerhapsPackaged());
   return token;
 }
 

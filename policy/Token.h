@@ -55,8 +55,9 @@ struct TokenAttribute {
   std::u16string name;
   /// Nothing: the token is known not to have it.
   std::optional<std::vector<AttributeValue>> values;
-  /// False: it may have more strings, but none that has the form of a package's family name.
+  /// False: it may have more strings. Among them is no package's family name but that of the app container's.
   bool isWhole = true;
+  bool isCertain = true;  ///< false: perhaps the token does not have it
 };
 
 /// A token, as far as it is known.
@@ -73,6 +74,8 @@ struct Token {
   /// Whether the user or a group counts for an entry that names it.
   /// @param isDenied whether the entry denies; groups that are for denying alone count then.
   [[nodiscard]] Truths Counts(const Sid& sid, bool isDenied) const;
+  /// Whether it is one of an app container that belongs to the package with this family name.
+  [[nodiscard]] Truths IsOfFamily(std::u16string_view familyName) const;
   /// Nothing if it is not known whether the token has it.
   [[nodiscard]] const TokenAttribute* FindAttribute(AttributeOwner owner, std::u16string_view name) const;
 };

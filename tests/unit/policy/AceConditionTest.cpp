@@ -152,6 +152,21 @@ constexpr ConditionCase kPackages[]{
 };
 TEST(AceCondition, KnowsThePackageByItsFamilyName) { ExpectAll(kPackages, PackagedAlice()); }
 
+TEST(AceCondition, TellsAnAppContainersFamilyByItsSid) {
+  constexpr ConditionCase kCases[]{
+      // There are app containers of programs that are not packaged.
+      {"(WIN://SYSAPPID Contains \"example.app_0123456789ABC\")", Unknown, Denied},
+      {"(WIN://SYSAPPID Contains \"Example.Other_0123456789abc\")", Denied, Unknown},
+      Open("(WIN://SYSAPPID Contains \"\u00C4.App_0123456789abc\")"),
+      Open("(WIN://SYSAPPID Contains \"App\")"),
+      Open("(exists WIN://SYSAPPID)"),
+  };
+  Token token = Policy::AppContainerProgram({Policy::PackageSid("Example.App_0123456789abc").value(), {}});
+  // So that everybody is allowed to the package as well.
+  token.appContainer->capabilities.push_back(Named("S-1-1-0"));
+  ExpectAll(kCases, token);
+}
+
 TEST(AceCondition, IsUnknownOfAPackageForAProgramThatIsNotPackaged) {
   constexpr ConditionCase kCases[]{
       NoValue("(WIN://SYSAPPID Contains \"Example.App_0123456789abc\")"),
