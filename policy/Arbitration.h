@@ -4,6 +4,7 @@
  */
 #pragma once
 
+#include <array>
 #include <optional>
 #include <vector>
 
@@ -28,14 +29,14 @@ struct StrengthRange {
   Strength least = Strength::Pass;
   Strength most = Strength::Pass;
 
-  void Include(const StrengthRange& other);
+  void Include(Strength strength);
   bool operator==(const StrengthRange&) const = default;
 };
 
-/// The filters of one layer that decide: permits, blocks and callouts, which may do either. Each has a
-/// number. They are numbered sublayer by sublayer in the order of their turn; in a sublayer the heaviest
-/// reported weight comes first, and for equal weights the lowest id. A set of filters is a set of bits by
-/// these numbers.
+/// The filters of one layer that decide: permits, blocks, and callouts that may do either. Each has a number.
+/// They are numbered sublayer by sublayer in the order of their turn; in a sublayer the heaviest comes first,
+/// and of those that weigh the same, which make a run, the newest. A set of filters is a set of bits by these
+/// numbers.
 class Arbitration {
  public:
   /// The filters of a sublayer: the numbers from `begin` to before `end`.
@@ -54,52 +55,53 @@ class Arbitration {
   /// Whether a callout decides in place of a filter.
   static bool IsCallout(const Filter& filter);
 
-  /// The action where exactly these filters match and no assumption about their order matters; none where
-  /// one does. For filters without callouts.
+  /// The action where exactly these filters match and no assumption makes a difference; none where one does.
   [[nodiscard]] std::optional<Action> DecideSurely(const BitWord* matching) const;
 
-  /// The actions in the worlds that read the engine's order in all possible ways.
+  /// The actions in the worlds that read the engine's order, and callouts, in all possible ways.
   /// @param sure the filters that match; @param perhaps these, and those that perhaps match.
   /// @param worlds those in which these filters match; the verdict is set for them.
   void Decide(const BitWord* sure, const BitWord* perhaps, const WorldSet& worlds, Verdict& verdict) const;
 
-  /// One world for each way to read the order of a sublayer's filters.
+  /// One world for each way to choose the one of a sublayer's filters that decides.
   static std::vector<World> FilterOrders();
   /// The filter of a slot that decides in a world; none if none matches.
   [[nodiscard]] std::optional<std::size_t> Deciding(const Slot& slot, const BitWord* sure, World world) const;
-  /// Whether no filter that matches comes before one of its slot in a world.
-  [[nodiscard]] bool IsUndominated(std::size_t filter, const BitWord* sure, World world) const;
-  /// Whether two filters of a slot weigh the same in a world.
-  [[nodiscard]] bool AreTied(std::size_t filter, std::size_t other, World world) const;
+  /// Whether one filter of a slot comes before another in a world.
+  [[nodiscard]] bool Precedes(std::size_t filter, std::size_t other, World world) const;
+  /// Whether two filters of a slot weigh the same.
+  [[nodiscard]] bool AreTied(std::size_t filter, std::size_t other) const {
+    return runEnds_[filter] == runEnds_[other];
+  }
 
-  [[nodiscard]] StrengthRange RangeOf(std::size_t filter) const { return ranges_[filter]; }
+  /// What a filter does in a world; none for a callout that lets the next filter decide.
+  static std::optional<Strength> StrengthOf(const Filter& filter, World world);
+  [[nodiscard]] std::optional<Strength> StrengthOf(std::size_t filter, World world) const {
+    return strengths_[filter][world.ReadingOf(Assumption::Callouts)];
+  }
+  /// Whether two filters do the same in every world.
+  [[nodiscard]] bool DoTheSame(std::size_t filter, std::size_t other) const {
+    return strengths_[filter] == strengths_[other];
+  }
   [[nodiscard]] StrengthRange Decide(const Slot& slot, const BitWord* sure, const BitWord* perhaps,
                                      World world) const;
 
  private:
+  using Strengths = std::array<std::optional<Strength>, 2>;  ///< by the reading of Assumption::Callouts
+
+  static Strengths StrengthsOf(const Filter& filter);
   void AddSlot(const Sublayer& sublayer, std::vector<const Filter*> filters);
-  void RankSlot(const Slot& slot);
-  [[nodiscard]] bool WinsTie(std::size_t filter, const Slot& slot, const BitWord* sure, World world) const;
-  [[nodiscard]] std::optional<Action> Combine(const std::vector<StrengthRange>& decisions, World world) const;
   [[nodiscard]] Action Combine(const std::vector<StrengthRange>& decisions, Strength StrengthRange::*end,
                                World world) const;
-  [[nodiscard]] const BitWord* Row(const std::vector<BitWord>& rows, std::size_t filter) const {
-    return rows.data() + filter * words_;
-  }
+  [[nodiscard]] std::optional<Action> Combine(const std::vector<StrengthRange>& decisions, World world) const;
 
   const Catalog::Layer* layer_;
+  bool isFlow_;
   std::size_t words_ = 0;
   std::vector<const Filter*> filters_;
-  std::vector<StrengthRange> ranges_;
+  std::vector<Strengths> strengths_;
+  std::vector<std::size_t> runEnds_;  ///< where a filter's run ends
   std::vector<Slot> slots_;
-  std::vector<std::size_t> reportedTies_;  ///< the same number for filters that tie
-  std::vector<std::size_t> knownTies_;
-  // A row for each filter, a set of filters of its slot: those that come before it by the weights that the
-  // engine reports, those that come before it by what is known of weights, and its rivals, which do something
-  // else and do not surely come after it.
-  std::vector<BitWord> outrankedAsReported_;
-  std::vector<BitWord> outrankedAsKnown_;
-  std::vector<BitWord> rivals_;
 };
 
 }  // namespace Policy

@@ -8,15 +8,9 @@ namespace {
 
 using Reading = AssumptionText::Reading;
 
-constexpr Reading kFilterTies[]{{"block-first", "a filter that blocks decides"},
+constexpr Reading kFilterTies[]{{"newest-first", "the filter with the highest id decides"},
+                                {"block-first", "a filter that blocks decides"},
                                 {"permit-first", "a filter that permits decides"}};
-constexpr Reading kAutomaticWeights[]{
-    {"as-reported", "the weights that this engine reports decide"},
-    {"block-first", "a filter that blocks decides"},
-    {"permit-first", "a filter that permits decides"},
-};
-constexpr Reading kSublayerTies[]{{"block-first", "a sublayer that blocks comes first"},
-                                  {"permit-first", "a sublayer with a hard permit comes first"}};
 constexpr Reading kSeveralNegations[]{{"any-holds", "one negation that holds is enough"},
                                       {"all-hold", "all negations must hold"}};
 constexpr Reading kUnsetFields[]{{"no-match", "neither holds"},
@@ -25,21 +19,23 @@ constexpr Reading kStaticBlocks[]{{"permit-stands", "the hard permit stands"},
                                   {"block-overrides", "the block overrides it"}};
 constexpr Reading kLoopbackBits[]{{"alone", "the flag reaches filters alone"},
                                   {"accompanied", "IS_NON_APPCONTAINER_LOOPBACK is set beside it"}};
+constexpr Reading kFlowBlocks[]{{"honoured", "the connection ends"}, {"ignored", "the connection goes on"}};
+constexpr Reading kCallouts[]{{"pass", "they let the connection pass"}, {"block", "they block it for good"}};
 
 constexpr std::array<AssumptionText, kAssumptionCount> kTexts{{
     {"filter-ties", "Which of the matching filters of a sublayer decides when they weigh the same?",
      kFilterTies},
-    {"automatic-weights",
-     "Which of the matching filters decides when the engine chose their weights by a rule that is not "
-     "documented?",
-     kAutomaticWeights},
-    {"sublayer-ties", "Which of the sublayers comes first when they weigh the same?", kSublayerTies},
     {"several-negations", "Must all of several negations on one field hold, or is one enough?",
      kSeveralNegations},
     {"unset-fields", "Does a negation or a test of flags hold of a field that has no value?", kUnsetFields},
     {"static-block-below-hard-permit",
      "Does a block without a callout override a hard permit of a higher sublayer?", kStaticBlocks},
-    {"loopback-bits", "Do other flags ride beside the loopback flag?", kLoopbackBits},
+    {"loopback-bits",
+     "At ALE_AUTH_CONNECT and ALE_FLOW_ESTABLISHED, do other flags ride beside the loopback flag?",
+     kLoopbackBits},
+    {"flow-established-blocks", "What does a block at ALE_FLOW_ESTABLISHED do to the connection?",
+     kFlowBlocks},
+    {"callouts", "What do drivers do whose callouts decide in place of filters?", kCallouts},
 }};
 
 /// How far apart the indexes of worlds are that differ in one assumption.

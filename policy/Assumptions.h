@@ -20,36 +20,38 @@ namespace Policy {
 /// AssumptionText has their meaning.
 enum class Assumption {
   FilterTies,
-  AutomaticWeights,
-  SublayerTies,
   SeveralNegations,
   UnsetFields,
   StaticBlocks,
   LoopbackBits,
+  FlowBlocks,
+  Callouts,
 };
 inline constexpr std::size_t kAssumptionCount = 7;
 
 // The readings, by number.
-/// FilterTies: which of the matching filters of one sublayer that weigh the same decides. SublayerTies: which
-/// of the sublayers that weigh the same comes first. Both also for AutomaticWeights, where the first reading
-/// is the order of the weights that the engine reports and the others stand for an unknown order.
-enum class TieReading : std::size_t { BlockFirst, PermitFirst };
-enum class WeightReading : std::size_t { AsReported, BlockFirst, PermitFirst };
+/// Which of the matching filters of one sublayer that weigh the same decides: the one with the highest id, or
+/// the one that blocks, or permits, most.
+enum class TieReading : std::size_t { NewestFirst, BlockFirst, PermitFirst };
 /// Whether of several negations on one field one is enough, or all must hold.
 enum class NegationReading : std::size_t { AnyHolds, AllHold };
 /// Whether a negation holds of a field without a value; a test of flags then sees no flag set.
 enum class UnsetReading : std::size_t { NoMatch, Match };
 /// Whether a static block takes a connection from a hard permit of a higher sublayer.
 enum class StaticBlockReading : std::size_t { PermitStands, BlockOverrides };
-/// Whether a word of flags that is the loopback flag alone reaches filters so, or with
-/// IS_NON_APPCONTAINER_LOOPBACK beside it.
+/// Whether at ALE_AUTH_CONNECT and ALE_FLOW_ESTABLISHED the loopback flag reaches filters without a
+/// companion, or with IS_NON_APPCONTAINER_LOOPBACK beside it. At ALE_AUTH_RECV_ACCEPT it always has one.
 enum class LoopbackReading : std::size_t { Alone, Accompanied };
+/// Whether a block at ALE_FLOW_ESTABLISHED ends the connection.
+enum class FlowBlockReading : std::size_t { Honoured, Ignored };
+/// What drivers do whose callouts decide in place of filters: let everything pass, or block it for good.
+enum class CalloutReading : std::size_t { Pass, Block };
 
 /// An assumption in words.
 struct AssumptionText {
   struct Reading {
     std::string_view name;     ///< "block-first"
-    std::string_view meaning;  ///< "of filters that weigh the same, one that blocks decides"
+    std::string_view meaning;  ///< "a filter that blocks decides"
   };
   std::string_view name;  ///< "filter-ties"
   std::string_view question;

@@ -35,16 +35,20 @@ void AddBystanders(const Arbitration& layer, const Arbitration::Slot& slot, Sect
   const auto deciding = layer.Deciding(slot, matching.sure, world);
   ForEachBit(matching.perhaps, slot.begin, slot.end, [&](std::size_t filter) {
     const Filter* bystander = layer.Filters()[filter];
-    if (!HasBit(matching.sure, filter)) {
+    if (!HasBit(matching.sure, filter) || !layer.StrengthOf(filter, world)) {
       trace.unjudged.push_back(bystander);
     } else if (filter != deciding) {
       trace.outranked.push_back(bystander);
     }
   });
-  trace.deciding = deciding ? layer.Filters()[*deciding] : nullptr;
+  if (deciding) {
+    trace.deciding = layer.Filters()[*deciding];
+    trace.strength = *layer.StrengthOf(*deciding, world);
+  }
 }
 
-bool Blocks(const SublayerTrace& trace) { return trace.deciding->action == FWP_ACTION_BLOCK; }
+bool Blocks(Strength strength) { return strength <= Strength::Block; }
+bool IsFinal(Strength strength) { return strength != Strength::Pass; }
 
 /// What would become of a layer and of a sublayer if one more filter matched.
 class OneMore {
@@ -74,7 +78,8 @@ class OneMore {
 
  private:
   [[nodiscard]] bool IsBlock(std::size_t filter) const {
-    return layer_.RangeOf(filter).least == Strength::Block;
+    const auto strength = layer_.StrengthOf(filter, world_);
+    return strength && Blocks(*strength);
   }
 
   [[nodiscard]] std::optional<Action> LayerAction() const {
@@ -93,10 +98,11 @@ class OneMore {
 };
 
 void AddNearMisses(const Arbitration& layer, const std::vector<Section::NearMatch>& nearMatches,
-                   OneMore& oneMore, const Arbitration::Slot& slot, SublayerTrace& trace) {
+                   OneMore& oneMore, const Arbitration::Slot& slot, World world, SublayerTrace& trace) {
   for (const auto& [filter, field] : nearMatches) {
     if (filter >= slot.begin && filter < slot.end && oneMore.TurnsWith(filter, slot)) {
-      trace.nearMisses.push_back({layer.Filters()[filter], field});
+      const bool blocks = Blocks(*layer.StrengthOf(filter, world));
+      trace.nearMisses.push_back({layer.Filters()[filter], field, blocks ? Action::Block : Action::Permit});
     }
   }
 }
@@ -109,39 +115,26 @@ void AddEffects(std::vector<SublayerTrace>& traces, World world) {
     if (trace->deciding == nullptr) {
       continue;
     }
-    const bool overridesHard = hard != nullptr && !Blocks(*hard) && Blocks(*trace) && blockOverrides;
+    const bool blocks = Blocks(trace->strength);
+    const bool overridesHard =
+        hard != nullptr && hard->strength == Strength::Hard &&
+        (trace->strength == Strength::Veto || (trace->strength == Strength::Block && blockOverrides));
     if (hard != nullptr && !overridesHard) {
       // Agreeing with what has been decided changes nothing.
-      trace->effect =
-          Blocks(*trace) == Blocks(*hard) ? SublayerTrace::Effect::Stands : SublayerTrace::Effect::Ignored;
-      trace->by = Blocks(*trace) == Blocks(*hard) ? nullptr : hard->sublayer;
+      const bool agrees = blocks == Blocks(hard->strength);
+      trace->effect = agrees ? SublayerTrace::Effect::Stands : SublayerTrace::Effect::Ignored;
+      trace->by = agrees ? nullptr : hard->sublayer;
       continue;
     }
     trace->effect = SublayerTrace::Effect::Stands;
-    for (auto earlier = traces.begin(); earlier != trace && Blocks(*trace); ++earlier) {
+    for (auto earlier = traces.begin(); earlier != trace && blocks; ++earlier) {
       if (earlier->effect == SublayerTrace::Effect::Stands) {
         earlier->effect = SublayerTrace::Effect::Overridden;
         earlier->by = trace->sublayer;
       }
     }
-    hard = trace->deciding->IsHard() ? &*trace : nullptr;
+    hard = IsFinal(trace->strength) ? &*trace : nullptr;
   }
-}
-
-/// Sorts sublayers by their turn; of equally heavy ones the world's reading decides which is first.
-void SortTies(std::vector<SublayerTrace>& traces, World world) {
-  const bool blockFirst = world.Reads(Assumption::SublayerTies, TieReading::BlockFirst);
-  const auto rank = [blockFirst](const SublayerTrace& trace) {
-    if (trace.deciding == nullptr) {
-      return 2;
-    }
-    const bool comesFirst = blockFirst ? Blocks(trace) : !Blocks(trace) && trace.deciding->IsHard();
-    return comesFirst ? 0 : 1;
-  };
-  std::ranges::stable_sort(traces, [&](const SublayerTrace& left, const SublayerTrace& right) {
-    return left.sublayer->weight != right.sublayer->weight ? left.sublayer->weight > right.sublayer->weight
-                                                           : rank(left) < rank(right);
-  });
 }
 
 }  // namespace
@@ -180,10 +173,9 @@ Explanation Decider::Explain(const Connection& connection, World world) const {
       SublayerTrace ofSlot;
       ofSlot.sublayer = slot.sublayer;
       AddBystanders(layer, slot, matching, world, ofSlot);
-      AddNearMisses(layer, nearMatches, oneMore, slot, ofSlot);
+      AddNearMisses(layer, nearMatches, oneMore, slot, world, ofSlot);
       trace.sublayers.push_back(std::move(ofSlot));
     }
-    SortTies(trace.sublayers, world);
     AddEffects(trace.sublayers, world);
     explanation.layers.push_back(std::move(trace));
   }

@@ -8,6 +8,7 @@
 #include <string>
 #include <vector>
 
+#include "policy/Arbitration.h"
 #include "policy/Connection.h"
 #include "policy/Snapshot.h"
 #include "policy/Verdict.h"
@@ -19,6 +20,7 @@ namespace Policy {
 struct NearMiss {
   const Filter* filter;
   Field field;
+  Action action;  ///< what the filter would do
 };
 
 /// What a sublayer does to a connection, in one world.
@@ -32,9 +34,10 @@ struct SublayerTrace {
 
   const Sublayer* sublayer;
   const Filter* deciding = nullptr;      ///< the one of its filters that counts; null if none
+  Strength strength = Strength::Pass;    ///< what that filter does
   std::vector<const Filter*> outranked;  ///< matching filters that came too late, heaviest first
-  std::vector<const Filter*> unjudged;   ///< filters that perhaps match, or whose callout decides
-  std::vector<NearMiss> nearMisses;      ///< by field, heaviest first
+  std::vector<const Filter*> unjudged;  ///< filters that perhaps match, or whose callout lets the next decide
+  std::vector<NearMiss> nearMisses;     ///< by field, heaviest first
   Effect effect = Effect::None;
   const Sublayer* by = nullptr;  ///< the sublayer that overrides it, or because of which it is ignored
 };

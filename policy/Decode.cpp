@@ -251,7 +251,6 @@ Filter Decode(const FWPM_FILTER0& filter) {
           filter.flags,
           ToValue(filter.weight),
           ReportedWeight(filter),
-          filter.weight.type != FWP_UINT64,
           DecodeConditions(filter, Catalog::FindLayer(filter.layerKey))};
 }
 

@@ -19,9 +19,11 @@ std::string SublayerText(const Sublayer& sublayer) {
 }
 
 /// "hard permit of filter 12 "Name""
-std::string DecisionText(const Filter& filter) {
-  const std::string action = filter.action == FWP_ACTION_BLOCK ? "block" : "permit";
-  return (filter.IsHard() ? "hard " : "soft ") + action + " of " + Describe(filter);
+std::string DecisionText(const Filter& filter, World world) {
+  const Strength strength = Arbitration::StrengthOf(filter, world).value_or(Strength::Pass);
+  const std::string action = strength <= Strength::Block ? "block" : "permit";
+  const std::string whose = Arbitration::IsCallout(filter) ? " by the callout of " : " of ";
+  return (strength == Strength::Pass ? "soft " : "hard ") + action + whose + Describe(filter);
 }
 
 std::string ConditionsText(const Filter& filter) {
@@ -66,8 +68,8 @@ std::string FiltersText(const std::vector<const Filter*>& filters) {
 void AddNearMisses(const std::vector<NearMiss>& nearMisses, const Connection& connection,
                    const Labels& labels, std::string& text) {
   std::map<std::pair<bool, Field>, std::vector<const Filter*>> groups;
-  for (const auto& [filter, field] : nearMisses) {
-    groups[{filter->action == FWP_ACTION_BLOCK, field}].push_back(filter);
+  for (const auto& [filter, field, action] : nearMisses) {
+    groups[{action == Action::Block, field}].push_back(filter);
   }
   for (const auto& [kind, filters] : groups) {
     const auto [blocks, field] = kind;
@@ -77,21 +79,22 @@ void AddNearMisses(const std::vector<NearMiss>& nearMisses, const Connection& co
   }
 }
 
-void AddSublayer(const SublayerTrace& trace, std::string& text) {
+void AddSublayer(const SublayerTrace& trace, World world, std::string& text) {
   text += "    sublayer " + SublayerText(*trace.sublayer) + ": ";
   if (trace.deciding == nullptr) {
     text += "no filter matches\n";
   } else {
-    text += DecisionText(*trace.deciding) + EffectText(trace) + '\n';
+    text += DecisionText(*trace.deciding, world) + EffectText(trace) + '\n';
     text += "      matches " + ConditionsText(*trace.deciding) + '\n';
   }
   for (const Filter* outranked : trace.outranked) {
-    text += "      outranks the " + DecisionText(*outranked) + '\n';
+    text += "      outranks the " + DecisionText(*outranked, world) + '\n';
   }
   for (const Filter* unjudged : trace.unjudged) {
-    const bool isCallout = Arbitration::IsCallout(*unjudged);
-    text += "      only the engine can judge " + Describe(*unjudged) +
-            (isCallout ? ", whose callout decides\n" : " with " + ConditionsText(*unjudged) + '\n');
+    const bool letsPass = !Arbitration::StrengthOf(*unjudged, world);
+    text += letsPass ? "      the callout of " + Describe(*unjudged) + " lets the next filter decide\n"
+                     : "      only the engine can judge " + Describe(*unjudged) + " with " +
+                           ConditionsText(*unjudged) + '\n';
   }
 }
 
@@ -102,7 +105,7 @@ std::string Describe(const Explanation& explanation, const Labels& labels) {
   for (const LayerTrace& layer : explanation.layers) {
     text.append("  ").append(layer.layer->name).append(": ").append(Describe(layer.verdict)).append("\n");
     for (const SublayerTrace& sublayer : layer.sublayers) {
-      AddSublayer(sublayer, text);
+      AddSublayer(sublayer, explanation.world, text);
       AddNearMisses(sublayer.nearMisses, explanation.connection, labels, text);
     }
     const auto decides = [](const SublayerTrace& trace) { return trace.deciding != nullptr; };

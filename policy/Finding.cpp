@@ -5,10 +5,10 @@
 namespace Policy {
 namespace {
 
-constexpr std::array<std::string_view, 12> kNames{
-    "always-true",       "never-true",         "never-decides",     "tie-of-actions",
-    "tie-of-sublayers",  "flags-equality",     "overridden-permit", "flow-established",
-    "several-negations", "interleaved-fields", "refusable",         "unreadable"};
+constexpr std::array<std::string_view, 11> kNames{
+    "always-true",        "never-true",        "never-decides",    "tie-of-actions",
+    "flags-equality",     "overridden-permit", "flow-established", "several-negations",
+    "interleaved-fields", "refusable",         "unreadable"};
 
 }  // namespace
 

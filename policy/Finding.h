@@ -16,7 +16,6 @@ enum class FindingKind {
   NeverTrue,          ///< conditions that no connection meets
   NeverDecides,       ///< filters that always come too late
   TieOfActions,       ///< filters of equal weight that do different things to the same connections
-  TieOfSublayers,     ///< the same of sublayers
   FlagsEquality,      ///< EQUAL or NOT_EQUAL on a word of flags
   OverriddenPermit,   ///< a soft permit that a lower sublayer's block takes back
   FlowEstablished,    ///< a verdict where the connection has been authorised already

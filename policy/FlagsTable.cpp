@@ -6,8 +6,10 @@ namespace Policy {
 namespace {
 
 constexpr UINT32 kLoopback = FWP_CONDITION_FLAG_IS_LOOPBACK;
-constexpr UINT32 kAccompaniedLoopback =
-    FWP_CONDITION_FLAG_IS_LOOPBACK | FWP_CONDITION_FLAG_IS_NON_APPCONTAINER_LOOPBACK;
+constexpr UINT32 kCompanion = FWP_CONDITION_FLAG_IS_NON_APPCONTAINER_LOOPBACK;
+constexpr UINT32 kCompanions = FWP_CONDITION_FLAG_IS_APPCONTAINER_LOOPBACK | kCompanion;
+
+bool LacksCompanion(UINT32 word) { return (word & (kLoopback | kCompanions)) == kLoopback; }
 
 bool IsWord(const Test& test) { return test.kind == Test::Kind::InInterval; }
 
@@ -39,23 +41,37 @@ FlagsTable::FlagsTable(const StateLayout& layout, std::vector<TestGroup> groups)
   unset_ = InternUnset();
 }
 
+bool FlagsTable::DependsOnCompanion(const Test& test) {
+  if (test.TestsFlags()) {
+    return (WordOf(test) & kCompanion) != 0;
+  }
+  return IsWord(test) && (WordOf(test) & kLoopback) != 0;
+}
+
 void FlagsTable::FindTestedBits() {
   for (const TestGroup& group : Groups()) {
     for (const Test* test : group.tests) {
       testedBits_ |= test->TestsFlags() ? WordOf(*test) : 0;
     }
   }
+  if ((testedBits_ & kCompanion) != 0) {
+    testedBits_ |= kLoopback | kCompanions;
+  }
+}
+
+UINT32 FlagsTable::ShownWord(UINT32 word, const TestGroup& group, const Plane& plane) const {
+  const bool isAccompanied = plane.loopbackAccompanied || group.bit < Layout().acceptEnd;
+  return !group.isMark && isAccompanied && LacksCompanion(word) ? word | kCompanion : word;
 }
 
 std::size_t FlagsTable::InternWord(UINT32 word) {
   std::vector<BitWord> signature = EmptySignature();
   for (std::size_t group = 0; group < Groups().size(); ++group) {
-    const bool isMark = Groups()[group].isMark;
     for (std::size_t plane = 0; plane < Layout().planes.size(); ++plane) {
-      const bool isAccompanied = word == kLoopback && Layout().planes[plane].loopbackAccompanied && !isMark;
+      const UINT32 shown = ShownWord(word, Groups()[group], Layout().planes[plane]);
       Standing standing;
       for (const Test* test : Groups()[group].tests) {
-        const bool contains = Contains(*test, isAccompanied ? kAccompaniedLoopback : word);
+        const bool contains = Contains(*test, shown);
         (test->negated ? standing.failing : standing.positive) += contains ? 1 : 0;
       }
       Write(signature, group, standing, plane);
@@ -65,11 +81,14 @@ std::size_t FlagsTable::InternWord(UINT32 word) {
 }
 
 void FlagsTable::AddNamedWords() {
-  std::vector<UINT32> words{kLoopback, kAccompaniedLoopback};
+  std::vector<UINT32> words;
   for (const TestGroup& group : Groups()) {
     for (const Test* test : group.tests) {
       if (IsWord(*test)) {
         words.push_back(WordOf(*test));
+        // The word that becomes this one with its companion.
+        const UINT32 bare = WordOf(*test) & ~kCompanion;
+        words.push_back(LacksCompanion(bare) ? bare : WordOf(*test));
       }
     }
   }

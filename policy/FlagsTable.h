@@ -9,9 +9,15 @@
 namespace Policy {
 
 /// Words that a condition names, one by one, and all others by those of their bits that conditions test.
+///
+/// Live engines show filters at ALE_AUTH_RECV_ACCEPT the loopback flag always with a companion:
+/// IS_APPCONTAINER_LOOPBACK or IS_NON_APPCONTAINER_LOOPBACK. Of other layers this is an assumption.
 class FlagsTable : public FieldTable {
  public:
   FlagsTable(const StateLayout& layout, std::vector<TestGroup> groups);
+
+  /// Whether a test holds of other words if the loopback flag has a companion.
+  static bool DependsOnCompanion(const Test& test);
 
   [[nodiscard]] std::size_t SignatureOf(const Connection& connection) const override;
   [[nodiscard]] ValueClass Collect(const std::vector<bool>& signatures,
@@ -25,6 +31,8 @@ class FlagsTable : public FieldTable {
   };
 
   void FindTestedBits();
+  /// The word that filters are shown, of a plane and a group.
+  [[nodiscard]] UINT32 ShownWord(UINT32 word, const TestGroup& group, const Plane& plane) const;
   void AddNamedWords();
   void AddBitPatterns();
   [[nodiscard]] bool IsNamed(UINT32 word) const;

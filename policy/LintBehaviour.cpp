@@ -51,7 +51,6 @@ struct Seen {
   std::unordered_set<const Filter*> deciding;
   Spoiled outranked;  ///< by filters that decided in their place
   Spoiled tied;
-  Spoiled sublayerTied;
   Spoiled overridden;
 };
 
@@ -77,53 +76,50 @@ class LayerLint {
       seen_.deciding.insert(FilterAt(*deciding));
     }
     ForEachBit(matching_.perhaps, slot.begin, slot.end, [&](std::size_t filter) {
-      const bool isFirst = layer_.IsUndominated(filter, matching_.sure, order);
-      const bool isSure = HasBit(matching_.sure, filter);
-      if (!isSure && isFirst) {
-        seen_.deciding.insert(FilterAt(filter));
+      if (filter == deciding) {
         return;
       }
-      seen_.outranked.emplace(FilterAt(filter), FilterAt(*deciding));
-      if (isSure && isFirst && filter != *deciding && layer_.AreTied(filter, *deciding, order) &&
-          layer_.RangeOf(filter) != layer_.RangeOf(*deciding)) {
-        seen_.tied.emplace(FilterAt(std::min(filter, *deciding)), FilterAt(std::max(filter, *deciding)));
+      const bool isSure = HasBit(matching_.sure, filter);
+      if (!isSure && layer_.StrengthOf(filter, order) &&
+          (!deciding || layer_.Precedes(filter, *deciding, order))) {
+        seen_.deciding.insert(FilterAt(filter));
+      } else if (deciding) {
+        LookAtOutranked(filter, *deciding, isSure);
       }
     });
   }
 
-  /// In the order of the first readings: soft permits that a block takes back, and sublayers of equal weight
-  /// of which one blocks and the other permits for good.
+  void LookAtOutranked(std::size_t filter, std::size_t deciding, bool isSure) {
+    seen_.outranked.emplace(FilterAt(filter), FilterAt(deciding));
+    if (isSure && layer_.AreTied(filter, deciding) && !layer_.DoTheSame(filter, deciding)) {
+      const Filter* older = FilterAt(std::max(filter, deciding));  // of a run, the newest is first
+      const Filter* newer = FilterAt(std::min(filter, deciding));
+      seen_.tied.emplace(older, newer);
+    }
+  }
+
+  /// In the world of the first readings: soft permits that a block takes back.
   void LookAtSublayers() {
     std::vector<std::size_t> soft;
-    std::vector<std::size_t> hard;
     for (const Arbitration::Slot& slot : layer_.Slots()) {
       const auto deciding = layer_.Deciding(slot, matching_.sure, World());
       if (!deciding) {
         continue;
       }
-      const Strength strength = layer_.RangeOf(*deciding).least;
-      for (const std::size_t earlier : hard) {
-        if (layer_.RangeOf(earlier).least != strength && WeightOf(earlier) == slot.sublayer->weight) {
-          seen_.sublayerTied.emplace(FilterAt(earlier), FilterAt(*deciding));
-        }
+      if (layer_.StrengthOf(*deciding, World()) == Strength::Pass) {
+        soft.push_back(*deciding);
+        continue;
       }
-      for (const std::size_t permit : soft) {
-        if (strength == Strength::Block && hard.empty()) {
+      if (layer_.StrengthOf(*deciding, World()) == Strength::Block) {
+        for (const std::size_t permit : soft) {
           seen_.overridden.emplace(FilterAt(permit), FilterAt(*deciding));
         }
       }
-      if (hard.empty() || WeightOf(hard.front()) == slot.sublayer->weight) {
-        (strength == Strength::Pass ? soft : hard).push_back(*deciding);
-      }
+      return;
     }
   }
 
   [[nodiscard]] const Filter* FilterAt(std::size_t filter) const { return layer_.Filters()[filter]; }
-
-  [[nodiscard]] UINT16 WeightOf(std::size_t filter) const {
-    const auto holds = [filter](const Arbitration::Slot& slot) { return filter < slot.end; };
-    return std::ranges::find_if(layer_.Slots(), holds)->sublayer->weight;
-  }
 
   const Arbitration& layer_;
   Section::Matching matching_;
@@ -220,10 +216,6 @@ void LintBehaviour(const Snapshot& snapshot, std::vector<Finding>& findings) {
       "They weigh the same, do different things and match the same connections; which one decides is not "
       "documented.",
       "give the one that is meant to decide a greater weight", findings);
-  AddPairs(
-      FindingKind::TieOfSublayers, seen.sublayerTied,
-      "Their sublayers weigh the same; for connections that both match, which comes first is not documented.",
-      "give the sublayers different weights", findings);
   AddPairs(FindingKind::OverriddenPermit, seen.overridden,
            "The permit of the first is soft: the block of the second, in another sublayer, takes it back.",
            "give the permit the flag CLEAR_ACTION_RIGHT, or the block an exception", findings);

@@ -8,6 +8,7 @@
 
 #include "catalog/Keys.h"
 #include "policy/Certainty.h"
+#include "policy/FlagsTable.h"
 #include "policy/MakeFieldTable.h"
 #include "policy/ModelledField.h"
 
@@ -53,6 +54,9 @@ void Section::AddLayers(const Snapshot& snapshot) {
     layers_.emplace_back(snapshot, *Catalog::FindLayer(layer));
     layout_.filterWords += layers_.back().WordCount();
   }
+  if (key_.direction == Direction::Inbound) {
+    layout_.acceptEnd = layers_.front().WordCount() * kBitsPerWord;
+  }
 }
 
 std::size_t Section::BitOf(std::size_t layer, std::size_t filter) const {
@@ -69,7 +73,7 @@ void Section::AddGroups(const Filter& filter, std::size_t bit, GroupsByField& gr
     }
     AddTest(bit, *field, condition.test, groups);
   }
-  bool inDoubt = Arbitration::IsCallout(filter);
+  bool inDoubt = false;
   for (const auto& [field, conditions] : fixed) {
     const Certainty certainty = CertaintyOf(conditions, key_.direction);
     inDoubt = inDoubt || certainty == Certainty::InDoubt;
@@ -127,7 +131,10 @@ void Section::ChoosePlanes(const GroupsByField& groups) {
       const auto dependsOnUnset = [](const Test* test) { return DependsOnUnset(*test); };
       negations = std::ranges::count_if(group.tests, isNegated) > 1 ? 2 : negations;
       unset = std::ranges::any_of(group.tests, dependsOnUnset) ? 2 : unset;
-      loopback = static_cast<Field>(field) == Field::Flags ? 2 : loopback;
+      const auto dependsOnCompanion = [](const Test* test) { return FlagsTable::DependsOnCompanion(*test); };
+      if (static_cast<Field>(field) == Field::Flags && group.bit >= layout_.acceptEnd) {
+        loopback = std::ranges::any_of(group.tests, dependsOnCompanion) ? 2 : loopback;
+      }
       layout_.hasDoubt =
           layout_.hasDoubt || std::ranges::find(group.tests, &kUnreadableTest) != group.tests.end();
     }

@@ -2,6 +2,7 @@
 
 #include <algorithm>
 #include <memory>
+#include <set>
 
 #include "catalog/Format.h"
 #include "catalog/Names.h"
@@ -86,12 +87,24 @@ class ReadingSession {
 
 /// Adds the sublayers that filters name, but that the engine does not show.
 void AddUnlisted(Snapshot& snapshot) {
+  std::set<GUID, Catalog::KeyOrder> known;
+  for (const Sublayer& sublayer : snapshot.sublayers) {
+    known.insert(sublayer.key);
+  }
   for (const Filter& filter : snapshot.filters) {
-    if (std::ranges::find(snapshot.sublayers, filter.sublayerKey, &Sublayer::key) ==
-        snapshot.sublayers.end()) {
+    if (known.insert(filter.sublayerKey).second) {
       snapshot.sublayers.push_back({filter.sublayerKey, Catalog::SublayerName(filter.sublayerKey), 0, false});
     }
   }
+}
+
+/// Live engines keep no two sublayers of equal weight. Elsewhere the one that is listed first comes first; of
+/// weight 0 it is the last, because live engines give each one that asks for it a greater weight.
+bool ComesFirst(const Sublayer& left, const Sublayer& right) {
+  if (left.weight != right.weight) {
+    return left.weight > right.weight;
+  }
+  return left.weight == 0 ? left.place > right.place : left.place < right.place;
 }
 
 }  // namespace
@@ -123,9 +136,7 @@ Snapshot MakeSnapshot(std::vector<Sublayer> sublayers, std::vector<Filter> filte
     snapshot.sublayers[i].place = i;
   }
   std::ranges::sort(snapshot.filters, {}, &Filter::id);
-  std::ranges::sort(snapshot.sublayers, [](const Sublayer& left, const Sublayer& right) {
-    return left.weight != right.weight ? left.weight > right.weight : Catalog::Precedes(left.key, right.key);
-  });
+  std::ranges::sort(snapshot.sublayers, ComesFirst);
   return snapshot;
 }
 

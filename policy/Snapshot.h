@@ -57,7 +57,6 @@ struct Filter {
   UINT32 flags;                    ///< FWPM_FILTER_FLAG_*
   Value weight;                    ///< as it was asked for; EMPTY if it was left to the engine
   UINT64 effectiveWeight;          ///< as the engine reports it
-  bool automaticWeight;            ///< the engine chose the weight's low 60 bits
   std::vector<Condition> conditions;
 
   /// Whether static filters of lower sublayers cannot change what this one decides.
@@ -67,8 +66,8 @@ struct Filter {
 /// "filter 12 \"Name\"": how texts refer to a filter.
 std::string Describe(const Filter& filter);
 
-/// What an engine holds, by descending weight (sublayers) and ascending id (filters). Every filter's sublayer
-/// is among them.
+/// What an engine holds: sublayers in the order of their turn, the heaviest first, and filters by ascending
+/// id. Every filter's sublayer is among them.
 struct Snapshot {
   std::vector<Sublayer> sublayers;
   std::vector<Filter> filters;

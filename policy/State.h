@@ -14,7 +14,7 @@ namespace Policy {
 struct Plane {
   bool allNegations;         ///< Assumption::SeveralNegations: all of them must hold
   bool unsetMatches;         ///< Assumption::UnsetFields: a negation holds of a field without a value
-  bool loopbackAccompanied;  ///< Assumption::LoopbackBits: another flag comes with the loopback flag
+  bool loopbackAccompanied;  ///< Assumption::LoopbackBits: where that is open, another flag comes with it
 };
 
 /// How the state of a connection lies in memory: sets of bits, one after the other. For each plane there is
@@ -23,6 +23,7 @@ struct Plane {
 struct StateLayout {
   std::vector<Plane> planes;
   std::size_t filterWords = 0;  ///< of one set of filters
+  std::size_t acceptEnd = 0;    ///< filters before this bit are at ALE_AUTH_RECV_ACCEPT
   bool hasDoubt = false;        ///< some filter can match perhaps
   std::size_t markWords = 0;
 

@@ -59,7 +59,7 @@ floors=(
   'Ascii|ByteReader|Sha|Sid|Truths|Token|SecurityDescriptor|AceCondition|AccessCheck'
   'Number|Address|Connection|Test|Value|EngineCalls|Snapshot|Decode|ModelledField|Certainty'
   'BitWords|State|ValueClass|ValueText|FieldTable|NumberTable|FlagsTable|ApplicationTable|MakeFieldTable'
-  'Assumptions|Verdict|FilterOrder|Arbitration|Mark|Section'
+  'Assumptions|Verdict|Arbitration|Mark|Section'
   'MapNode|Diagram'
   'Map|MapText|Decide|Explain|Finding|Lint|LintBehaviour'
 )

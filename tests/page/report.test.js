@@ -286,8 +286,8 @@ test("promises show their state, and what breaks them", async () => {
   const promise = (name) => page.locator(`[data-promise="${name}"]`);
   assert.match(await promise("kill-switch-no-look-ups").textContent(), /^✓ holds/);
   assert.match(
-    await promise("kill-switch-loopback").textContent(),
-    /^\? holds only under a reading.*loopback-bits = alone/s,
+    await promise("kill-switch-local-network").textContent(),
+    /^\? holds only under a reading.*unset-fields = match/s,
   );
   assert.match(await promise("dhcp-client").textContent(), /^✕ broken.*remote 198\.51\.100\.1:67.*: block/s);
 });

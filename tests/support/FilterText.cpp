@@ -49,6 +49,7 @@ struct Named {
 constexpr Named kActions[]{{"BLOCK", FWP_ACTION_BLOCK},
                            {"PERMIT", FWP_ACTION_PERMIT},
                            {"CALLOUT_TERMINATING", FWP_ACTION_CALLOUT_TERMINATING},
+                           {"CALLOUT_UNKNOWN", FWP_ACTION_CALLOUT_UNKNOWN},
                            {"CALLOUT_INSPECTION", FWP_ACTION_CALLOUT_INSPECTION}};
 constexpr Named kFlags[]{{"-", 0}, {"CLEAR_ACTION_RIGHT", 8}, {"DISABLED", 0x20}};
 constexpr Named kMatches[]{

@@ -17,8 +17,8 @@ struct SublayerContents {
 /// What the step list shows of a snapshot, which must outlive it.
 struct Contents {
   const Policy::Provider* provider;  ///< the library's; null if it is not in the engine
-  /// The heaviest first, which is the order in which the engine asks them; among equal weights, in the order
-  /// of the snapshot. Sublayers that the engine did not list, but that filters name, are at the end.
+  /// In the order of the snapshot, which is that of their turn. Sublayers that the engine did not list, but
+  /// that filters name, are at the end.
   std::vector<SublayerContents> sublayers;
 };
 

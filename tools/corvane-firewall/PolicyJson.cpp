@@ -55,8 +55,7 @@ Json References(const std::vector<const Policy::Filter*>& filters) {
 
 Json ToJson(const std::vector<Policy::NearMiss>& nearMisses) {
   Json json = Json::array();
-  for (const auto& [filter, field] : nearMisses) {
-    const auto action = filter->action == FWP_ACTION_BLOCK ? Policy::Action::Block : Policy::Action::Permit;
+  for (const auto& [filter, field, action] : nearMisses) {
     json.push_back({{"filter", Reference(filter)},
                     {"action", Policy::ActionText(action)},
                     {"field", Policy::FieldText(field)}});

@@ -164,8 +164,9 @@ TEST(ReportPage, AsksAboutEveryAssumption) {
   for (const Json& assumption : data["assumptions"]) {
     names.push_back(assumption["name"]);
   }
-  EXPECT_THAT(names, ElementsAre("filter-ties", "automatic-weights", "sublayer-ties", "several-negations",
-                                 "unset-fields", "static-block-below-hard-permit", "loopback-bits"));
+  EXPECT_THAT(
+      names, ElementsAre("filter-ties", "several-negations", "unset-fields", "static-block-below-hard-permit",
+                         "loopback-bits", "flow-established-blocks", "callouts"));
 }
 
 TEST(HexText, KeepsTheZerosBetweenTheHalvesOfANumber) {

@@ -37,7 +37,7 @@ class Dice {
         OneOf(std::array{"ALE_AUTH_CONNECT", "ALE_AUTH_RECV_ACCEPT", "ALE_FLOW_ESTABLISHED"});
     std::string text = layer + suffix + " | ";
     if (OneIn(12)) {
-      text += "CALLOUT_TERMINATING";
+      text += OneIn(2) ? "CALLOUT_TERMINATING" : "CALLOUT_UNKNOWN";
     } else {
       text += OneIn(2) ? "PERMIT" : "BLOCK";
     }
@@ -71,7 +71,7 @@ class Dice {
   }
 
  private:
-  static constexpr std::array<UINT32, 8> kWords{0, 0, 1, 1, 5, 4, 0x800001, 0x203};
+  static constexpr std::array<UINT32, 8> kWords{0, 0, 1, 1, 5, 4, 0x800001, 0x400001};
 
   template <class T, class Make>
   void Maybe(std::optional<T>& value, Make make) {
@@ -113,7 +113,7 @@ class Dice {
     return "FLAGS " +
            OneOf(std::array{"EQUAL", "EQUAL", "NOT_EQUAL", "FLAGS_ALL_SET", "FLAGS_ANY_SET",
                             "FLAGS_NONE_SET"}) +
-           " UINT32 " + OneOf(std::array{"1", "1", "4", "5", "0x800001", "0x800000", "0"});
+           " UINT32 " + OneOf(std::array{"1", "1", "4", "5", "0x800001", "0x800005", "0x800000", "0"});
   }
 
   std::string Application() {
@@ -167,12 +167,14 @@ class AgreementTest : public PolicyTest {
     }
   }
 
-  /// Takes the effective weights, which only the emulated engine can give, into the naive engine.
+  /// Takes ids and effective weights, which only the emulated engine can give, into the naive engine.
   void TakeWeights(const Policy::Snapshot& snapshot) {
     auto filter = snapshot.filters.begin();
     for (NaiveSublayer& sublayer : naive_) {
       for (NaiveFilter& naive : sublayer.filters) {
-        naive.effectiveWeight = filter++->effectiveWeight;
+        naive.id = filter->id;
+        naive.effectiveWeight = filter->effectiveWeight;
+        ++filter;
       }
     }
   }

@@ -82,7 +82,7 @@ ALE_AUTH_CONNECT_V4 | PERMIT | UINT8 1 | - | IP_REMOTE_PORT EQUAL UINT16 443
 ALE_AUTH_CONNECT_V4 | BLOCK | UINT8 1 | - | IP_REMOTE_PORT EQUAL UINT16 443
 ALE_AUTH_CONNECT_V4 | BLOCK | UINT8 1 | - | IP_REMOTE_PORT EQUAL UINT16 443
 )"),
-              ElementsAre("never-decides 2 1"));
+              ElementsAre("never-decides 1 2"));
   EXPECT_THAT(FindingsOf(R"(
 ALE_AUTH_CONNECT_V4 | BLOCK | UINT8 2 | - | IP_PROTOCOL EQUAL UINT8 6
 ALE_AUTH_CONNECT_V4 | PERMIT | UINT8 1 | - | IP_REMOTE_PORT EQUAL UINT16 443
@@ -134,19 +134,6 @@ TEST_F(LintTest, TiesThatDifferInAction) {
       IsEmpty());
   EXPECT_THAT(FindingsOf(block + "ALE_AUTH_CONNECT_V4 | PERMIT | UINT64 7 | - | IP_PROTOCOL EQUAL UINT8 17"),
               IsEmpty());
-}
-
-TEST_F(LintTest, SublayersOfEqualWeight) {
-  const char* block = "ALE_AUTH_CONNECT_V4 | BLOCK | UINT8 1 | - | -";
-  const char* permit =
-      "ALE_AUTH_CONNECT_V4 | PERMIT | UINT8 1 | CLEAR_ACTION_RIGHT | IP_PROTOCOL EQUAL UINT8 6";
-  Install(3, block);
-  Install(3, permit);
-  EXPECT_THAT(Findings(), ElementsAre("tie-of-sublayers 1 2"));
-  SetUpAgain();
-  Install(3, block);
-  Install(4, permit);
-  EXPECT_THAT(Findings(), IsEmpty());
 }
 
 TEST_F(LintTest, EqualityOnAWordOfFlags) {

@@ -2,7 +2,6 @@
 
 #include <algorithm>
 
-#include "catalog/Describe.h"
 #include "catalog/Names.h"
 
 namespace {
@@ -118,10 +117,17 @@ Value Numeric(const std::optional<T>& value) {
   return {true, value ? std::optional<Number>(*value) : std::nullopt, std::nullopt};
 }
 
-Value ValueOf(const std::string& field, const Connection& connection, World world) {
+/// The loopback flag gets a companion at receive-accept, and in a reading elsewhere, unless it has one.
+std::optional<UINT32> FlagsAt(bool atAccept, const Connection& connection, World world) {
+  const UINT32 flags = connection.flags.value_or(0);
+  const bool isBare = (flags & 1) != 0 && (flags & 0x400000) == 0 && (flags & 0x800000) == 0;
+  return isBare && (atAccept || Second(world, Assumption::LoopbackBits)) ? flags + 0x800000
+                                                                         : connection.flags;
+}
+
+Value ValueOf(const std::string& field, const Connection& connection, bool atAccept, World world) {
   if (field == "FLAGS") {
-    const bool accompanied = connection.flags == UINT32{1} && Second(world, Assumption::LoopbackBits);
-    return Numeric(accompanied ? std::optional<UINT32>(0x00800001) : connection.flags);
+    return Numeric(FlagsAt(atAccept, connection, world));
   }
   if (field == "IP_LOCAL_INTERFACE") {
     return Numeric(connection.localInterface);
@@ -197,16 +203,15 @@ Matching Holds(const std::vector<const FWPM_FILTER_CONDITION0*>& conditions, con
 
 NaiveFilter::NaiveFilter(const FWPM_FILTER0& native) : record(&native) {
   for (UINT32 i = 0; i < native.numFilterConditions; ++i) {
-    OnField& field = fields[Catalog::FieldName(native.filterCondition[i].fieldKey)];
-    field.conditions.push_back(&native.filterCondition[i]);
-    field.text += Catalog::DescribeCondition(native.filterCondition[i]) + '|';
+    fields[Catalog::FieldName(native.filterCondition[i].fieldKey)].push_back(&native.filterCondition[i]);
   }
 }
 
 Matching Matches(const NaiveFilter& filter, const Connection& connection, World world) {
-  Matching matching = filter.IsCallout() ? Perhaps : Yes;
-  for (const auto& [field, mine] : filter.fields) {
-    matching = std::min(matching, Holds(mine.conditions, ValueOf(field, connection, world), world));
+  const bool atAccept = Catalog::LayerName(filter.record->layerKey).starts_with("ALE_AUTH_RECV_ACCEPT");
+  Matching matching = Yes;
+  for (const auto& [field, conditions] : filter.fields) {
+    matching = std::min(matching, Holds(conditions, ValueOf(field, connection, atAccept, world), world));
   }
   return matching;
 }

@@ -13,21 +13,14 @@
 #include "policy/Connection.h"
 #include "policy/Verdict.h"
 
-/// A filter's native record with its effective weight, which the engine gives.
+/// A filter's native record with its id and effective weight, which the engine gives.
 struct NaiveFilter {
   explicit NaiveFilter(const FWPM_FILTER0& native);
 
-  /// The conditions on one field.
-  struct OnField {
-    std::vector<const FWPM_FILTER_CONDITION0*> conditions;
-    std::string text;
-  };
-
-  [[nodiscard]] bool IsCallout() const { return record->action.type == FWP_ACTION_CALLOUT_TERMINATING; }
-
   const FWPM_FILTER0* record;
+  UINT64 id = 0;
   UINT64 effectiveWeight = 0;
-  std::map<std::string, OnField> fields;
+  std::map<std::string, std::vector<const FWPM_FILTER_CONDITION0*>> fields;
 };
 
 enum Matching { No, Perhaps, Yes };

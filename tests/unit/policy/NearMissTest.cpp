@@ -117,9 +117,17 @@ TEST_F(NearMissTest, IsNoFilterThatOnlyTheEngineCanJudge) {
 ALE_AUTH_CONNECT_V4 | BLOCK | UINT8 1 | - | -
 ALE_AUTH_CONNECT_V4 | PERMIT | UINT8 2 | - | IP_REMOTE_PORT EQUAL UINT16 53 & INTERFACE_TYPE EQUAL UINT32 6
 ALE_AUTH_CONNECT_V4 | PERMIT | UINT8 2 | - | ALE_APP_ID GREATER BYTE_BLOB a
-ALE_AUTH_CONNECT_V4 | CALLOUT_TERMINATING | UINT8 2 | - | IP_REMOTE_PORT EQUAL UINT16 53
 )");
   EXPECT_THAT(NearMisses(To("10.0.0.1", 443)), IsEmpty());
+}
+
+TEST_F(NearMissTest, IsACalloutThatWouldLetPass) {
+  Install(1, R"(
+ALE_AUTH_CONNECT_V4 | BLOCK | UINT8 1 | - | -
+ALE_AUTH_CONNECT_V4 | CALLOUT_TERMINATING | UINT8 2 | - | IP_REMOTE_PORT EQUAL UINT16 53
+)");
+  EXPECT_THAT(ExplanationOf(To("10.0.0.1", 443)),
+              HasSubstr(NameOf(2) + " would permit, but the remote port is 443\n"));
 }
 
 TEST_F(NearMissTest, IsOfTheLayerThatWouldAskTheFilter) {
@@ -147,7 +155,7 @@ TEST_F(NearMissTest, ThoseOfOneFieldAreOneLineThatIsCut) {
   EXPECT_THAT(ExplanationOf(To("198.51.100.1"), {{{999, "Ethernet"}}, {}}),
               HasSubstr("      " + NameOf(9) + " would permit, but the flags are 0x00000000\n      " +
                         NameOf(10) + " would permit, but the interface is Ethernet\n      filters " +
-                        IdOf(2) + ", " + IdOf(3) + ", " + IdOf(4) + ", " + IdOf(5) + ", " + IdOf(6) +
+                        IdOf(8) + ", " + IdOf(7) + ", " + IdOf(6) + ", " + IdOf(5) + ", " + IdOf(4) +
                         " and 2 more would permit, but the remote address is 198.51.100.1\n"));
 }
 

@@ -42,7 +42,6 @@ TEST_F(SnapshotTest, HoldsWhatAFilterIs) {
   EXPECT_EQ(filter.weight.type, FWP_UINT8);
   EXPECT_EQ(std::get<UINT64>(filter.weight.data), 14U);
   EXPECT_EQ(filter.effectiveWeight >> 60, 14U);
-  EXPECT_TRUE(filter.automaticWeight);
   EXPECT_TRUE(filter.IsHard());
   ASSERT_THAT(filter.conditions, SizeIs(1));
   EXPECT_EQ(filter.conditions.front().text, "IP_REMOTE_PORT EQUAL UINT16 53");
@@ -52,7 +51,6 @@ TEST_F(SnapshotTest, AWeightOf64BitsIsNoneOfTheEnginesChoosing) {
   Install(7, "ALE_AUTH_CONNECT_V4 | BLOCK | UINT64 99 | - | -");
   const Snapshot snapshot = Read();
   EXPECT_EQ(snapshot.filters.front().effectiveWeight, 99U);
-  EXPECT_FALSE(snapshot.filters.front().automaticWeight);
 }
 
 TEST_F(SnapshotTest, HoldsTheKeysOfAFiltersProviderAndCallout) {

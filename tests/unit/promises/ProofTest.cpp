@@ -191,12 +191,12 @@ TEST_F(ProofTest, KillSwitchWithOneExemptInterface) {
   Features features = KillSwitchOnly();
   features.killSwitch->interfaces = {5};
   Install(features);
-  EXPECT_THAT(StatesOf(features), ElementsAre("kill-switch-closes-outbound: holds with unset-fields = match",
-                                              "kill-switch-closes-inbound: holds with unset-fields = match",
-                                              "kill-switch-no-look-ups: holds with unset-fields = match",
-                                              "kill-switch-loopback: holds with loopback-bits = alone",
-                                              "kill-switch-local-network: holds with unset-fields = match",
-                                              "kill-switch-exempt: holds"));
+  EXPECT_THAT(
+      StatesOf(features),
+      ElementsAre("kill-switch-closes-outbound: holds with unset-fields = match",
+                  "kill-switch-closes-inbound: holds with unset-fields = match",
+                  "kill-switch-no-look-ups: holds with unset-fields = match", "kill-switch-loopback: broken",
+                  "kill-switch-local-network: holds with unset-fields = match", "kill-switch-exempt: holds"));
 }
 
 TEST_F(ProofTest, KillSwitchWithTwoExemptInterfaces) {
@@ -206,7 +206,7 @@ TEST_F(ProofTest, KillSwitchWithTwoExemptInterfaces) {
   EXPECT_THAT(StatesOf(features), ElementsAre("kill-switch-closes-outbound: holds with unset-fields = match",
                                               "kill-switch-closes-inbound: holds with unset-fields = match",
                                               "kill-switch-no-look-ups: holds with unset-fields = match",
-                                              "kill-switch-loopback: holds with loopback-bits = alone",
+                                              "kill-switch-loopback: broken",
                                               "kill-switch-local-network: holds with unset-fields = match",
                                               "kill-switch-exempt: holds with several-negations = all-hold"));
 }
@@ -218,7 +218,7 @@ TEST_F(ProofTest, KillSwitchWithExemptApplications) {
   EXPECT_THAT(
       StatesOf(features),
       ElementsAre("kill-switch-closes-outbound: holds", "kill-switch-closes-inbound: holds",
-                  "kill-switch-no-look-ups: holds", "kill-switch-loopback: holds with loopback-bits = alone",
+                  "kill-switch-no-look-ups: holds", "kill-switch-loopback: broken",
                   "kill-switch-local-network: holds with unset-fields = match", "kill-switch-exempt: holds"));
 }
 
@@ -242,10 +242,9 @@ TEST_F(ProofTest, LeakProtectionOfTwoInterfaces) {
           "leak-no-look-ups: holds", "leak-name-application: broken",
           "leak-closes: holds with unset-fields = match",
           // For each interface, the permit weighs as much as the block that comes from the other interface.
-          "leak-tunnel-open: holds with automatic-weights = permit-first or filter-ties = permit-first, "
-          "automatic-weights = as-reported",
-          "leak-permitted-addresses: holds", "leak-server: holds", "leak-local-network: holds",
-          "leak-loopback: broken", "leak-blocked-applications: holds"));
+          "leak-tunnel-open: holds with filter-ties = permit-first", "leak-permitted-addresses: holds",
+          "leak-server: holds", "leak-local-network: holds", "leak-loopback: broken",
+          "leak-blocked-applications: holds"));
 }
 
 TEST_F(ProofTest, LeakProtectionOfNoInterface) {

@@ -181,23 +181,14 @@ const policy = (() => {
     if (results.includes(false)) {
       return false;
     }
-    const isCallout = filter.action.startsWith("CALLOUT");
-    return results.includes(undefined) || isCallout ? undefined : true;
-  }
-
-  const strengths = { block: 0, pass: 1, hard: 2 };
-  function strengthOf(filter) {
-    if (filter === undefined) {
-      return strengths.pass;
-    }
-    return filter.action === "BLOCK" ? strengths.block : filter.hard ? strengths.hard : strengths.pass;
+    return results.includes(undefined) ? undefined : true;
   }
 
   const isDecider = (filter) => ["PERMIT", "BLOCK", "CALLOUT_TERMINATING", "CALLOUT_UNKNOWN"].includes(filter.action);
 
   /**
    * The sublayers that have filters in a layer, the heaviest first as in the snapshot, with these filters. The
-   * heaviest filter is first; of filters with the same weight, blocks come first.
+   * heaviest filter is first; of filters with the same weight, the newest.
    */
   function ladderOf(snapshot, layer) {
     const heavier = (a, b) => (BigInt(a.weight) < BigInt(b.weight) ? 1 : BigInt(a.weight) > BigInt(b.weight) ? -1 : 0);
@@ -206,9 +197,16 @@ const policy = (() => {
         sublayer,
         filters: snapshot.filters
           .filter((f) => f.layer === layer && f.sublayer === sublayer.key && f.inForce && isDecider(f))
-          .sort((a, b) => heavier(a, b) || strengthOf(a) - strengthOf(b)),
+          .sort((a, b) => heavier(a, b) || b.id - a.id),
       }))
       .filter(({ filters }) => filters.length > 0);
+  }
+
+  /** Where connections are accepted, filters see IS_LOOPBACK with a companion. */
+  function flagsAt(layer, flags) {
+    const [loopback, companions, companion] = [0x1n, 0xc00000n, 0x800000n];
+    const isBare = flags !== undefined && (flags & loopback) !== 0n && (flags & companions) === 0n;
+    return isBare && layer.startsWith("ALE_AUTH_RECV_ACCEPT") ? flags | companion : flags;
   }
 
   /**
@@ -216,14 +214,13 @@ const policy = (() => {
    * The action is undefined if there are filters that only the engine can judge.
    */
   function traceLayer(snapshot, layer, connection) {
+    const shown = { ...connection, flags: flagsAt(layer, connection.flags) };
     const rungs = ladderOf(snapshot, layer).map(({ sublayer, filters }) => {
-      const results = filters.map((filter) => matches(filter, connection));
-      const matching = filters.filter((_, i) => results[i] === true);
+      const results = filters.map((filter) => matches(filter, shown));
+      const matching = filters.filter((filter, i) => results[i] === true && filter.action !== "CALLOUT_UNKNOWN");
       const unjudged = filters.filter((_, i) => results[i] === undefined);
       return { sublayer, filters, deciding: matching[0], outranked: matching.slice(1), unjudged, effect: "none" };
     });
-    const turn = ({ deciding }) => (deciding === undefined ? Infinity : strengthOf(deciding));
-    rungs.sort((a, b) => b.sublayer.weight - a.sublayer.weight || (turn(a) < turn(b) ? -1 : turn(a) > turn(b) ? 1 : 0));
     let hard;
     let block;
     for (const rung of rungs.filter(({ deciding }) => deciding !== undefined)) {
