@@ -21,6 +21,10 @@ using FieldTests = Mark::FieldTests;
 
 constexpr UINT16 kNamePort = 53;
 
+/// The engine lets these in without asking filters of inbound connections.
+constexpr std::string_view kAnswersComeIn =
+    " For a few seconds, answers to a multicast or broadcast of this machine come in from any address.";
+
 constexpr std::string_view kLoopbackNetworks[]{"127.0.0.0/8", "::1/128"};
 /// Where the kill switch and leak protection let connections go on any interface.
 constexpr std::string_view kLocalDestinations[]{
@@ -61,8 +65,11 @@ FieldTests Neither(Field field, std::vector<Test> tests) { return {field, std::m
 
 const FieldTests kLookUp = Either(Field::RemotePort, {Is(kNamePort)});
 const FieldTests kNoLookUp = Neither(Field::RemotePort, {Is(kNamePort)});
-/// Connections that stay on the machine: the engine sets this flag, and no other.
-const FieldTests kLoopback = Either(Field::Flags, {Is(FWP_CONDITION_FLAG_IS_LOOPBACK)});
+/// Connections that stay on the machine, when they begin and when a change of filters has them judged anew.
+/// They are judged at both ends, so promises speak of both directions.
+const FieldTests kLoopback =
+    Either(Field::Flags, {Is(FWP_CONDITION_FLAG_IS_LOOPBACK),
+                          Is(FWP_CONDITION_FLAG_IS_LOOPBACK | FWP_CONDITION_FLAG_IS_REAUTHORIZE)});
 const FieldTests kNoLoopback =
     Neither(Field::Flags, {{Test::Kind::AllSet, false, {FWP_CONDITION_FLAG_IS_LOOPBACK, 1}, {}}});
 
@@ -197,7 +204,8 @@ class PromiseList {
           "No connection leaves but over loopback, to the local network, and by what is exempt.");
     PromiseOutside(Direction::Outbound, notExempt);
     Begin("kill switch", "kill-switch-closes-inbound",
-          "No connection comes in but over loopback, from the local network, and to what is exempt.");
+          "No connection comes in but over loopback, from the local network, and to what is exempt." +
+              std::string(kAnswersComeIn));
     PromiseOutside(Direction::Inbound, notExempt);
     Begin("kill switch", "kill-switch-no-look-ups", "No name look-up leaves to the local network either.");
     for (const IpVersion version : kVersions) {
@@ -242,7 +250,8 @@ class PromiseList {
 
   void AddLocalNetworkBlock() {
     Begin("local network block", "local-network-closed",
-          "No connection goes to the local network or comes from it, but for name look-ups.");
+          "No connection goes to the local network or comes from it, but for name look-ups." +
+              std::string(kAnswersComeIn));
     for (const IpVersion version : kVersions) {
       Add(Action::Block, std::nullopt, version,
           {kNoLoopback, kNoLookUp, Networks(version).Add(kLocalNetworks).Inside()});
@@ -332,7 +341,7 @@ class PromiseList {
           {kNoLookUp, Networks(version).Add(kLocalDestinations).Inside()});
     }
     Begin("leak protection", "leak-loopback", "This machine can still reach itself.");
-    Add(Action::Permit, Direction::Outbound, std::nullopt, {kLoopback});
+    Add(Action::Permit, std::nullopt, std::nullopt, {kLoopback});
   }
 
   void AddBlockedApplications(const Features::LeakProtection& protection) {
@@ -349,7 +358,8 @@ class PromiseList {
     const FieldTests fromPeer = Networks(IpVersion::V4).AddAddresses(skein.peers).Inside();
     Begin("Skein", "skein-peers", "A listed peer can reach us on the Skein interface.");
     Add(Action::Permit, Direction::Inbound, IpVersion::V4, {onSkein, fromPeer});
-    Begin("Skein", "skein-closed", "Nobody else of 100.64.0.0/10 can reach us on the Skein interface.");
+    Begin("Skein", "skein-closed",
+          "Nobody else of 100.64.0.0/10 can reach us on the Skein interface." + std::string(kAnswersComeIn));
     Add(Action::Block, Direction::Inbound, IpVersion::V4,
         {onSkein, Either(Field::RemoteAddress, {In(kSkeinNetwork)})}, {{{fromPeer}}});
   }

@@ -34,7 +34,9 @@ TEST(PromiseList, OfTheKillSwitch) {
           "kill switch | kill-switch-closes-outbound | No connection leaves but over loopback, to the "
           "local network, and by what is exempt.",
           "kill switch | kill-switch-closes-inbound | No connection comes in but over loopback, from "
-          "the local network, and to what is exempt.",
+          "the local network, and to what is exempt. For a few seconds, answers to a multicast or broadcast "
+          "of "
+          "this machine come in from any address.",
           "kill switch | kill-switch-no-look-ups | No name look-up leaves to the local network either.",
           "kill switch | kill-switch-loopback | This machine can still reach itself.",
           "kill switch | kill-switch-local-network | The local network stays reachable, but for name "
@@ -68,7 +70,9 @@ TEST(PromiseList, OfTheLocalNetworkBlock) {
       TextsOf(features),
       ElementsAre(
           "local network block | local-network-closed | No connection goes to the local network or "
-          "comes from it, but for name look-ups.",
+          "comes from it, but for name look-ups. For a few seconds, answers to a multicast or broadcast of "
+          "this "
+          "machine come in from any address.",
           "local network block | local-network-loopback | This machine can still reach itself, by its "
           "own address too.",
           "local network block | local-network-look-ups | Name servers of the local network still "
@@ -106,7 +110,8 @@ TEST(PromiseList, OfSkein) {
   EXPECT_THAT(TextsOf(features),
               ElementsAre("Skein | skein-peers | A listed peer can reach us on the Skein interface.",
                           "Skein | skein-closed | Nobody else of 100.64.0.0/10 can reach us on the Skein "
-                          "interface."));
+                          "interface. For a few seconds, answers to a multicast or broadcast of this machine "
+                          "come in from any address."));
 }
 
 TEST(PromiseList, FeaturesTogetherPromiseLess) {

@@ -187,6 +187,27 @@ TEST_F(ProofTest, TheCounterexampleBreaksThePromise) {
   }
 }
 
+TEST_F(ProofTest, ALoopbackPermitMustHoldAtBothEndsAndWhenJudgedAnew) {
+  const std::string closed = R"(
+ALE_AUTH_CONNECT_V4 | BLOCK | UINT8 1 | - | -
+ALE_AUTH_RECV_ACCEPT_V4 | BLOCK | UINT8 1 | - | -
+)";
+  const std::string outbound = "ALE_AUTH_CONNECT_V4 | PERMIT | UINT8 2 | - | FLAGS FLAGS_ALL_SET UINT32 1\n";
+  const std::string inbound =
+      "ALE_AUTH_RECV_ACCEPT_V4 | PERMIT | UINT8 2 | - | FLAGS FLAGS_ALL_SET UINT32 1\n";
+  const auto stateOf = [this](const std::string& filters) {
+    SetUpAgain();
+    PolicyTest::Install(1, filters);
+    return StatesOf(KillSwitchOnly()).at(3);
+  };
+  EXPECT_EQ(stateOf(closed + outbound + inbound), "kill-switch-loopback: holds");
+  EXPECT_EQ(stateOf(closed + outbound), "kill-switch-loopback: broken");
+  EXPECT_EQ(stateOf(closed + inbound +
+                    "ALE_AUTH_CONNECT_V4 | PERMIT | UINT8 2 | - | FLAGS EQUAL UINT32 1\n"
+                    "ALE_AUTH_CONNECT_V4 | PERMIT | UINT8 2 | - | FLAGS EQUAL UINT32 0x800001\n"),
+            "kill-switch-loopback: broken");
+}
+
 TEST_F(ProofTest, KillSwitchWithOneExemptInterface) {
   Features features = KillSwitchOnly();
   features.killSwitch->interfaces = {5};
