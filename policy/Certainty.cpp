@@ -2,36 +2,239 @@
 
 #include <algorithm>
 #include <optional>
+#include <string>
+#include <variant>
 
-#include "catalog/Keys.h"
+#include "policy/AccessCheck.h"
+#include "policy/ByteReader.h"
+#include "policy/DerivedTests.h"
+#include "policy/ModelledField.h"
 
 namespace Policy {
 namespace {
 
-/// Whether a condition on DIRECTION holds; none if only the engine can tell.
-std::optional<bool> HoldsOfDirection(const Test& test, Direction direction) {
-  const Number number = direction == Direction::Outbound ? 0 : 1;
-  switch (test.kind) {
-    case Test::Kind::InInterval:
-      return (test.interval.first <= number && number <= test.interval.last) != test.negated;
-    case Test::Kind::Unset:
-      return false;
+struct Open {};
+struct Unset {};
+struct WhatIsAsked {};  ///< the value that a condition tests for
+
+/// What a field holds.
+using FixedValue = std::variant<Open, Unset, WhatIsAsked, UINT64, Sid, const Token*>;
+
+FixedValue NumberOrOpen(const std::optional<UINT32>& number) {
+  return number ? FixedValue(UINT64{*number}) : FixedValue(Open());
+}
+
+FixedValue DirectionOf(Direction direction, const Circumstances&) {
+  return UINT64{direction == Direction::Outbound ? 0U : 1U};
+}
+
+FixedValue TokenOf(Direction, const Circumstances& circumstances) {
+  return circumstances.token ? FixedValue(&*circumstances.token) : FixedValue(Open());
+}
+
+/// A program outside of app containers has the null SID.
+FixedValue PackageOf(Direction, const Circumstances& circumstances) {
+  if (!circumstances.token) {
+    return Open();
+  }
+  const auto& container = circumstances.token->appContainer;
+  return container ? container->package : Sid{0, {0}};
+}
+
+FixedValue PeerOf(Direction, const Circumstances& circumstances) {
+  return circumstances.mayUseIpsec ? FixedValue(Open()) : FixedValue(Unset());
+}
+
+FixedValue ProfileOf(Direction, const Circumstances& circumstances) {
+  return NumberOrOpen(circumstances.profile);
+}
+
+FixedValue TunnelOf(Direction, const Circumstances& circumstances) {
+  return NumberOrOpen(circumstances.tunnelType);
+}
+
+FixedValue ArrivalTunnelOf(Direction direction, const Circumstances& circumstances) {
+  return direction == Direction::Inbound ? NumberOrOpen(circumstances.tunnelType) : Unset();
+}
+
+FixedValue NextHopTunnelOf(Direction direction, const Circumstances& circumstances) {
+  return direction == Direction::Outbound ? NumberOrOpen(circumstances.tunnelType) : Unset();
+}
+
+FixedValue CompartmentOf(Direction, const Circumstances& circumstances) {
+  return NumberOrOpen(circumstances.compartment);
+}
+
+FixedValue EpochOf(Direction, const Circumstances& circumstances) {
+  switch (circumstances.quarantine) {
+    case Circumstances::Quarantine::Over:
+      return WhatIsAsked();
+    case Circumstances::Quarantine::Epoch:
+      return circumstances.epoch;
     default:
-      return std::nullopt;
+      return Open();
   }
 }
 
+FixedValue SystemPortOf(Direction, const Circumstances& circumstances) {
+  return NumberOrOpen(circumstances.systemPort);
+}
+
+FixedValue ReauthorizeReasonOf(Direction, const Circumstances& circumstances) {
+  return circumstances.reauthorizeReason == 0U ? FixedValue(Unset())
+                                               : NumberOrOpen(circumstances.reauthorizeReason);
+}
+
+struct FixedField {
+  std::string_view name;
+  FixedValue (*value)(Direction, const Circumstances&);
+  std::string_view decidedBy;
+};
+
+constexpr FixedField kFixedFields[]{
+    {"ALE_PACKAGE_FAMILY_NAME", TokenOf, "package"},
+    {"ALE_PACKAGE_ID", PackageOf, "package"},
+    {"ALE_REMOTE_MACHINE_ID", PeerOf, "IPsec"},
+    {"ALE_REMOTE_USER_ID", PeerOf, "IPsec"},
+    {"ALE_SIO_FIREWALL_SYSTEM_PORT", SystemPortOf, "system port"},
+    {"ALE_USER_ID", TokenOf, "user"},
+    {"ARRIVAL_TUNNEL_TYPE", ArrivalTunnelOf, "tunnel type"},
+    {"COMPARTMENT_ID", CompartmentOf, "compartment"},
+    {"CURRENT_PROFILE_ID", ProfileOf, "profile"},
+    {"DIRECTION", DirectionOf, "direction"},
+    {"INTERFACE_QUARANTINE_EPOCH", EpochOf, "quarantine"},
+    {"NEXTHOP_TUNNEL_TYPE", NextHopTunnelOf, "tunnel type"},
+    {"ORIGINAL_PROFILE_ID", ProfileOf, "profile"},
+    {"REAUTHORIZE_REASON", ReauthorizeReasonOf, "re-authorisation"},
+    {"TUNNEL_TYPE", TunnelOf, "tunnel type"},
+};
+
+// Names that programs give to peers, what redirected connections were before, indexes beside LUIDs, and what
+// only the platform itself knows.
+constexpr std::string_view kNotModelled[]{
+    "ALE_EFFECTIVE_NAME",
+    "ALE_NAP_CONTEXT",
+    "ALE_ORIGINAL_APP_ID",
+    "ALE_SECURITY_ATTRIBUTE_FQBN_VALUE",
+    "ARRIVAL_INTERFACE_INDEX",
+    "INTERFACE_INDEX",
+    "NEXTHOP_INTERFACE_INDEX",
+    "NEXTHOP_SUB_INTERFACE_INDEX",
+    "PEER_NAME",
+    "RESERVED0",
+    "RESERVED1",
+    "RESERVED2",
+    "RESERVED3",
+    "SUB_INTERFACE_INDEX",
+};
+
+const FixedField* FindFixed(const Catalog::Field* field) {
+  const auto* found = field == nullptr ? std::end(kFixedFields)
+                                       : std::ranges::find(kFixedFields, field->name, &FixedField::name);
+  return found == std::end(kFixedFields) ? nullptr : found;
+}
+
+std::span<const UINT8> BytesOf(const std::string& data) {
+  return {reinterpret_cast<const UINT8*>(data.data()), data.size()};
+}
+
+/// Nothing if the bytes are no SID, and so are nobody's.
+std::optional<Sid> SidOf(const std::string& data) {
+  try {
+    ByteReader bytes(BytesOf(data));
+    return TakeSid(bytes);
+  } catch (const MalformedError&) {
+    return std::nullopt;
+  }
+}
+
+/// Whether a condition holds of what a field holds; none if only the engine can tell.
+struct HoldsOf {
+  const Condition& condition;
+
+  std::optional<bool> operator()(Open) const { return std::nullopt; }
+
+  std::optional<bool> operator()(Unset) const {
+    const Test& test = condition.test;
+    if (test.kind == Test::Kind::Unset) {
+      return true;
+    }
+    // Of a field without a value a negation perhaps holds, and a test of flags.
+    const bool isPlain = !test.negated && !test.TestsFlags();
+    const bool asksWho =
+        condition.value.type == FWP_SECURITY_DESCRIPTOR_TYPE && condition.match == FWP_MATCH_EQUAL;
+    return asksWho || (isPlain && test.kind != Test::Kind::Unreadable) ? std::optional(false) : std::nullopt;
+  }
+
+  std::optional<bool> operator()(WhatIsAsked) const {
+    const bool isAsked = condition.test.kind == Test::Kind::InInterval && !condition.test.negated;
+    return isAsked ? std::optional(true) : std::nullopt;
+  }
+
+  std::optional<bool> operator()(UINT64 number) const {
+    const Test& test = condition.test;
+    const UINT64 bits = test.interval.first.low;
+    switch (test.kind) {
+      case Test::Kind::InInterval:
+        return (test.interval.first <= Number(number) && Number(number) <= test.interval.last) !=
+               test.negated;
+      case Test::Kind::AllSet:
+        return (number & bits) == bits;
+      case Test::Kind::AnySet:
+        return (number & bits) != 0;
+      case Test::Kind::NoneSet:
+        return (number & bits) == 0;
+      case Test::Kind::Unset:
+        return false;
+      default:
+        return std::nullopt;
+    }
+  }
+
+  std::optional<bool> operator()(const Sid& sid) const {
+    const Test& test = condition.test;
+    switch (test.kind) {
+      case Test::Kind::IsBytes:
+        return (SidOf(test.bytes) == sid) != test.negated;
+      case Test::Kind::Unset:
+        return false;
+      default:
+        return std::nullopt;
+    }
+  }
+
+  std::optional<bool> operator()(const Token* token) const {
+    if (condition.test.kind == Test::Kind::Unset) {
+      return false;
+    }
+    const auto* descriptor = std::get_if<std::string>(&condition.value.data);
+    if (descriptor == nullptr || condition.value.type != FWP_SECURITY_DESCRIPTOR_TYPE ||
+        condition.match != FWP_MATCH_EQUAL) {
+      return std::nullopt;
+    }
+    switch (CheckAccess(BytesOf(*descriptor), *token)) {
+      case Access::Granted:
+        return true;
+      case Access::Denied:
+        return false;
+      default:
+        return std::nullopt;
+    }
+  }
+};
+
 }  // namespace
 
-Certainty CertaintyOf(const std::vector<const Condition*>& conditions, Direction direction) {
+Certainty CertaintyOf(const std::vector<const Condition*>& conditions, Direction direction,
+                      const Circumstances& circumstances) {
   const auto isNegated = [](const Condition* condition) { return condition->test.negated; };
   const bool severalNegations = std::ranges::count_if(conditions, isNegated) > 1;
   Certainty certainty = Certainty::Fails;
   for (const Condition* condition : conditions) {
-    const bool isDirection =
-        condition->field != nullptr && condition->field->key == Catalog::kDirectionFieldKey;
-    const auto holds =
-        isDirection && !severalNegations ? HoldsOfDirection(condition->test, direction) : std::nullopt;
+    const FixedField* field = FindFixed(condition->field);
+    const auto holds = field != nullptr && !severalNegations
+                           ? std::visit(HoldsOf{*condition}, field->value(direction, circumstances))
+                           : std::nullopt;
     if (holds.value_or(false)) {
       return Certainty::Holds;
     }
@@ -39,5 +242,16 @@ Certainty CertaintyOf(const std::vector<const Condition*>& conditions, Direction
   }
   return certainty;
 }
+
+std::string_view DecidedBy(const Catalog::Field& field) {
+  const FixedField* fixed = FindFixed(&field);
+  return fixed == nullptr ? std::string_view() : fixed->decidedBy;
+}
+
+bool HasPlace(const Catalog::Field& field) {
+  return FindFixed(&field) != nullptr || ModelledField(field) || IsDerived(field);
+}
+
+std::span<const std::string_view> FieldsNotModelled() { return kNotModelled; }
 
 }  // namespace Policy

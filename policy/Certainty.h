@@ -1,11 +1,14 @@
 /**
  * @file
- * What conditions on fields that connections do not have here make of a filter.
+ * What conditions on fields that are the same for many connections make of a filter.
  */
 #pragma once
 
+#include <span>
+#include <string_view>
 #include <vector>
 
+#include "policy/Circumstances.h"
 #include "policy/Connection.h"
 #include "policy/Snapshot.h"
 
@@ -18,7 +21,19 @@ enum class Certainty {
   Fails,
 };
 
-/// The certainty of a filter's conditions on one such field. DIRECTION is the one that can be told.
-Certainty CertaintyOf(const std::vector<const Condition*>& conditions, Direction direction);
+/// The certainty of a filter's conditions on one such field.
+Certainty CertaintyOf(const std::vector<const Condition*>& conditions, Direction direction,
+                      const Circumstances& circumstances);
+
+/// What of the circumstances decides conditions on a field: "user", "profile"; empty for a field that has no
+/// place there.
+std::string_view DecidedBy(const Catalog::Field& field);
+
+/// Whether connections or their circumstances decide conditions on a field.
+bool HasPlace(const Catalog::Field& field);
+
+/// The names of the fields at the layers of connections that the model does not have: conditions on them are
+/// always in doubt.
+std::span<const std::string_view> FieldsNotModelled();
 
 }  // namespace Policy

@@ -143,9 +143,10 @@ struct Decider::Sections {
   std::deque<Section> all;
 };
 
-Decider::Decider(const Snapshot& snapshot) : sections_(std::make_unique<Sections>()) {
+Decider::Decider(const Snapshot& snapshot, const Circumstances& circumstances)
+    : sections_(std::make_unique<Sections>()) {
   for (const SectionKey& key : kSectionKeys) {
-    sections_->all.emplace_back(snapshot, key);
+    sections_->all.emplace_back(snapshot, key, std::span<const Mark>(), circumstances);
   }
 }
 

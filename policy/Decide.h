@@ -9,6 +9,7 @@
 #include <vector>
 
 #include "policy/Arbitration.h"
+#include "policy/Circumstances.h"
 #include "policy/Connection.h"
 #include "policy/Snapshot.h"
 #include "policy/Verdict.h"
@@ -64,7 +65,8 @@ struct Explanation {
 class Decider {
  public:
   /// @param snapshot must outlive the decider and its explanations.
-  explicit Decider(const Snapshot& snapshot);
+  /// @param circumstances those of all connections that are asked about.
+  explicit Decider(const Snapshot& snapshot, const Circumstances& circumstances = {});
   ~Decider();
   Decider(Decider&&) noexcept;
   Decider& operator=(Decider&&) noexcept;

@@ -27,9 +27,8 @@ class VerdictTable {
   std::vector<Verdict> verdicts_;
 };
 
-MapSection MakeSection(const Snapshot& snapshot, SectionKey key, const Labels& labels,
-                       VerdictTable& verdicts) {
-  const Section section(snapshot, key);
+MapSection MakeSection(const Section& section, const Labels& labels, VerdictTable& verdicts) {
+  const SectionKey key = section.Key();
   Diagram diagram =
       MakeDiagram(section, [&](const BitWord* state) { return verdicts.Intern(section.Decide(state)); });
   MapSection map{key.direction, key.ipVersion, {}, std::move(diagram.nodes), diagram.root};
@@ -61,11 +60,11 @@ const Verdict& Map::At(const Connection& connection) const {
   return verdicts[target.index];
 }
 
-Map MakeMap(const Snapshot& snapshot, const Labels& labels) {
+Map MakeMap(const Snapshot& snapshot, const Labels& labels, const Circumstances& circumstances) {
   Map map;
   VerdictTable verdicts;
   for (const SectionKey& key : kSectionKeys) {
-    map.sections.push_back(MakeSection(snapshot, key, labels, verdicts));
+    map.sections.push_back(MakeSection(Section(snapshot, key, {}, circumstances), labels, verdicts));
   }
   map.verdicts = verdicts.Take();
   return map;

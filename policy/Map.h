@@ -8,6 +8,7 @@
 #include <string>
 #include <vector>
 
+#include "policy/Circumstances.h"
 #include "policy/Connection.h"
 #include "policy/MapNode.h"
 #include "policy/Snapshot.h"
@@ -36,8 +37,8 @@ struct Map {
   [[nodiscard]] const Verdict& At(const Connection& connection) const;
 };
 
-/// Maps the filters of a snapshot.
-Map MakeMap(const Snapshot& snapshot, const Labels& labels = {});
+/// Maps the filters of a snapshot, for connections in these circumstances.
+Map MakeMap(const Snapshot& snapshot, const Labels& labels = {}, const Circumstances& circumstances = {});
 
 /// How much of long lists the text of a map shows.
 struct MapTextOptions {

@@ -27,14 +27,13 @@ constexpr KeyedField kFields[]{
 
 }  // namespace
 
+std::optional<Field> ModelledField(const Catalog::Field& field) {
+  const auto* found = std::ranges::find(kFields, field.key, &KeyedField::key);
+  return found == std::end(kFields) ? std::nullopt : std::optional(found->field);
+}
+
 std::optional<Field> ModelledField(const Condition& condition) {
-  if (condition.field != nullptr) {
-    const auto found = std::ranges::find(kFields, condition.field->key, &KeyedField::key);
-    if (found != std::end(kFields)) {
-      return found->field;
-    }
-  }
-  return std::nullopt;
+  return condition.field == nullptr ? std::nullopt : ModelledField(*condition.field);
 }
 
 }  // namespace Policy

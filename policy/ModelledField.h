@@ -11,7 +11,9 @@
 
 namespace Policy {
 
-/// The field of connections that a condition tests; none if connections do not have it.
+/// The field of connections that a field of the engine is; none if connections do not have it.
+std::optional<Field> ModelledField(const Catalog::Field& field);
+/// The same for what a condition tests.
 std::optional<Field> ModelledField(const Condition& condition);
 
 }  // namespace Policy

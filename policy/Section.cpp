@@ -8,9 +8,9 @@
 
 #include "catalog/Keys.h"
 #include "policy/Certainty.h"
+#include "policy/FilterTests.h"
 #include "policy/FlagsTable.h"
 #include "policy/MakeFieldTable.h"
-#include "policy/ModelledField.h"
 
 namespace Policy {
 namespace {
@@ -29,14 +29,16 @@ bool DependsOnUnset(const Test& test) { return test.negated || test.TestsFlags()
 
 }  // namespace
 
-Section::Section(const Snapshot& snapshot, SectionKey key, std::span<const Mark> marks) : key_(key) {
+Section::Section(const Snapshot& snapshot, SectionKey key, std::span<const Mark> marks,
+                 const Circumstances& circumstances)
+    : key_(key) {
   AddLayers(snapshot);
   GroupsByField groups;
   AddMarks(marks, groups);
   for (std::size_t layer = 0; layer < layers_.size(); ++layer) {
     const auto& filters = layers_[layer].Filters();
     for (std::size_t i = 0; i < filters.size(); ++i) {
-      AddGroups(*filters[i], BitOf(layer, i), groups);
+      AddGroups(*filters[i], BitOf(layer, i), circumstances, groups);
     }
   }
   ChoosePlanes(groups);
@@ -63,19 +65,17 @@ std::size_t Section::BitOf(std::size_t layer, std::size_t filter) const {
   return layerAt_[layer] * kBitsPerWord + filter;
 }
 
-void Section::AddGroups(const Filter& filter, std::size_t bit, GroupsByField& groups) {
-  std::map<const Catalog::Field*, std::vector<const Condition*>> fixed;
-  for (const Condition& condition : filter.conditions) {
-    const std::optional<Field> field = ModelledField(condition);
-    if (!field) {
-      fixed[condition.field].push_back(&condition);
-      continue;
+void Section::AddGroups(const Filter& filter, std::size_t bit, const Circumstances& circumstances,
+                        GroupsByField& groups) {
+  const FilterTests asked = TestsOf(filter, key_.direction, key_.ipVersion, circumstances, derived_);
+  for (const auto& [field, tests] : asked.ofConnections) {
+    for (const Test* test : tests) {
+      AddTest(bit, field, *test, groups);
     }
-    AddTest(bit, *field, condition.test, groups);
   }
   bool inDoubt = false;
-  for (const auto& [field, conditions] : fixed) {
-    const Certainty certainty = CertaintyOf(conditions, key_.direction);
+  for (const auto& conditions : asked.ofCircumstances) {
+    const Certainty certainty = CertaintyOf(conditions, key_.direction, circumstances);
     inDoubt = inDoubt || certainty == Certainty::InDoubt;
     if (certainty == Certainty::Fails) {
       impossible_.push_back(bit);

@@ -5,11 +5,13 @@
 #pragma once
 
 #include <array>
+#include <deque>
 #include <memory>
 #include <span>
 #include <vector>
 
 #include "policy/Arbitration.h"
+#include "policy/Circumstances.h"
 #include "policy/Connection.h"
 #include "policy/FieldTable.h"
 #include "policy/Mark.h"
@@ -36,7 +38,8 @@ constexpr std::size_t SectionIndex(Direction direction, IpVersion ipVersion) {
 class Section {
  public:
   /// @param snapshot, marks must outlive the section.
-  Section(const Snapshot& snapshot, SectionKey key, std::span<const Mark> marks = {});
+  Section(const Snapshot& snapshot, SectionKey key, std::span<const Mark> marks = {},
+          const Circumstances& circumstances = {});
   Section(const Section&) = delete;
   Section& operator=(const Section&) = delete;
 
@@ -82,7 +85,8 @@ class Section {
   using GroupsByField = std::array<std::vector<TestGroup>, kFieldCount>;
 
   void AddLayers(const Snapshot& snapshot);
-  void AddGroups(const Filter& filter, std::size_t bit, GroupsByField& groups);
+  void AddGroups(const Filter& filter, std::size_t bit, const Circumstances& circumstances,
+                 GroupsByField& groups);
   void AddTest(std::size_t bit, Field field, const Test& test, GroupsByField& groups);
   void AddMarks(std::span<const Mark> marks, GroupsByField& groups);
   void ChoosePlanes(const GroupsByField& groups);
@@ -98,6 +102,7 @@ class Section {
   std::vector<Arbitration> layers_;
   std::vector<std::size_t> layerAt_;  ///< first word of each layer's filters
   std::vector<const Test*> testsOfFlags_;
+  std::deque<Test> derived_;             ///< tests that no condition has itself
   std::vector<std::size_t> impossible_;  ///< bits of filters that no connection of the section meets
   std::vector<std::size_t> doubtful_;    ///< bits of filters that match only perhaps
   std::vector<WorldSet> worldsOfPlane_;

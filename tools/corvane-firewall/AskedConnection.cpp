@@ -12,6 +12,15 @@ using Policy::Connection;
 using Policy::Direction;
 using Policy::PortUse;
 
+constexpr UINT64 LuidOfType(UINT64 type, UINT64 index = 0xFFFFFF) { return type << 48 | index << 24; }
+constexpr UINT64 kLoopbackInterface = LuidOfType(24, 0);
+
+/// 127.0.0.0/8 and ::1
+bool IsLoopbackAddress(const Policy::Address& address) {
+  return address.ipVersion == Policy::IpVersion::V4 ? address.number.low >> 24 == 127
+                                                    : address.number == Policy::Number(1);
+}
+
 /// @throws Failure if ports, or an ICMP type or code, are given for a protocol that has none.
 void CheckPortUse(PortUse portUse, const Endpoint& remote, const StepOptions& options) {
   const bool hasIcmpOptions = !options.icmpType.empty() || !options.icmpCode.empty();
@@ -40,11 +49,24 @@ void SetLocalEnd(const std::string& text, Connection& connection) {
   connection.localPort = local.port ? local.port : connection.localPort;
 }
 
-void SetInterface(const std::string& text, Connection& connection) {
-  const UINT64 luid = FindInterface(text);
+void SetInterface(UINT64 luid, Connection& connection) {
   connection.localInterface = luid;
   (connection.direction == Direction::Outbound ? connection.nextHopInterface : connection.arrivalInterface) =
       luid;
+}
+
+/// @throws Failure when the interface is given in two ways.
+void SetInterface(const StepOptions& options, Connection& connection) {
+  if (!options.interfaces.empty() && !options.interfaceType.empty()) {
+    throw Failure("An adapter has its type already", "Give either --interface or --interface-type.");
+  }
+  if (!options.interfaces.empty()) {
+    SetInterface(FindInterface(options.interfaces.front()), connection);
+  } else if (!options.interfaceType.empty()) {
+    SetInterface(LuidOfType(ParseInterfaceType(options.interfaceType.front()).value()), connection);
+  } else if (connection.flags == UINT32{FWP_CONDITION_FLAG_IS_LOOPBACK}) {
+    SetInterface(kLoopbackInterface, connection);
+  }
 }
 
 }  // namespace
@@ -60,7 +82,8 @@ void CheckAskedOfDump(const StepOptions& options) {
   }
 }
 
-Connection AskedConnection(const std::string& remoteText, const StepOptions& options) {
+Connection AskedConnection(const std::string& remoteText, const StepOptions& options,
+                           const AskedCircumstances& asked) {
   const Endpoint remote = ParseEndpoint(remoteText).value();
   const Policy::IpVersion ipVersion = remote.address.ipVersion;
   const UINT8 protocol =
@@ -68,8 +91,14 @@ Connection AskedConnection(const std::string& remoteText, const StepOptions& opt
   CheckPortUse(Policy::PortUseOf(ipVersion, protocol), remote, options);
   Connection connection = Policy::OrdinaryConnection(
       options.inbound.empty() ? Direction::Outbound : Direction::Inbound, ipVersion, protocol);
+  const bool isLoopback = !options.loopback.empty() || IsLoopbackAddress(remote.address);
+  connection.flags = isLoopback ? FWP_CONDITION_FLAG_IS_LOOPBACK : 0U;
+  SetInterface(options, connection);
+  if (isLoopback) {
+    connection.localAddress = remote.address.number;
+  }
   std::ranges::for_each(options.local, [&](const auto& text) { SetLocalEnd(text, connection); });
-  std::ranges::for_each(options.interfaces, [&](const auto& text) { SetInterface(text, connection); });
+  connection.application = asked.application.value_or(connection.application.value());
   for (const std::string& app : options.apps) {
     connection.application = ReadApplicationId(app);
   }
@@ -80,6 +109,8 @@ Connection AskedConnection(const std::string& remoteText, const StepOptions& opt
                         [&](const auto& text) { connection.remotePort = ParseByte(text).value(); });
   connection.remoteAddress = remote.address.number;
   connection.remotePort = remote.port ? remote.port : connection.remotePort;
-  connection.flags = options.loopback.empty() ? 0 : FWP_CONDITION_FLAG_IS_LOOPBACK;
+  if (!options.reauthorized.empty()) {
+    connection.flags = *connection.flags | FWP_CONDITION_FLAG_IS_REAUTHORIZE;
+  }
   return connection;
 }

@@ -2,6 +2,7 @@
 
 #include <string>
 
+#include "AskedCircumstances.h"
 #include "Step.h"
 #include "policy/Connection.h"
 
@@ -12,4 +13,5 @@ void CheckAskedOfDump(const StepOptions& options);
 /// The connection that the options of the step explain describe.
 /// @param remote one of the values of --remote.
 /// @throws Failure when the options contradict each other, or name an adapter or a file that does not exist.
-Policy::Connection AskedConnection(const std::string& remote, const StepOptions& options);
+Policy::Connection AskedConnection(const std::string& remote, const StepOptions& options,
+                                   const AskedCircumstances& asked);

@@ -131,6 +131,17 @@ void AddOption(CLI::App& app, const StepOption& option, StepOptions& options) {
   }
 }
 
+/// "--as service NAME" as one option with one value, because it may take one word or two.
+std::vector<std::string> WithWhoTogether(std::vector<std::string> arguments) {
+  for (std::size_t i = 0; i + 2 < arguments.size(); ++i) {
+    if (arguments[i] == "--as" && (arguments[i + 1] == "service" || arguments[i + 1] == "package")) {
+      arguments[i + 1] += " " + arguments[i + 2];
+      arguments.erase(arguments.begin() + static_cast<std::ptrdiff_t>(i) + 2);
+    }
+  }
+  return arguments;
+}
+
 std::vector<std::string> ParseStep(const Step& step, std::vector<std::string> arguments, Plan& plan) {
   CLI::App app(step.help, std::string("corvane-firewall ") + step.name);
   AddGlobalOptions(app, plan);
@@ -190,7 +201,7 @@ Plan ParseCommandLine(const std::vector<std::string>& arguments) {
   CLI::App app("Drives the Corvane native firewall, step by step in one session", "corvane-firewall STEP...");
   app.footer(ListSteps());
   AddGlobalOptions(app, plan);
-  std::vector<std::string> rest = Parse(app, arguments, plan);
+  std::vector<std::string> rest = Parse(app, WithWhoTogether(arguments), plan);
   while (!rest.empty()) {
     const Step* step = FindStep(rest.front());
     if (step == nullptr) {

@@ -3,6 +3,7 @@
 #include <map>
 
 #include "ActiveFeatures.h"
+#include "AskedCircumstances.h"
 #include "AskedConnection.h"
 #include "OutputFile.h"
 #include "ReportPage.h"
@@ -35,18 +36,21 @@ Policy::Snapshot ReadPolicyOf(const StepContext& context) {
 void ExplainStep(const StepContext& context, const StepOptions& options) {
   const Policy::Snapshot snapshot = ReadPolicyOf(context);
   const Policy::Labels labels = context.ReadAdapterNames();
-  const Policy::Decider decider(snapshot);
+  const AskedCircumstances asked = AskCircumstances(options, snapshot);
+  const Policy::Decider decider(snapshot, asked.circumstances);
   if (context.library == nullptr) {
     CheckAskedOfDump(options);
   }
   for (const std::string& remote : options.remotes) {
-    context.reporter.ShowExplanation(decider.Explain(AskedConnection(remote, options)), labels);
+    context.reporter.ShowExplanation(decider.Explain(AskedConnection(remote, options, asked)), labels);
   }
 }
 
-void MapStep(const StepContext& context, const StepOptions&) {
+void MapStep(const StepContext& context, const StepOptions& options) {
   const Policy::Labels labels = context.ReadAdapterNames();
-  context.reporter.ShowMap(Policy::MakeMap(ReadPolicyOf(context), labels), labels);
+  const Policy::Snapshot snapshot = ReadPolicyOf(context);
+  const AskedCircumstances asked = AskCircumstances(options, snapshot);
+  context.reporter.ShowMap(Policy::MakeMap(snapshot, labels, asked.circumstances), labels);
 }
 
 void ProveStep(const StepContext& context, const StepOptions&) {

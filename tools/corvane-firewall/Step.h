@@ -26,6 +26,16 @@ struct StepOptions {
   std::vector<std::string> icmpCode;
   std::vector<std::string> inbound;
   std::vector<std::string> loopback;
+  std::vector<std::string> who;
+  std::vector<std::string> user;
+  std::vector<std::string> account;
+  std::vector<std::string> capabilities;
+  std::vector<std::string> profile;
+  std::vector<std::string> interfaceType;
+  std::vector<std::string> tunnelType;
+  std::vector<std::string> compartment;
+  std::vector<std::string> epoch;
+  std::vector<std::string> reauthorized;
   std::vector<std::string> all;
   std::vector<std::string> file;
 };

@@ -1,13 +1,16 @@
 #include "Steps.h"
 
 #include <algorithm>
+#include <array>
 #include <iterator>
 
 #include "Adapters.h"
+#include "AskedCircumstances.h"
 #include "DumpSteps.h"
 #include "FeatureSwitches.h"
 #include "PolicySteps.h"
 #include "Text.h"
+#include "Who.h"
 
 namespace {
 
@@ -137,7 +140,39 @@ constexpr StepOption kListOptions[]{
     {"--all", nullptr, "The sublayers and filters of everybody, not ours alone", &StepOptions::all},
 };
 
-constexpr StepOption kExplainOptions[]{
+/// Who connects, and where.
+constexpr StepOption kWhoAndWhere[]{
+    {"--as", "user|system|service NAME|package NAME|SID",
+     "Whose program connects: a signed-in user's unless given", &StepOptions::who, Times::AtMostOnce,
+     RejectAllButWho},
+    {"--user", "SID", "The user; the one that filters name unless given, or any", &StepOptions::user,
+     Times::AtMostOnce, RejectAllButSid},
+    {"--account", "system|local-service|network-service",
+     "What the service runs as; known for services of Windows", &StepOptions::account, Times::AtMostOnce,
+     RejectAllButAccount},
+    {"--capability", "NAME|SID", "Of the package's app container", &StepOptions::capabilities, Times::Any,
+     RejectAllButCapability},
+    {"--profile", "private|public|domain", "Of the network; any unless given", &StepOptions::profile,
+     Times::AtMostOnce, RejectAllButProfile},
+    {"--tunnel-type", "NAME|N", "none, 6to4, isatap, teredo ...; none unless given", &StepOptions::tunnelType,
+     Times::AtMostOnce, RejectAllButTunnelType},
+    {"--compartment", "N", "Routing compartment; 1 unless given", &StepOptions::compartment,
+     Times::AtMostOnce, RejectAllButCompartment},
+    {"--epoch", "N", "Quarantine epoch of the adapter; quarantine is over unless given", &StepOptions::epoch,
+     Times::AtMostOnce, RejectAllButNumber},
+    {"--reauthorized", nullptr, "The connection exists already and is judged anew, after a change of filters",
+     &StepOptions::reauthorized},
+};
+
+/// The options of a step, and those of who connects and where.
+template <std::size_t Count>
+constexpr auto WithWhoAndWhere(const StepOption (&options)[Count]) {
+  std::array<StepOption, Count + std::size(kWhoAndWhere)> all{};
+  std::ranges::copy(kWhoAndWhere, std::ranges::copy(options, all.begin()).out);
+  return all;
+}
+
+constexpr StepOption kConnectionOptions[]{
     {"--remote", "ADDRESS[:PORT]",
      "Other end of the connection; port 443 unless given, for protocols that have ports. Repeat it to ask "
      "more",
@@ -157,12 +192,18 @@ constexpr StepOption kExplainOptions[]{
     {"--interface", "NAME|LUID", "Adapter; one that no filter names unless given", &StepOptions::interfaces,
      Times::AtMostOnce},
     {"--inbound", nullptr, "The other end opens the connection", &StepOptions::inbound},
-    {"--loopback", nullptr, "The connection stays on this machine", &StepOptions::loopback},
+    {"--loopback", nullptr, "The connection stays on this machine, as those to 127.0.0.0/8 and ::1 do",
+     &StepOptions::loopback},
+    {"--interface-type", "NAME|N", "Of an adapter that no filter names: ethernet, wifi, mobile, ppp ...",
+     &StepOptions::interfaceType, Times::AtMostOnce, RejectAllButInterfaceType},
 };
 
-constexpr StepOption kReportOptions[]{
+constexpr auto kExplainOptions = WithWhoAndWhere(kConnectionOptions);
+
+constexpr StepOption kPageOptions[]{
     {"file", "FILE.html", "Where to write the page", &StepOptions::file, Times::Once},
 };
+constexpr auto kReportOptions = WithWhoAndWhere(kPageOptions);
 
 constexpr StepOption kExportOptions[]{
     {"file", "FILE.xml", "Where to write the dump", &StepOptions::file, Times::Once, RejectAllButDump},
@@ -207,11 +248,8 @@ constexpr Step kSteps[]{
     {"list", "List what the engine holds of ours", kListOptions, Effect::ReadsEngine, ListStep},
     {"explain", "Tell what the engine does with a connection, and why", kExplainOptions, Effect::ReadsEngine,
      ExplainStep},
-    {"map",
-     "Tell what the engine does with every connection that can exist",
-     {},
-     Effect::ReadsEngine,
-     MapStep},
+    {"map", "Tell what the engine does with every connection that can exist", kWhoAndWhere,
+     Effect::ReadsEngine, MapStep},
     {"prove", "Check what the features switched on in this run promise", {}, Effect::ReadsRun, ProveStep},
     {"lint",
      "Find filters, of anybody's, that do not say what they seem to say",

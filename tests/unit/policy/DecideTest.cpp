@@ -130,20 +130,20 @@ TEST_F(DecideTest, DisabledAndBootTimeFiltersAreNotInForce) {
 }
 
 TEST_F(DecideTest, AFilterThatCannotBeJudgedPerhapsMatches) {
-  Install(1, "ALE_AUTH_CONNECT_V4 | BLOCK | UINT8 1 | - | INTERFACE_TYPE EQUAL UINT32 6");
+  Install(1, "ALE_AUTH_CONNECT_V4 | BLOCK | UINT8 1 | - | INTERFACE_INDEX EQUAL UINT32 6");
   EXPECT_EQ(VerdictOf(To("198.51.100.1")), "depends on filters that only the engine can judge");
 }
 
 TEST_F(DecideTest, AFilterThatCannotBeJudgedNeedsItsOtherConditions) {
   Install(1,
-          "ALE_AUTH_CONNECT_V4 | BLOCK | UINT8 1 | - | INTERFACE_TYPE EQUAL UINT32 6 & IP_REMOTE_PORT EQUAL "
+          "ALE_AUTH_CONNECT_V4 | BLOCK | UINT8 1 | - | INTERFACE_INDEX EQUAL UINT32 6 & IP_REMOTE_PORT EQUAL "
           "UINT16 1");
   EXPECT_EQ(VerdictOf(To("198.51.100.1", 2)), "permit");
 }
 
 TEST_F(DecideTest, WhatCannotBeJudgedMakesNoDifferenceBelowAHeavierFilter) {
   Install(1, R"(
-ALE_AUTH_CONNECT_V4 | BLOCK | UINT8 1 | - | INTERFACE_TYPE EQUAL UINT32 6
+ALE_AUTH_CONNECT_V4 | BLOCK | UINT8 1 | - | INTERFACE_INDEX EQUAL UINT32 6
 ALE_AUTH_CONNECT_V4 | PERMIT | UINT8 2 | - | -
 )");
   EXPECT_EQ(VerdictOf(To("198.51.100.1")), "permit");
@@ -216,8 +216,8 @@ TEST_F(DecideTest, AnExplanationInAnotherWorldTellsItsStory) {
 }
 
 TEST_F(DecideTest, AnExplanationNamesWhatCannotBeJudged) {
-  Install(1, "ALE_AUTH_CONNECT_V4 | BLOCK | UINT8 1 | - | INTERFACE_TYPE EQUAL UINT32 6");
-  EXPECT_THAT(ExplanationOf(To("198.51.100.1")), HasSubstr("with INTERFACE_TYPE EQUAL UINT32 6"));
+  Install(1, "ALE_AUTH_CONNECT_V4 | BLOCK | UINT8 1 | - | INTERFACE_INDEX EQUAL UINT32 6");
+  EXPECT_THAT(ExplanationOf(To("198.51.100.1")), HasSubstr("with INTERFACE_INDEX EQUAL UINT32 6"));
 }
 
 TEST_F(DecideTest, AnExplanationNamesCallouts) {
