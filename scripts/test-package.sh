@@ -115,6 +115,9 @@ for file in sys.argv[1:]: xml.dom.minidom.parse(file)
 END
 
 step "Build the library in another folder, and get the same bytes"
+object_sums() {
+  (cd "$1/src" && find . -name '*.obj' -o -name '*.res' | sort | xargs sha256sum)
+}
 mkdir "$package/elsewhere"
 tar --exclude=./build --exclude=./.git -cf - . | tar -xf - -C "$package/elsewhere"
 (
@@ -123,6 +126,10 @@ tar --exclude=./build --exclude=./.git -cf - . | tar -xf - -C "$package/elsewher
   cmake --build --preset windows --target corvane_native_firewall
 )
 for file in Corvane.Native.Firewall.dll Corvane.Native.Firewall.dll.debug; do
-  cmp "build/windows/bin/$file" "$package/elsewhere/build/windows/bin/$file"
+  if ! cmp "build/windows/bin/$file" "$package/elsewhere/build/windows/bin/$file"; then
+    echo "Of what they are linked from, this differs:" >&2
+    diff <(object_sums build/windows) <(object_sums "$package/elsewhere/build/windows") >&2 || true
+    exit 1
+  fi
   echo "The same: $file"
 done
