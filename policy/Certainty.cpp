@@ -227,20 +227,26 @@ struct HoldsOf {
 
 Certainty CertaintyOf(const std::vector<const Condition*>& conditions, Direction direction,
                       const Circumstances& circumstances) {
-  const auto isNegated = [](const Condition* condition) { return condition->test.negated; };
-  const bool severalNegations = std::ranges::count_if(conditions, isNegated) > 1;
-  Certainty certainty = Certainty::Fails;
+  bool inDoubt = false;
+  std::size_t negations = 0;
+  std::size_t failing = 0;
   for (const Condition* condition : conditions) {
     const FixedField* field = FindFixed(condition->field);
-    const auto holds = field != nullptr && !severalNegations
+    const auto holds = field != nullptr
                            ? std::visit(HoldsOf{*condition}, field->value(direction, circumstances))
                            : std::nullopt;
-    if (holds.value_or(false)) {
+    inDoubt = inDoubt || !holds;
+    if (condition->test.negated) {
+      ++negations;
+      failing += holds == false ? 1 : 0;
+    } else if (holds == true) {
       return Certainty::Holds;
     }
-    certainty = holds ? certainty : Certainty::InDoubt;
   }
-  return certainty;
+  if (inDoubt || (failing > 0 && failing < negations)) {
+    return Certainty::InDoubt;
+  }
+  return failing < negations ? Certainty::Holds : Certainty::Fails;
 }
 
 std::string_view DecidedBy(const Catalog::Field& field) {

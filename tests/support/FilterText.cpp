@@ -6,6 +6,7 @@
 
 #include "catalog/Fields.h"
 #include "catalog/Layers.h"
+#include "dump/Sddl.h"
 
 namespace {
 
@@ -64,6 +65,7 @@ constexpr Named kTypes[]{{"EMPTY", FWP_EMPTY},
                          {"BYTE_ARRAY16", FWP_BYTE_ARRAY16_TYPE},
                          {"BYTE_BLOB", FWP_BYTE_BLOB_TYPE},
                          {"SECURITY_DESCRIPTOR", FWP_SECURITY_DESCRIPTOR_TYPE},
+                         {"SID", FWP_SID},
                          {"V4_ADDR_MASK", FWP_V4_ADDR_MASK},
                          {"V6_ADDR_MASK", FWP_V6_ADDR_MASK},
                          {"RANGE", FWP_RANGE_TYPE}};
@@ -142,8 +144,13 @@ void FilterText::SetDatum(Value& value, const std::string& type, const std::stri
       value.byteArray16 = Keep(IpV6(datum));
       break;
     case FWP_BYTE_BLOB_TYPE:
-    case FWP_SECURITY_DESCRIPTOR_TYPE:
       value.byteBlob = MakeBlob(datum);
+      break;
+    case FWP_SECURITY_DESCRIPTOR_TYPE:
+      value.sd = datum.starts_with("D:") ? KeepBytes(Dump::ParseSddl(datum)) : MakeBlob(datum);
+      break;
+    case FWP_SID:
+      value.sid = reinterpret_cast<SID*>(KeepBytes(Dump::ParseSid(datum))->data);
       break;
     default:
       break;
@@ -184,6 +191,10 @@ FWP_BYTE_BLOB* FilterText::MakeBlob(const std::string& text) {
     bytes += character;
     bytes += '\0';
   }
-  auto* kept = Keep(std::move(bytes));
+  return KeepBytes({bytes.begin(), bytes.end()});
+}
+
+FWP_BYTE_BLOB* FilterText::KeepBytes(const std::vector<UINT8>& bytes) {
+  auto* kept = Keep(std::string(bytes.begin(), bytes.end()));
   return Keep(FWP_BYTE_BLOB{static_cast<UINT32>(kept->size()), reinterpret_cast<UINT8*>(kept->data())});
 }

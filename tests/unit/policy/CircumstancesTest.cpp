@@ -7,7 +7,6 @@
 #include <vector>
 
 #include "catalog/Layers.h"
-#include "dump/Sddl.h"
 #include "policy/Certainty.h"
 #include "policy/Decide.h"
 #include "policy/Map.h"
@@ -25,27 +24,12 @@ using testing::ElementsAre;
 
 const Policy::Sid kAlice = Policy::ParseSid("S-1-5-21-1-2-3-1001").value();
 
-/// A blocking filter, alone in its sublayer. A condition on a user, a package family or a package has SDDL,
-/// or the text of a SID, in place of its value.
+/// A blocking filter, alone in its sublayer.
 class Block {
  public:
-  Block(const std::string& layer, const std::string& conditions, const std::string& identity = "") {
+  Block(const std::string& layer, const std::string& conditions) {
     FilterText text(layer + " | BLOCK | UINT8 1 | - | " + conditions);
-    std::vector<UINT8> bytes = identity.starts_with("S-") ? Dump::ParseSid(identity)
-                               : identity.empty()         ? std::vector<UINT8>()
-                                                          : Dump::ParseSddl(identity);
-    FWP_BYTE_BLOB blob{static_cast<UINT32>(bytes.size()), bytes.data()};
-    FWPM_FILTER0& record = text.Record();
-    for (UINT32 i = 0; i < record.numFilterConditions; ++i) {
-      FWP_CONDITION_VALUE0& value = record.filterCondition[i].conditionValue;
-      if (value.type == FWP_SECURITY_DESCRIPTOR_TYPE) {
-        value.sd = &blob;
-      } else if (value.type == FWP_EMPTY && !bytes.empty()) {
-        value.type = FWP_SID;
-        value.sid = reinterpret_cast<SID*>(bytes.data());
-      }
-    }
-    snapshot_ = Policy::MakeSnapshot({}, {Policy::Decode(record)});
+    snapshot_ = Policy::MakeSnapshot({}, {Policy::Decode(text.Record())});
   }
 
   [[nodiscard]] const Policy::Snapshot& Snapshot() const { return snapshot_; }
@@ -78,40 +62,38 @@ Circumstances Usual() { return Policy::UsualCircumstances(Policy::UserProgram(kA
 Circumstances As(Policy::Token token) { return Policy::UsualCircumstances(std::move(token)); }
 
 /// What becomes of a condition of an outbound filter.
-std::string Out(const std::string& condition, const Circumstances& circumstances,
-                const std::string& identity = "") {
-  return Block("ALE_AUTH_CONNECT_V4", condition, identity).Of(Outbound(), circumstances);
+std::string Out(const std::string& condition, const Circumstances& circumstances) {
+  return Block("ALE_AUTH_CONNECT_V4", condition).Of(Outbound(), circumstances);
 }
-std::string In(const std::string& condition, const Circumstances& circumstances,
-               const std::string& identity = "") {
-  return Block("ALE_AUTH_RECV_ACCEPT_V4", condition, identity).Of(Inbound(), circumstances);
+std::string In(const std::string& condition, const Circumstances& circumstances) {
+  return Block("ALE_AUTH_RECV_ACCEPT_V4", condition).Of(Inbound(), circumstances);
 }
 
-constexpr const char* kUser = "ALE_USER_ID EQUAL SECURITY_DESCRIPTOR -";
-constexpr const char* kFamily = "ALE_PACKAGE_FAMILY_NAME EQUAL SECURITY_DESCRIPTOR -";
-constexpr const char* kPackage = "ALE_PACKAGE_ID EQUAL EMPTY";
-constexpr const char* kOtherPackage = "ALE_PACKAGE_ID NOT_EQUAL EMPTY";
+const std::string kUser = "ALE_USER_ID EQUAL SECURITY_DESCRIPTOR ";
+const std::string kFamily = "ALE_PACKAGE_FAMILY_NAME EQUAL SECURITY_DESCRIPTOR ";
+const std::string kPackage = "ALE_PACKAGE_ID EQUAL SID ";
+const std::string kOtherPackage = "ALE_PACKAGE_ID NOT_EQUAL SID ";
 
 TEST(Circumstances, OfWhichNothingIsKnownLeaveConditionsInDoubt) {
   const Circumstances unknown;
-  EXPECT_EQ(Out(kUser, unknown, "D:(A;;CC;;;WD)"), "in doubt");
-  EXPECT_EQ(Out(kPackage, unknown, "S-1-0-0"), "in doubt");
+  EXPECT_EQ(Out(kUser + "D:(A;;CC;;;WD)", unknown), "in doubt");
+  EXPECT_EQ(Out(kPackage + "S-1-0-0", unknown), "in doubt");
   EXPECT_EQ(Out("ORIGINAL_PROFILE_ID EQUAL UINT32 1", unknown), "in doubt");
   EXPECT_EQ(Out("TUNNEL_TYPE EQUAL UINT32 0", unknown), "in doubt");
   EXPECT_EQ(Out("COMPARTMENT_ID EQUAL UINT32 1", unknown), "in doubt");
   EXPECT_EQ(Out("INTERFACE_QUARANTINE_EPOCH EQUAL UINT64 1", unknown), "in doubt");
   EXPECT_EQ(Out("REAUTHORIZE_REASON FLAGS_ALL_SET UINT32 1", unknown), "in doubt");
   EXPECT_EQ(In("ALE_SIO_FIREWALL_SYSTEM_PORT EQUAL UINT32 1", unknown), "in doubt");
-  EXPECT_EQ(Out("ALE_REMOTE_USER_ID EQUAL SECURITY_DESCRIPTOR -", unknown, "D:(A;;CC;;;WD)"), "in doubt");
+  EXPECT_EQ(Out("ALE_REMOTE_USER_ID EQUAL SECURITY_DESCRIPTOR D:(A;;CC;;;WD)", unknown), "in doubt");
 }
 
 TEST(Circumstances, TheUserIsAskedByAnAccessCheck) {
-  EXPECT_EQ(Out(kUser, Usual(), "D:(A;;CC;;;S-1-5-21-1-2-3-1001)"), "holds");
-  EXPECT_EQ(Out(kUser, Usual(), "D:(A;;CC;;;S-1-5-21-1-2-3-1002)"), "in doubt");
-  EXPECT_EQ(Out(kUser, Usual(), "D:(A;;CC;;;SY)"), "fails");
-  EXPECT_EQ(Out(kUser, Usual(), "D:(D;;CC;;;WD)(A;;CC;;;S-1-5-21-1-2-3-1001)"), "fails");
-  EXPECT_EQ(Out(kUser, As(Policy::SystemProgram()), "D:(A;;CC;;;SY)"), "holds");
-  EXPECT_EQ(Out("ALE_USER_ID NOT_EQUAL SECURITY_DESCRIPTOR -", Usual(), "D:(A;;CC;;;WD)"), "in doubt");
+  EXPECT_EQ(Out(kUser + "D:(A;;CC;;;S-1-5-21-1-2-3-1001)", Usual()), "holds");
+  EXPECT_EQ(Out(kUser + "D:(A;;CC;;;S-1-5-21-1-2-3-1002)", Usual()), "in doubt");
+  EXPECT_EQ(Out(kUser + "D:(A;;CC;;;SY)", Usual()), "fails");
+  EXPECT_EQ(Out(kUser + "D:(D;;CC;;;WD)(A;;CC;;;S-1-5-21-1-2-3-1001)", Usual()), "fails");
+  EXPECT_EQ(Out(kUser + "D:(A;;CC;;;SY)", As(Policy::SystemProgram())), "holds");
+  EXPECT_EQ(Out("ALE_USER_ID NOT_EQUAL SECURITY_DESCRIPTOR D:(A;;CC;;;WD)", Usual()), "in doubt");
   EXPECT_EQ(Out("ALE_USER_ID EQUAL EMPTY", Usual()), "fails");
 }
 
@@ -119,30 +101,36 @@ TEST(Circumstances, AServiceIsItsName) {
   const auto sid = Policy::ServiceSid("Dnscache").value();
   const Circumstances service = As(Policy::ServiceProgram(sid, Policy::ServiceAccount::NetworkService));
   const std::string dnscache = "D:(A;;CCRC;;;S-1-5-80-859482183-879914841-863379149-1145462774-2388618682)";
-  EXPECT_EQ(Out(kUser, service, dnscache), "holds");
-  EXPECT_EQ(Out(kUser, Usual(), dnscache), "fails");
+  EXPECT_EQ(Out(kUser + dnscache, service), "holds");
+  EXPECT_EQ(Out(kUser + dnscache, Usual()), "fails");
 }
 
 TEST(Circumstances, APackageIsItsSidAndEveryOtherProgramTheNullSid) {
   const Policy::Sid sid = Policy::ParseSid("S-1-15-2-1-2-3-4-5-6-7").value();
   const Circumstances app = As(Policy::AppContainerProgram({sid, {}}, kAlice));
-  EXPECT_EQ(Out(kPackage, app, "S-1-15-2-1-2-3-4-5-6-7"), "holds");
-  EXPECT_EQ(Out(kPackage, app, "S-1-0-0"), "fails");
-  EXPECT_EQ(Out(kOtherPackage, app, "S-1-0-0"), "holds");
-  EXPECT_EQ(Out(kPackage, Usual(), "S-1-0-0"), "holds");
-  EXPECT_EQ(Out(kOtherPackage, Usual(), "S-1-0-0"), "fails");
+  EXPECT_EQ(Out(kPackage + "S-1-15-2-1-2-3-4-5-6-7", app), "holds");
+  EXPECT_EQ(Out(kPackage + "S-1-0-0", app), "fails");
+  EXPECT_EQ(Out(kOtherPackage + "S-1-0-0", app), "holds");
+  EXPECT_EQ(Out(kPackage + "S-1-0-0", Usual()), "holds");
+  EXPECT_EQ(Out(kOtherPackage + "S-1-0-0", Usual()), "fails");
 }
 
 TEST(Circumstances, AFamilyIsAskedOfTheTokensAttribute) {
   const std::string family = R"(D:(XA;;CC;;;WD;(WIN://SYSAPPID Contains "Example.App_0123456789abc")))";
   const Circumstances packaged =
       As(Policy::WithPackageFamily(Policy::UserProgram(kAlice), "Example.App_0123456789abc"));
-  EXPECT_EQ(Out(kFamily, packaged, family), "holds");
-  EXPECT_EQ(Out(kFamily, Usual(), family), "fails");
+  EXPECT_EQ(Out(kFamily + family, packaged), "holds");
+  EXPECT_EQ(Out(kFamily + family, Usual()), "fails");
+}
+
+TEST(Circumstances, OfSeveralNegationsAllOrNoneIsCertain) {
+  EXPECT_EQ(Out(kOtherPackage + "S-1-1-0 & " + kOtherPackage + "S-1-2-0", Usual()), "holds");
+  EXPECT_EQ(Out(kOtherPackage + "S-1-1-0 & " + kOtherPackage + "S-1-0-0", Usual()), "in doubt");
+  EXPECT_EQ(Out(kOtherPackage + "S-1-0-0 & " + kOtherPackage + "S-1-0-0", Usual()), "fails");
 }
 
 TEST(Circumstances, WithoutIpsecPeersAreNobody) {
-  EXPECT_EQ(In("ALE_REMOTE_USER_ID EQUAL SECURITY_DESCRIPTOR -", Usual(), "D:(A;;CC;;;WD)"), "fails");
+  EXPECT_EQ(In("ALE_REMOTE_USER_ID EQUAL SECURITY_DESCRIPTOR D:(A;;CC;;;WD)", Usual()), "fails");
   EXPECT_EQ(In("ALE_REMOTE_MACHINE_ID EQUAL EMPTY", Usual()), "holds");
 }
 
@@ -265,8 +253,7 @@ TEST(Circumstances, EveryFieldOfTheSixLayersIsModelledOrNamedAsNot) {
 
 TEST(NamedInSnapshot, TheOneAccountOfAPerson) {
   const auto account = [](const std::string& sddl) {
-    const auto found = Policy::OnlyAccount(
-        Block("ALE_AUTH_CONNECT_V4", "ALE_USER_ID EQUAL SECURITY_DESCRIPTOR -", sddl).Snapshot());
+    const auto found = Policy::OnlyAccount(Block("ALE_AUTH_CONNECT_V4", kUser + sddl).Snapshot());
     return found ? Policy::FormatSid(*found) : "none";
   };
   EXPECT_EQ(account("D:(A;;CC;;;S-1-5-21-1-2-3-1001)(A;;CC;;;AC)"), "S-1-5-21-1-2-3-1001");
