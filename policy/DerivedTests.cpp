@@ -98,16 +98,35 @@ constexpr std::string_view kLocalAddressType = "IP_LOCAL_ADDRESS_TYPE";
 constexpr std::string_view kDestinationAddressType = "IP_DESTINATION_ADDRESS_TYPE";
 constexpr std::string_view kOriginalIcmpType = "ORIGINAL_ICMP_TYPE";
 
-/// The numbers for which one of a group's tests holds, if they are all plain.
-std::optional<std::vector<Interval>> IntervalsOf(const std::vector<const Test*>& group) {
+/// The values for which one of a group's tests holds.
+struct Values {
   std::vector<Interval> intervals;
+  bool unset = false;         ///< whether the field without a value is one
+  bool perhapsUnset = false;  ///< or whether that depends on a reading
+};
+
+/// None where readings differ about numbers, too.
+std::optional<Values> ValuesOf(const std::vector<const Test*>& group) {
+  Values values;
   for (const Test* test : group) {
-    if (test->kind != Test::Kind::InInterval || test->negated) {
+    const auto [first, last] = test->interval;
+    if (test->kind == Test::Kind::Unset) {
+      values.unset = true;
+    } else if (test->kind != Test::Kind::InInterval || (test->negated && group.size() > 1)) {
       return std::nullopt;
+    } else if (!test->negated) {
+      values.intervals.push_back(test->interval);
+    } else {
+      values.perhapsUnset = true;
+      if (first > Number(0)) {
+        values.intervals.push_back({0, Previous(first)});
+      }
+      if (last < GreatestOfBits(128)) {
+        values.intervals.push_back({Next(last), GreatestOfBits(128)});
+      }
     }
-    intervals.push_back(test->interval);
   }
-  return intervals;
+  return values;
 }
 
 std::vector<Interval> Meet(const std::vector<Interval>& left, const std::vector<Interval>& right) {
@@ -155,17 +174,26 @@ bool IsDerived(const Catalog::Field& field) {
 }
 
 std::vector<Test> HoldTogether(std::span<const std::vector<const Test*>> groups) {
-  std::vector<Interval> common{{0, GreatestOfBits(128)}};
+  Values common{{{0, GreatestOfBits(128)}}, true};
   for (const auto& group : groups) {
-    const auto intervals = IntervalsOf(group);
-    if (!intervals) {
+    const auto values = ValuesOf(group);
+    if (!values) {
       return std::vector<Test>(1);
     }
-    common = Meet(common, *intervals);
+    common.intervals = Meet(common.intervals, values->intervals);
+    common.perhapsUnset = (common.unset || common.perhapsUnset) && (values->unset || values->perhapsUnset) &&
+                          (common.perhapsUnset || values->perhapsUnset);
+    common.unset = common.unset && values->unset;
+  }
+  if (common.perhapsUnset) {
+    return std::vector<Test>(1);
   }
   std::vector<Test> tests;
-  for (const Interval& interval : common) {
+  for (const Interval& interval : common.intervals) {
     tests.push_back(OfInterval(interval));
+  }
+  if (common.unset) {
+    tests.push_back({Test::Kind::Unset, false, {}, {}});
   }
   return tests.empty() ? std::vector(1, kNever) : tests;
 }

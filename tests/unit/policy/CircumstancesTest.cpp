@@ -186,7 +186,7 @@ TEST(Circumstances, QuarantineIsOverForWhateverInterface) {
 
 TEST(Circumstances, AnInterfacesTypeIsInItsLuid) {
   Connection wireless = Outbound();
-  wireless.localInterface = 0x0047'0080'0000'0000;  // 71
+  wireless.localInterface = 0x0047'0000'0000'0000;  // 71
   wireless.nextHopInterface = wireless.localInterface;
   const auto of = [&](const std::string& condition) {
     return Block("ALE_AUTH_CONNECT_V4", condition).Of(wireless, Usual());
@@ -201,7 +201,12 @@ TEST(Circumstances, AnInterfacesTypeIsInItsLuid) {
   EXPECT_EQ(of("INTERFACE_TYPE EQUAL UINT32 71 & IP_LOCAL_INTERFACE RANGE RANGE UINT64 1 to UINT64 "
                "20266198323167232"),
             "holds");
-  EXPECT_EQ(of("INTERFACE_TYPE EQUAL UINT32 71 & IP_LOCAL_INTERFACE NOT_EQUAL UINT64 7"), "in doubt");
+  EXPECT_EQ(of("INTERFACE_TYPE EQUAL UINT32 71 & IP_LOCAL_INTERFACE NOT_EQUAL UINT64 7"), "holds");
+  EXPECT_EQ(of("INTERFACE_TYPE EQUAL UINT32 71 & IP_LOCAL_INTERFACE NOT_EQUAL UINT64 19984723346456576"),
+            "fails");
+  EXPECT_EQ(of("INTERFACE_TYPE EQUAL UINT32 71 & IP_LOCAL_INTERFACE EQUAL EMPTY"), "fails");
+  EXPECT_EQ(of("ARRIVAL_INTERFACE_TYPE EQUAL EMPTY & IP_ARRIVAL_INTERFACE EQUAL EMPTY"), "holds");
+  EXPECT_EQ(of("INTERFACE_TYPE NOT_EQUAL UINT32 6 & IP_LOCAL_INTERFACE NOT_EQUAL UINT64 7"), "in doubt");
 }
 
 TEST(Circumstances, AKindOfAddressIsInTheAddress) {
