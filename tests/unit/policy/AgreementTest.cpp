@@ -45,6 +45,12 @@ class Dice {
                              " | UINT64 0x3000000000000005 | ", " | UINT64 0x4000000000000000 | "});
     text += OneIn(4) ? "CLEAR_ACTION_RIGHT | " : "- | ";
     std::string conditions;
+    if (OneIn(3)) {
+      conditions = WhoOrWhere(layer);
+    }
+    // Where several fields tell of one thing, negations of each are in doubt.
+    mayNegate_ =
+        conditions.find("INTERFACE") == std::string::npos && conditions.find("TYPE") == std::string::npos;
     for (std::size_t count = Below(4); count > 0; --count) {
       conditions += (conditions.empty() ? "" : " & ") + Condition(version, layer);
     }
@@ -58,16 +64,39 @@ class Dice {
     const UINT64 network = version == IpVersion::V4 ? 0 : 0xFE80000000000000;
     const UINT64 host = version == IpVersion::V4 ? 0x0A000000 : 0;
     Maybe(connection.remoteAddress, [&] { return Policy::Number(network, host + Below(9)); });
-    Maybe(connection.localAddress, [&] { return Policy::Number(network, host + Below(3)); });
+    Maybe(connection.localAddress, [&] {
+      const Policy::Number multicast =
+          version == IpVersion::V4 ? Policy::Number(0xE0000001) : Policy::Number(0xFF02000000000000, 1);
+      return OneIn(5) ? multicast : Policy::Number(network, host + Below(3));
+    });
     Maybe(connection.remotePort, [&] { return static_cast<UINT16>(51 + Below(5)); });
     Maybe(connection.localPort, [&] { return static_cast<UINT16>(Below(3)); });
     Maybe(connection.protocol, [&] { return static_cast<UINT8>(OneIn(2) ? 6 : 17); });
-    Maybe(connection.localInterface, [&] { return UINT64{6 + Below(4)}; });
+    Maybe(connection.localInterface, [&] { return Interface(); });
+    auto& other = connection.direction == Direction::Outbound ? connection.nextHopInterface
+                                                              : connection.arrivalInterface;
+    Maybe(other, [&] { return Interface(); });
     Maybe(connection.application, [&] {
       return Policy::ApplicationBytes(OneOf(std::array{"a.exe", "b.exe", "\\x\\b.exe", "\\y\\a.exe", "c"}));
     });
     Maybe(connection.flags, [&] { return kWords[Below(kWords.size())]; });
     return connection;
+  }
+
+  NaiveCircumstances MakeCircumstances() {
+    NaiveCircumstances circumstances;
+    circumstances.person = &PersonOf(Below(kNaivePeople));
+    if (!OneIn(3)) {
+      circumstances.profile = static_cast<UINT32>(1 + Below(3));
+    }
+    circumstances.tunnelType = OneIn(3) ? 14 : 0;
+    circumstances.compartment = OneIn(3) ? 2 : 1;
+    if (OneIn(2)) {
+      circumstances.epoch = 1 + Below(2);
+    }
+    circumstances.systemPort = static_cast<UINT32>(Below(4));
+    circumstances.reauthorizeReason = static_cast<UINT32>(Below(3));
+    return circumstances;
   }
 
  private:
@@ -78,6 +107,68 @@ class Dice {
     if (!OneIn(7)) {
       value = make();
     }
+  }
+
+  UINT64 Interface() { return OneIn(3) ? UINT64{71} << 48 | 6 : UINT64{6 + Below(4)}; }
+
+  /// A condition on who connects or where.
+  std::string WhoOrWhere(const std::string& layer) {
+    if (OneIn(2)) {
+      return Who();
+    }
+    const bool isEstablished = layer == "ALE_FLOW_ESTABLISHED";
+    switch (Below(isEstablished ? 4 : 8)) {
+      case 0:
+        return "TUNNEL_TYPE EQUAL UINT32 " + OneOf(std::array{"0", "14"});
+      case 1:
+        return "COMPARTMENT_ID EQUAL UINT32 " + OneOf(std::array{"1", "2"});
+      case 2:
+        return "INTERFACE_TYPE EQUAL UINT32 " + OneOf(std::array{"0", "71"});
+      case 3:
+        return "IP_LOCAL_ADDRESS_TYPE EQUAL UINT8 " + OneOf(std::array{"0", "1", "3", "4"});
+      case 4:
+        return OneOf(std::array{"ORIGINAL_PROFILE_ID", "CURRENT_PROFILE_ID"}) + " EQUAL UINT32 " +
+               OneOf(std::array{"1", "2"});
+      case 5:
+        return "INTERFACE_QUARANTINE_EPOCH EQUAL UINT64 1 & IP_ARRIVAL_INTERFACE EQUAL UINT64 7";
+      case 6:
+        return "REAUTHORIZE_REASON " + OneOf(std::array{"EQUAL", "FLAGS_ALL_SET", "FLAGS_NONE_SET"}) +
+               " UINT32 " + OneOf(std::array{"1", "2"});
+      default:
+        return OneIn(2) && layer == "ALE_AUTH_RECV_ACCEPT"
+                   ? "ALE_SIO_FIREWALL_SYSTEM_PORT FLAGS_NONE_SET UINT32 1"
+                   : OneOf(std::array{"ARRIVAL", "NEXTHOP"}) +
+                         OneOf(std::array{"_TUNNEL_TYPE EQUAL UINT32 14", "_TUNNEL_TYPE NOT_EQUAL UINT32 14",
+                                          "_INTERFACE_TYPE EQUAL UINT32 71"});
+    }
+  }
+
+  std::string Who() {
+    switch (Below(4)) {
+      case 0:
+        return "ALE_PACKAGE_ID " + OneOf(std::array{"EQUAL SID S-1-0-0", "NOT_EQUAL SID S-1-0-0",
+                                                    "EQUAL SID S-1-15-2-1-2-3-4-5-6-7", "EQUAL EMPTY"});
+      case 1:
+        return "ALE_PACKAGE_FAMILY_NAME EQUAL SECURITY_DESCRIPTOR D:" + Entries();
+      default:
+        return OneIn(8) ? "ALE_REMOTE_USER_ID EQUAL SECURITY_DESCRIPTOR D:(A;;CC;;;WD)"
+                        : "ALE_USER_ID EQUAL SECURITY_DESCRIPTOR D:" + Entries();
+    }
+  }
+
+  std::string Entries() {
+    std::string entries;
+    for (std::size_t count = Below(4); count > 0; --count) {
+      entries +=
+          OneOf(std::array{"(A;;CC;;;", "(A;;CCRC;;;", "(A;;CC;;;", "(A;;RC;;;", "(D;;CC;;;"}) +
+          OneOf(std::array{"WD", "SY", "NS", "BU", "BA", "AC", "S-1-5-21-1-2-3-1001", "S-1-5-80-0",
+                           "S-1-5-80-1-2-3-4-5", "S-1-15-3-1", "S-1-15-3-2", "S-1-15-2-1-2-3-4-5-6-7"}) +
+          ')';
+    }
+    if (OneIn(4)) {
+      entries += R"((XA;;CC;;;WD;(WIN://SYSAPPID Contains "Example.App_0123456789abc")))";
+    }
+    return entries;
   }
 
   std::string Number(const std::string& field, const std::string& type, std::size_t first,
@@ -91,13 +182,13 @@ class Dice {
              " to " + type + ' ' + std::to_string(first + 1 + Below(count));
     }
     return field + ' ' +
-           OneOf(std::array{"EQUAL", "EQUAL", "NOT_EQUAL", "GREATER", "LESS", "GREATER_OR_EQUAL",
-                            "LESS_OR_EQUAL"}) +
+           OneOf(std::array{"EQUAL", "EQUAL", mayNegate_ ? "NOT_EQUAL" : "EQUAL", "GREATER", "LESS",
+                            "GREATER_OR_EQUAL", "LESS_OR_EQUAL"}) +
            ' ' + number();
   }
 
   std::string Address(IpVersion version, const std::string& field) {
-    const std::string match = OneIn(4) ? " NOT_EQUAL " : " EQUAL ";
+    const std::string match = OneIn(4) && mayNegate_ ? " NOT_EQUAL " : " EQUAL ";
     if (version == IpVersion::V4) {
       return field + match +
              OneOf(std::array{"UINT32 10.0.0.1", "UINT32 10.0.0.2", "V4_ADDR_MASK 10.0.0.0/255.255.255.252",
@@ -139,13 +230,14 @@ class Dice {
       case 7:
         return Flags();
       case 8:
-        return OneIn(6) ? "INTERFACE_TYPE EQUAL UINT32 6" : Application();
+        return OneIn(6) ? "ALE_SECURITY_ATTRIBUTE_FQBN_VALUE EQUAL BYTE_BLOB x" : Application();
       default:
         return Number("DIRECTION", "UINT32", 0, 2);
     }
   }
 
   std::mt19937 engine_;
+  bool mayNegate_ = true;
 };
 
 /// The same random filters in the emulated engine and in the naive one.
@@ -196,14 +288,15 @@ TEST_F(AgreementTest, DecisionsAndMapsAgreeWithTheNaiveEngineOnAMillionConnectio
     InstallRandom(dice, version);
     const Policy::Snapshot snapshot = Read();
     TakeWeights(snapshot);
-    const Policy::Decider decider(snapshot);
-    const Policy::Map map = Policy::MakeMap(snapshot);
+    const NaiveCircumstances circumstances = dice.MakeCircumstances();
+    const Policy::Decider decider(snapshot, circumstances.ToCircumstances());
+    const Policy::Map map = Policy::MakeMap(snapshot, {}, circumstances.ToCircumstances());
     for (int j = 0; j < kConnectionsEach; ++j) {
       const Connection connection = dice.MakeConnection(version);
       const World world = World::OfIndex(dice.Below(World::kCount));
       const Policy::Verdict verdict = decider.Decide(connection);
       ++met[static_cast<std::size_t>(verdict.GetKind())];
-      ASSERT_EQ(InWords(verdict.In(world)), InWords(DecideNaively(naive_, connection, world)))
+      ASSERT_EQ(InWords(verdict.In(world)), InWords(DecideNaively(naive_, connection, circumstances, world)))
           << "policy " << i << ", world " << world.Index() << "\n"
           << Policy::Describe(decider.Explain(connection, world));
       ASSERT_EQ(map.At(connection), verdict) << "policy " << i << "\n" << Policy::Describe(connection);

@@ -3,8 +3,6 @@
 #include <array>
 #include <vector>
 
-#include "dump/Sddl.h"
-
 namespace {
 
 using Policy::Direction;

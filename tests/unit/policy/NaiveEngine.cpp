@@ -59,12 +59,13 @@ Decision Pick(const std::vector<Decision>& decisions, bool block) {
 
 /// Of the decisions that a sublayer can make, the one that blocks most and the one that permits most.
 std::pair<Decision, Decision> Decide(const NaiveSublayer& sublayer, const GUID& layer,
-                                     const Connection& connection, World world) {
+                                     const Connection& connection, const NaiveCircumstances& circumstances,
+                                     World world) {
   Filters sure;
   Filters perhaps;
   for (const NaiveFilter& filter : sublayer.filters) {
     if (filter.record->layerKey == layer && DecisionOf(filter, world)) {
-      const Matching matching = Matches(filter, connection, world);
+      const Matching matching = Matches(filter, connection, circumstances, world);
       if (matching != No) {
         (matching == Yes ? sure : perhaps).push_back(&filter);
       }
@@ -111,7 +112,7 @@ std::vector<std::string> LayersOf(const Connection& connection) {
 }  // namespace
 
 std::optional<Action> DecideNaively(const std::vector<NaiveSublayer>& sublayers, const Connection& connection,
-                                    World world) {
+                                    const NaiveCircumstances& circumstances, World world) {
   Action least = Action::Permit;
   Action most = Action::Permit;
   for (const std::string& name : LayersOf(connection)) {
@@ -122,7 +123,7 @@ std::optional<Action> DecideNaively(const std::vector<NaiveSublayer>& sublayers,
     Turns blocking;
     Turns permitting;
     for (const NaiveSublayer& sublayer : sublayers) {
-      const auto [block, permit] = Decide(sublayer, layer->key, connection, world);
+      const auto [block, permit] = Decide(sublayer, layer->key, connection, circumstances, world);
       blocking.emplace_back(sublayer.weight, block);
       permitting.emplace_back(sublayer.weight, permit);
     }

@@ -7,6 +7,7 @@
 #include <optional>
 #include <vector>
 
+#include "unit/policy/NaiveCircumstances.h"
 #include "unit/policy/NaiveMatching.h"
 
 struct NaiveSublayer {
@@ -16,4 +17,5 @@ struct NaiveSublayer {
 
 /// What happens to a connection in a world; empty if it depends on filters that only the engine can judge.
 std::optional<Policy::Action> DecideNaively(const std::vector<NaiveSublayer>& sublayers,
-                                            const Policy::Connection& connection, Policy::World world);
+                                            const Policy::Connection& connection,
+                                            const NaiveCircumstances& circumstances, Policy::World world);

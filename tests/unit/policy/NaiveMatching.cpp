@@ -3,6 +3,7 @@
 #include <algorithm>
 
 #include "catalog/Names.h"
+#include "unit/policy/NaiveCircumstances.h"
 
 namespace {
 
@@ -125,12 +126,46 @@ std::optional<UINT32> FlagsAt(bool atAccept, const Connection& connection, World
                                                                          : connection.flags;
 }
 
+std::optional<UINT64> TypeOf(const std::optional<UINT64>& luid) {
+  return luid ? std::optional(*luid >> 48) : std::nullopt;
+}
+
+/// 0 unspecified, 1 unicast, 3 multicast, 4 broadcast.
+std::optional<UINT64> KindOf(Policy::IpVersion version, const std::optional<Number>& address) {
+  if (!address) {
+    return std::nullopt;
+  }
+  const bool isV4 = version == Policy::IpVersion::V4;
+  if (*address == Number(0)) {
+    return 0;
+  }
+  if (isV4 && address->low == 0xFFFFFFFF) {
+    return 4;
+  }
+  return (isV4 ? address->low >> 28 == 14 : address->high >> 56 == 0xFF) ? 3 : 1;
+}
+
 Value ValueOf(const std::string& field, const Connection& connection, bool atAccept, World world) {
   if (field == "FLAGS") {
     return Numeric(FlagsAt(atAccept, connection, world));
   }
   if (field == "IP_LOCAL_INTERFACE") {
     return Numeric(connection.localInterface);
+  }
+  if (field == "IP_ARRIVAL_INTERFACE") {
+    return Numeric(connection.arrivalInterface);
+  }
+  if (field == "INTERFACE_TYPE") {
+    return Numeric(TypeOf(connection.localInterface));
+  }
+  if (field == "ARRIVAL_INTERFACE_TYPE") {
+    return Numeric(TypeOf(connection.arrivalInterface));
+  }
+  if (field == "NEXTHOP_INTERFACE_TYPE") {
+    return Numeric(TypeOf(connection.nextHopInterface));
+  }
+  if (field == "IP_LOCAL_ADDRESS_TYPE") {
+    return Numeric(KindOf(connection.ipVersion, connection.localAddress));
   }
   if (field == "IP_PROTOCOL") {
     return Numeric(connection.protocol);
@@ -182,13 +217,15 @@ Matching Holds(const FWPM_FILTER_CONDITION0& condition, const Value& value, Worl
 }
 
 /// Whether the conditions on one field hold together.
-Matching Holds(const std::vector<const FWPM_FILTER_CONDITION0*>& conditions, const Value& value,
-               World world) {
+/// @param holdsOf what one condition makes of it.
+template <class HoldsOf>
+Matching Together(const std::vector<const FWPM_FILTER_CONDITION0*>& conditions, World world,
+                  HoldsOf holdsOf) {
   Matching best = No;
   Matching worstNegation = Yes;
   bool hasNegation = false;
   for (const FWPM_FILTER_CONDITION0* condition : conditions) {
-    const Matching holds = Holds(*condition, value, world);
+    const Matching holds = holdsOf(*condition);
     if (IsNegation(*condition) && Second(world, Assumption::SeveralNegations)) {
       hasNegation = true;
       worstNegation = std::min(worstNegation, holds);
@@ -199,6 +236,15 @@ Matching Holds(const std::vector<const FWPM_FILTER_CONDITION0*>& conditions, con
   return hasNegation ? std::max(best, worstNegation) : best;
 }
 
+/// Whether a condition is on an interface that a filter lets out of a quarantine that is over.
+bool IsOverAnyway(const NaiveFilter& filter, const std::string& field,
+                  const NaiveCircumstances& circumstances) {
+  const bool isInterface =
+      field.find("INTERFACE") != std::string::npos && field.find("PROFILE") == std::string::npos;
+  return isInterface && !circumstances.epoch && filter.fields.contains("INTERFACE_QUARANTINE_EPOCH") &&
+         field != "INTERFACE_QUARANTINE_EPOCH";
+}
+
 }  // namespace
 
 NaiveFilter::NaiveFilter(const FWPM_FILTER0& native) : record(&native) {
@@ -207,11 +253,20 @@ NaiveFilter::NaiveFilter(const FWPM_FILTER0& native) : record(&native) {
   }
 }
 
-Matching Matches(const NaiveFilter& filter, const Connection& connection, World world) {
+Matching Matches(const NaiveFilter& filter, const Connection& connection,
+                 const NaiveCircumstances& circumstances, World world) {
   const bool atAccept = Catalog::LayerName(filter.record->layerKey).starts_with("ALE_AUTH_RECV_ACCEPT");
   Matching matching = Yes;
   for (const auto& [field, conditions] : filter.fields) {
-    matching = std::min(matching, Holds(conditions, ValueOf(field, connection, atAccept, world), world));
+    if (IsOverAnyway(filter, field, circumstances)) {
+      continue;
+    }
+    const Value value = ValueOf(field, connection, atAccept, world);
+    const auto holdsOf = [&](const FWPM_FILTER_CONDITION0& condition) {
+      const auto answer = Ask(field, condition, connection, circumstances);
+      return answer ? *answer : Holds(condition, value, world);
+    };
+    matching = std::min(matching, Together(conditions, world, holdsOf));
   }
   return matching;
 }

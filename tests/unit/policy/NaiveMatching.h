@@ -25,7 +25,10 @@ struct NaiveFilter {
 
 enum Matching { No, Perhaps, Yes };
 
-Matching Matches(const NaiveFilter& filter, const Policy::Connection& connection, Policy::World world);
+struct NaiveCircumstances;
+
+Matching Matches(const NaiveFilter& filter, const Policy::Connection& connection,
+                 const NaiveCircumstances& circumstances, Policy::World world);
 
 /// Whether the world has the second reading of an assumption.
 inline bool Second(Policy::World world, Policy::Assumption assumption) {

@@ -162,12 +162,14 @@ TEST_P(VerdictsTest, AgreeWithTheNaiveEngine) {
   const std::vector<NaiveSublayer> naive = MakeNaive(snapshot, records);
   const Policy::Decider decider(snapshot);
   const Policy::Map map = Policy::MakeMap(snapshot);
+  // The library's filters ask nobody who he is.
+  const NaiveCircumstances anybody;
   Traffic traffic(GetParam());
   for (int i = 0; i < 2'000; ++i) {
     const Connection connection = traffic.Next();
     const Policy::World world = traffic.NextWorld();
     const Policy::Verdict verdict = decider.Decide(connection);
-    ASSERT_EQ(verdict.In(world), DecideNaively(naive, connection, world))
+    ASSERT_EQ(verdict.In(world), DecideNaively(naive, connection, anybody, world))
         << Policy::Describe(decider.Explain(connection, world));
     ASSERT_EQ(map.At(connection), verdict) << Policy::Describe(connection);
   }
