@@ -57,8 +57,13 @@ extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t* data, std::size_t size
     connections.push_back(TakeConnection(input));
   }
   const Policy::Snapshot snapshot = TakeSnapshot(input, records);
-  const Policy::Decider decider(snapshot);
-  const Policy::Map map = Policy::MakeMap(snapshot);
+  Policy::Circumstances circumstances;
+  if (input.TakeFlag()) {
+    circumstances = Policy::UsualCircumstances(Policy::UserProgram());
+    circumstances.profile = input.Take<UINT8>();
+  }
+  const Policy::Decider decider(snapshot, circumstances);
+  const Policy::Map map = Policy::MakeMap(snapshot, {}, circumstances);
   for (const Policy::Connection& connection : connections) {
     Require(map.At(connection) == decider.Decide(connection), "the map agrees with the decision");
     Policy::Describe(decider.Explain(connection));

@@ -1,10 +1,12 @@
-// Texts and bytes of any content as security descriptors: refused, or the same after a round.
+// Texts and bytes of any content as security descriptors: refused, or the same after a round; and what they
+// grant.
 #include <optional>
 #include <string>
 #include <vector>
 
 #include "dump/Sddl.h"
 #include "fuzz/Input.h"
+#include "policy/AccessCheck.h"
 
 namespace {
 
@@ -25,12 +27,26 @@ void CheckText(std::string_view sddl) {
   if (!marked) {
     return;
   }
+  CheckAccess(*marked);
   const std::string text = Dump::FormatSddl(*marked);
   Require(Dump::ParseSddl(text, Dump::DomainSids::Mark) == *marked,
           "a text that was written gives the same bytes");
 }
 
+/// What bytes of any content grant to several programs.
+void CheckAccess(std::span<const UINT8> descriptor) {
+  const Policy::Sid sid{15, {2, 1, 2, 3, 4, 5, 6, 7}};
+  for (const Policy::Token& token :
+       {Policy::UserProgram(), Policy::SystemProgram(), Policy::ServiceProgram({5, {80, 1, 2, 3, 4, 5}}),
+        Policy::AppContainerProgram({sid, {{15, {3, 1}}}})}) {
+    const Policy::Access access = Policy::CheckAccess(descriptor, token);
+    const std::vector<UINT8> copy(descriptor.begin(), descriptor.end());
+    Require(Policy::CheckAccess(copy, token) == access, "the same bytes grant the same");
+  }
+}
+
 void CheckBytes(std::span<const UINT8> descriptor) {
+  CheckAccess(descriptor);
   std::string text;
   try {
     text = Dump::FormatSddl(descriptor);

@@ -148,78 +148,81 @@ std::optional<Sid> SidOf(const std::string& data) {
   }
 }
 
-/// Whether a condition holds of what a field holds; none if only the engine can tell.
+Certainty Known(bool holds) { return holds ? Certainty::Holds : Certainty::Fails; }
+
+/// Whether a condition holds of what a field holds.
 struct HoldsOf {
   const Condition& condition;
 
-  std::optional<bool> operator()(Open) const { return std::nullopt; }
+  Certainty operator()(Open) const { return Certainty::InDoubt; }
 
-  std::optional<bool> operator()(Unset) const {
+  Certainty operator()(Unset) const {
     const Test& test = condition.test;
     if (test.kind == Test::Kind::Unset) {
-      return true;
+      return Certainty::Holds;
     }
     // Of a field without a value a negation perhaps holds, and a test of flags.
-    const bool isPlain = !test.negated && !test.TestsFlags();
-    const bool asksWho =
-        condition.value.type == FWP_SECURITY_DESCRIPTOR_TYPE && condition.match == FWP_MATCH_EQUAL;
-    return asksWho || (isPlain && test.kind != Test::Kind::Unreadable) ? std::optional(false) : std::nullopt;
+    const bool isPlain = test.kind != Test::Kind::Unreadable && !test.negated && !test.TestsFlags();
+    return isPlain || AsksWho() ? Certainty::Fails : Certainty::InDoubt;
   }
 
-  std::optional<bool> operator()(WhatIsAsked) const {
+  Certainty operator()(WhatIsAsked) const {
     const bool isAsked = condition.test.kind == Test::Kind::InInterval && !condition.test.negated;
-    return isAsked ? std::optional(true) : std::nullopt;
+    return isAsked ? Certainty::Holds : Certainty::InDoubt;
   }
 
-  std::optional<bool> operator()(UINT64 number) const {
+  Certainty operator()(UINT64 number) const {
     const Test& test = condition.test;
     const UINT64 bits = test.interval.first.low;
     switch (test.kind) {
       case Test::Kind::InInterval:
-        return (test.interval.first <= Number(number) && Number(number) <= test.interval.last) !=
-               test.negated;
+        return Known((test.interval.first <= Number(number) && Number(number) <= test.interval.last) !=
+                     test.negated);
       case Test::Kind::AllSet:
-        return (number & bits) == bits;
+        return Known((number & bits) == bits);
       case Test::Kind::AnySet:
-        return (number & bits) != 0;
+        return Known((number & bits) != 0);
       case Test::Kind::NoneSet:
-        return (number & bits) == 0;
+        return Known((number & bits) == 0);
       case Test::Kind::Unset:
-        return false;
+        return Certainty::Fails;
       default:
-        return std::nullopt;
+        return Certainty::InDoubt;
     }
   }
 
-  std::optional<bool> operator()(const Sid& sid) const {
-    const Test& test = condition.test;
-    switch (test.kind) {
+  Certainty operator()(const Sid& sid) const {
+    switch (condition.test.kind) {
       case Test::Kind::IsBytes:
-        return (SidOf(test.bytes) == sid) != test.negated;
+        return Known((SidOf(condition.test.bytes) == sid) != condition.test.negated);
       case Test::Kind::Unset:
-        return false;
+        return Certainty::Fails;
       default:
-        return std::nullopt;
+        return Certainty::InDoubt;
     }
   }
 
-  std::optional<bool> operator()(const Token* token) const {
+  Certainty operator()(const Token* token) const {
     if (condition.test.kind == Test::Kind::Unset) {
-      return false;
+      return Certainty::Fails;
     }
     const auto* descriptor = std::get_if<std::string>(&condition.value.data);
-    if (descriptor == nullptr || condition.value.type != FWP_SECURITY_DESCRIPTOR_TYPE ||
-        condition.match != FWP_MATCH_EQUAL) {
-      return std::nullopt;
+    if (descriptor == nullptr || !AsksWho()) {
+      return Certainty::InDoubt;
     }
     switch (CheckAccess(BytesOf(*descriptor), *token)) {
       case Access::Granted:
-        return true;
+        return Certainty::Holds;
       case Access::Denied:
-        return false;
+        return Certainty::Fails;
       default:
-        return std::nullopt;
+        return Certainty::InDoubt;
     }
+  }
+
+  /// Whether it is a condition with a security descriptor, of the one kind that is documented.
+  [[nodiscard]] bool AsksWho() const {
+    return condition.value.type == FWP_SECURITY_DESCRIPTOR_TYPE && condition.match == FWP_MATCH_EQUAL;
   }
 };
 
@@ -232,14 +235,14 @@ Certainty CertaintyOf(const std::vector<const Condition*>& conditions, Direction
   std::size_t failing = 0;
   for (const Condition* condition : conditions) {
     const FixedField* field = FindFixed(condition->field);
-    const auto holds = field != nullptr
-                           ? std::visit(HoldsOf{*condition}, field->value(direction, circumstances))
-                           : std::nullopt;
-    inDoubt = inDoubt || !holds;
+    const Certainty certainty = field != nullptr
+                                    ? std::visit(HoldsOf{*condition}, field->value(direction, circumstances))
+                                    : Certainty::InDoubt;
+    inDoubt = inDoubt || certainty == Certainty::InDoubt;
     if (condition->test.negated) {
       ++negations;
-      failing += holds == false ? 1 : 0;
-    } else if (holds == true) {
+      failing += certainty == Certainty::Fails ? 1 : 0;
+    } else if (certainty == Certainty::Holds) {
       return Certainty::Holds;
     }
   }
