@@ -1,0 +1,4 @@
+#pragma once
+
+/// Whether somebody may be watching stderr.
+bool IsErrorsTerminal();
