@@ -29,24 +29,6 @@ class State {
   std::vector<BitWord> long_;
 };
 
-/// The filters of a slot but for the deciding one: those that match, and those that perhaps do.
-void AddBystanders(const Arbitration& layer, const Arbitration::Slot& slot, Section::Matching matching,
-                   World world, SublayerTrace& trace) {
-  const auto deciding = layer.Deciding(slot, matching.sure, world);
-  ForEachBit(matching.perhaps, slot.begin, slot.end, [&](std::size_t filter) {
-    const Filter* bystander = layer.Filters()[filter];
-    if (!HasBit(matching.sure, filter) || !layer.StrengthOf(filter, world)) {
-      trace.unjudged.push_back(bystander);
-    } else if (filter != deciding) {
-      trace.outranked.push_back(bystander);
-    }
-  });
-  if (deciding) {
-    trace.deciding = layer.Filters()[*deciding];
-    trace.strength = *layer.StrengthOf(*deciding, world);
-  }
-}
-
 bool Blocks(Strength strength) { return strength <= Strength::Block; }
 bool IsFinal(Strength strength) { return strength != Strength::Pass; }
 
@@ -76,15 +58,34 @@ class OneMore {
     return turns;
   }
 
+  /// Whether a filter that only perhaps matches makes a difference to the layer's verdict, be it that none or
+  /// that all others of its kind match.
+  [[nodiscard]] bool CouldTurnWith(std::size_t filter) {
+    std::vector<BitWord> none(before_.sure, before_.sure + layer_.WordCount());
+    std::vector<BitWord> all(before_.perhaps, before_.perhaps + layer_.WordCount());
+    return TurnsAmong(none, filter) || TurnsAmong(all, filter);
+  }
+
  private:
+  [[nodiscard]] bool TurnsAmong(std::vector<BitWord>& matching, std::size_t filter) const {
+    SetBit(matching.data(), filter, true);
+    const auto with = LayerAction(matching.data(), matching.data());
+    SetBit(matching.data(), filter, false);
+    return with != LayerAction(matching.data(), matching.data());
+  }
+
   [[nodiscard]] bool IsBlock(std::size_t filter) const {
     const auto strength = layer_.StrengthOf(filter, world_);
     return strength && Blocks(*strength);
   }
 
   [[nodiscard]] std::optional<Action> LayerAction() const {
+    return LayerAction(sure_.data(), perhaps_.data());
+  }
+
+  [[nodiscard]] std::optional<Action> LayerAction(const BitWord* sure, const BitWord* perhaps) const {
     Verdict verdict;
-    layer_.Decide(sure_.data(), perhaps_.data(), worlds_, verdict);
+    layer_.Decide(sure, perhaps, worlds_, verdict);
     return verdict.In(world_);
   }
 
@@ -96,6 +97,27 @@ class OneMore {
   WorldSet worlds_;
   std::optional<Action> action_;
 };
+
+/// The filters of a slot but for the deciding one: those that match, and those that perhaps do.
+void AddBystanders(const Arbitration& layer, const Arbitration::Slot& slot, Section::Matching matching,
+                   World world, OneMore& oneMore, SublayerTrace& trace) {
+  const auto deciding = layer.Deciding(slot, matching.sure, world);
+  ForEachBit(matching.perhaps, slot.begin, slot.end, [&](std::size_t filter) {
+    const Filter* bystander = layer.Filters()[filter];
+    if (!HasBit(matching.sure, filter) || !layer.StrengthOf(filter, world)) {
+      trace.unjudged.push_back(bystander);
+      if (!HasBit(matching.sure, filter) && oneMore.CouldTurnWith(filter)) {
+        trace.turning.push_back(bystander);
+      }
+    } else if (filter != deciding) {
+      trace.outranked.push_back(bystander);
+    }
+  });
+  if (deciding) {
+    trace.deciding = layer.Filters()[*deciding];
+    trace.strength = *layer.StrengthOf(*deciding, world);
+  }
+}
 
 void AddNearMisses(const Arbitration& layer, const std::vector<Section::NearMatch>& nearMatches,
                    OneMore& oneMore, const Arbitration::Slot& slot, World world, SublayerTrace& trace) {
@@ -137,10 +159,70 @@ void AddEffects(std::vector<SublayerTrace>& traces, World world) {
   }
 }
 
+/// The filter that a layer's action goes back to: the first in turn whose action stands; null if none
+/// matches.
+const Filter* FilterBehind(Action action, const std::vector<SublayerTrace>& traces) {
+  const auto isBehind = [action](const SublayerTrace& trace) {
+    return trace.effect == SublayerTrace::Effect::Stands &&
+           Blocks(trace.strength) == (action == Action::Block);
+  };
+  const auto found = std::ranges::find_if(traces, isBehind);
+  return found == traces.end() ? nullptr : found->deciding;
+}
+
+/// The same for a connection in a world that permits or blocks it.
+const Filter* FilterBehind(Action action, const Section& section, const BitWord* state, World world) {
+  for (std::size_t i = 0; i < section.Layers().size(); ++i) {
+    const Arbitration& layer = section.Layers()[i];
+    const Section::Matching matching = section.MatchingIn(world, i, state);
+    std::vector<SublayerTrace> traces;
+    for (const Arbitration::Slot& slot : layer.Slots()) {
+      const auto deciding = layer.Deciding(slot, matching.sure, world);
+      SublayerTrace& trace = traces.emplace_back();
+      trace.sublayer = slot.sublayer;
+      if (deciding) {
+        trace.deciding = layer.Filters()[*deciding];
+        trace.strength = *layer.StrengthOf(*deciding, world);
+      }
+    }
+    AddEffects(traces, world);
+    const Filter* found = FilterBehind(action, traces);
+    if (found != nullptr) {
+      return found;
+    }
+  }
+  return nullptr;
+}
+
+std::vector<Ending> EndingsOf(const Verdict& verdict, const Section& section, const BitWord* state) {
+  std::vector<Ending> endings;
+  for (Verdict::Outcome& outcome : verdict.Outcomes()) {
+    World world;
+    for (const Choice& choice : outcome.choices) {
+      world = world.With(choice.assumption, choice.reading);
+    }
+    const Filter* deciding = outcome.action ? FilterBehind(*outcome.action, section, state, world) : nullptr;
+    endings.push_back({std::move(outcome), deciding});
+  }
+  return endings;
+}
+
 }  // namespace
+
+const Filter* Explanation::Deciding() const {
+  const auto action = verdict.In(world);
+  for (const LayerTrace& layer : layers) {
+    const Filter* found = action ? FilterBehind(*action, layer.sublayers) : nullptr;
+    if (found != nullptr) {
+      return found;
+    }
+  }
+  return nullptr;
+}
 
 struct Decider::Sections {
   std::deque<Section> all;
+  Circumstances circumstances;
 };
 
 Decider::Decider(const Snapshot& snapshot, const Circumstances& circumstances)
@@ -148,6 +230,7 @@ Decider::Decider(const Snapshot& snapshot, const Circumstances& circumstances)
   for (const SectionKey& key : kSectionKeys) {
     sections_->all.emplace_back(snapshot, key, std::span<const Mark>(), circumstances);
   }
+  sections_->circumstances = circumstances;
 }
 
 Decider::~Decider() = default;
@@ -162,7 +245,7 @@ Verdict Decider::Decide(const Connection& connection) const {
 Explanation Decider::Explain(const Connection& connection, World world) const {
   const Section& section = sections_->all[SectionIndex(connection.direction, connection.ipVersion)];
   State state(section, connection);
-  Explanation explanation{connection, world, section.Decide(state.Words()), {}};
+  Explanation explanation{connection, world, section.Decide(state.Words()), {}, {}, sections_->circumstances};
   for (std::size_t i = 0; i < section.Layers().size(); ++i) {
     const Arbitration& layer = section.Layers()[i];
     const Section::Matching matching = section.MatchingIn(world, i, state.Words());
@@ -173,13 +256,14 @@ Explanation Decider::Explain(const Connection& connection, World world) const {
     for (const Arbitration::Slot& slot : layer.Slots()) {
       SublayerTrace ofSlot;
       ofSlot.sublayer = slot.sublayer;
-      AddBystanders(layer, slot, matching, world, ofSlot);
+      AddBystanders(layer, slot, matching, world, oneMore, ofSlot);
       AddNearMisses(layer, nearMatches, oneMore, slot, world, ofSlot);
       trace.sublayers.push_back(std::move(ofSlot));
     }
     AddEffects(trace.sublayers, world);
     explanation.layers.push_back(std::move(trace));
   }
+  explanation.endings = EndingsOf(explanation.verdict, section, state.Words());
   return explanation;
 }
 

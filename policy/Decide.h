@@ -33,11 +33,12 @@ struct SublayerTrace {
     Ignored,     ///< a hard filter of a higher sublayer had decided already
   };
 
-  const Sublayer* sublayer;
+  const Sublayer* sublayer = nullptr;
   const Filter* deciding = nullptr;      ///< the one of its filters that counts; null if none
   Strength strength = Strength::Pass;    ///< what that filter does
   std::vector<const Filter*> outranked;  ///< matching filters that came too late, heaviest first
   std::vector<const Filter*> unjudged;  ///< filters that perhaps match, or whose callout lets the next decide
+  std::vector<const Filter*> turning;   ///< those that perhaps match and could turn the layer's verdict
   std::vector<NearMiss> nearMisses;     ///< by field, heaviest first
   Effect effect = Effect::None;
   const Sublayer* by = nullptr;  ///< the sublayer that overrides it, or because of which it is ignored
@@ -51,12 +52,25 @@ struct LayerTrace {
   std::vector<SublayerTrace> sublayers;  ///< those with filters at this layer, in the order of their turn
 };
 
+/// One of the outcomes of a verdict.
+struct Ending {
+  Verdict::Outcome outcome;
+  const Filter* deciding =
+      nullptr;  ///< the filter that it goes back to; null if none matches, or if it is unsure
+};
+
 /// The fate of a connection with the reasons, in one world.
 struct Explanation {
   Connection connection;
   World world;
   Verdict verdict;
   std::vector<LayerTrace> layers;
+  std::vector<Ending> endings;  ///< in the order of the verdict's outcomes
+  Circumstances circumstances;
+
+  /// The filter that the action in the explanation's world goes back to; null if none matches, or if it is
+  /// unsure.
+  [[nodiscard]] const Filter* Deciding() const;
 };
 
 /// Decides connections by the filters of a snapshot. An outbound connection passes ALE_AUTH_CONNECT, an

@@ -7,6 +7,7 @@
 #include "catalog/Format.h"
 #include "catalog/Names.h"
 #include "policy/Arbitration.h"
+#include "policy/ConditionText.h"
 #include "policy/Decide.h"
 
 namespace Policy {
@@ -26,13 +27,13 @@ std::string DecisionText(const Filter& filter, World world) {
   return (strength == Strength::Pass ? "soft " : "hard ") + action + whose + Describe(filter);
 }
 
-std::string ConditionsText(const Filter& filter) {
+std::string AllConditionsText(const Filter& filter) {
   if (filter.conditions.empty()) {
     return "every connection";
   }
   std::string text;
   for (const Condition& condition : filter.conditions) {
-    text.append(text.empty() ? "" : " & ").append(condition.text);
+    text.append(text.empty() ? "" : " & ").append(ConditionText(condition));
   }
   return text;
 }
@@ -85,7 +86,7 @@ void AddSublayer(const SublayerTrace& trace, World world, std::string& text) {
     text += "no filter matches\n";
   } else {
     text += DecisionText(*trace.deciding, world) + EffectText(trace) + '\n';
-    text += "      matches " + ConditionsText(*trace.deciding) + '\n';
+    text += "      matches " + AllConditionsText(*trace.deciding) + '\n';
   }
   for (const Filter* outranked : trace.outranked) {
     text += "      outranks the " + DecisionText(*outranked, world) + '\n';
@@ -94,7 +95,7 @@ void AddSublayer(const SublayerTrace& trace, World world, std::string& text) {
     const bool letsPass = !Arbitration::StrengthOf(*unjudged, world);
     text += letsPass ? "      the callout of " + Describe(*unjudged) + " lets the next filter decide\n"
                      : "      only the engine can judge " + Describe(*unjudged) + " with " +
-                           ConditionsText(*unjudged) + '\n';
+                           AllConditionsText(*unjudged) + '\n';
   }
 }
 

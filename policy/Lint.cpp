@@ -6,6 +6,7 @@
 #include "catalog/Flags.h"
 #include "catalog/Keys.h"
 #include "catalog/Names.h"
+#include "policy/ConditionText.h"
 #include "policy/LintBehaviour.h"
 
 namespace Policy {
@@ -112,16 +113,17 @@ class FilterLint {
     const std::string refusal = Refusal(filter_, condition);
     if (isFlags && comparesWord && condition.test.kind == Test::Kind::InInterval) {
       Add(FindingKind::FlagsEquality,
-          condition.text +
+          ConditionText(condition) +
               " compares the whole word: it fails as soon as another flag is set beside those named.",
           "test the bits that matter, with FLAGS_ALL_SET or FLAGS_NONE_SET");
     }
     if (!refusal.empty()) {
-      Add(FindingKind::Refusable, condition.text + ' ' + refusal + "; a strict engine refuses the filter.",
+      Add(FindingKind::Refusable,
+          ConditionText(condition) + ' ' + refusal + "; a strict engine refuses the filter.",
           "write it in a way that the documentation covers");
     } else if (condition.test.kind == Test::Kind::Unreadable) {
       Add(FindingKind::Unreadable,
-          condition.text + " cannot be judged here, so the filter counts as perhaps matching.",
+          ConditionText(condition) + " cannot be judged here, so the filter counts as perhaps matching.",
           "ask the engine itself, or name the traffic by its addresses, ports and application");
     }
   }

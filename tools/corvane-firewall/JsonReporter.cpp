@@ -4,6 +4,7 @@
 #include <iostream>
 #include <iterator>
 
+#include "AskedCircumstances.h"
 #include "PolicyJson.h"
 #include "ValueJson.h"
 #include "catalog/Names.h"
@@ -108,19 +109,26 @@ void JsonReporter::ShowContents(const Contents& contents) {
   step["sublayers"] = ToArray(contents.sublayers, SublayerToJson);
 }
 
-void JsonReporter::ShowExplanation(const Policy::Explanation& explanation, const Policy::Labels& labels) {
-  Step()["explanations"].push_back(ToJson(explanation, labels));
+void JsonReporter::ShowExplanation(const Policy::Explanation& explanation,
+                                   const ExplanationContext& context) {
+  Json json = ToJson(explanation, context.owners, context.labels);
+  json["askedFor"] = Json::object();
+  for (const ToldCircumstance& circumstance : context.told) {
+    json["askedFor"][circumstance.name] = circumstance.text;
+  }
+  Step()["explanations"].push_back(std::move(json));
 }
 
 void JsonReporter::ShowMap(const Policy::Map& map, const Policy::Labels&) { Step()["map"] = ToJson(map); }
 
 void JsonReporter::ShowPromises(const std::vector<Promises::PromiseResult>& promises,
-                                const Policy::Labels& labels) {
-  Step()["promises"] = ToJson(promises, labels);
+                                const Policy::Owners& owners, const Policy::Labels& labels) {
+  Step()["promises"] = ToJson(promises, owners, labels);
 }
 
-void JsonReporter::ShowFindings(const std::vector<Policy::Finding>& findings) {
-  Step()["findings"] = ToJson(findings);
+void JsonReporter::ShowFindings(const std::vector<Policy::Finding>& findings, const Policy::Owners& owners,
+                                Policy::Detail) {
+  Step()["findings"] = ToJson(findings, owners);
 }
 
 void JsonReporter::ShowAgreement(const Replay::Agreement& agreement) {

@@ -5,8 +5,11 @@
 #include <charconv>
 #include <iterator>
 
+#include "OpenQuestions.h"
 #include "catalog/Format.h"
 #include "catalog/Names.h"
+#include "policy/LintText.h"
+#include "policy/Summary.h"
 
 namespace {
 
@@ -95,11 +98,21 @@ Json ToJson(const Policy::LayerTrace& trace) {
                                  {"deciding", Reference(sublayer.deciding)},
                                  {"outranked", References(sublayer.outranked)},
                                  {"unjudged", References(sublayer.unjudged)},
+                                 {"turning", References(sublayer.turning)},
                                  {"nearMisses", ToJson(sublayer.nearMisses)},
                                  {"effect", EffectText(sublayer.effect)},
                                  {"by", SublayerName(sublayer.by)}});
   }
   return json;
+}
+
+Json ToJson(const Policy::Ending& ending, const Policy::Owners& owners) {
+  const Policy::Filter* filter = ending.deciding;
+  return {{"readings", ToJson(ending.outcome.choices)},
+          {"verdict", ToJson(ending.outcome.action)},
+          {"filter", Reference(filter)},
+          {"owner", filter == nullptr ? Json(nullptr) : Json(owners.NameOf(*filter))},
+          {"ours", filter != nullptr && owners.KindOf(*filter) == Policy::OwnerKind::Ours}};
 }
 
 /// LUIDs are decimal, other numbers hexadecimal.
@@ -265,10 +278,16 @@ Json ToJson(const Policy::Connection& connection, const Policy::Labels& labels) 
           {"flags", ToJson(connection.flags, number)}};
 }
 
-Json ToJson(const Policy::Explanation& explanation, const Policy::Labels& labels) {
+Json ToJson(const Policy::Explanation& explanation, const Policy::Owners& owners,
+            const Policy::Labels& labels) {
   Json json{{"connection", ToJson(explanation.connection, labels)},
             {"verdict", ToJson(explanation.verdict)},
+            {"summary", Policy::Summarize(explanation, owners, labels, SettledByOptions())},
+            {"endings", Json::array()},
             {"layers", Json::array()}};
+  for (const Policy::Ending& ending : explanation.endings) {
+    json["endings"].push_back(ToJson(ending, owners));
+  }
   for (const Policy::LayerTrace& layer : explanation.layers) {
     json["layers"].push_back(ToJson(layer));
   }
@@ -286,31 +305,37 @@ Json ToJson(const Policy::Map& map) {
   return json;
 }
 
-Json ToJson(const std::vector<Promises::PromiseResult>& promises, const Policy::Labels& labels) {
+Json ToJson(const std::vector<Promises::PromiseResult>& promises, const Policy::Owners& owners,
+            const Policy::Labels& labels) {
   Json json = Json::array();
   for (const Promises::PromiseResult& promise : promises) {
     Json alternatives = Json::array();
     for (const auto& choices : Policy::Alternatives(promise.worlds)) {
       alternatives.push_back(ToJson(choices));
     }
-    json.push_back({{"feature", promise.feature},
-                    {"name", promise.name},
-                    {"sentence", promise.sentence},
-                    {"state", Promises::KeepingText(promise.keeping)},
-                    {"holdsUnder", std::move(alternatives)},
-                    {"promised", ToJson(promise.promised)},
-                    {"counterexample", ToJson(promise.counterexample,
-                                              [&](const auto& example) { return ToJson(example, labels); })},
-                    {"text", Promises::Describe(promise, labels)}});
+    json.push_back(
+        {{"feature", promise.feature},
+         {"name", promise.name},
+         {"sentence", promise.sentence},
+         {"state", Promises::KeepingText(promise.keeping)},
+         {"holdsUnder", std::move(alternatives)},
+         {"promised", ToJson(promise.promised)},
+         {"counterexample", ToJson(promise.counterexample,
+                                   [&](const auto& example) { return ToJson(example, owners, labels); })},
+         {"text", Promises::Describe(promise, labels)}});
   }
   return json;
 }
 
-Json ToJson(const std::vector<Policy::Finding>& findings) {
+Json ToJson(std::vector<Policy::Finding> findings, const Policy::Owners& owners) {
+  SortByOwner(findings, owners);
   Json json = Json::array();
   for (const Policy::Finding& finding : findings) {
     json.push_back({{"kind", Policy::FindingName(finding.kind)},
                     {"filter", Reference(finding.filter)},
+                    {"owner", owners.NameOf(*finding.filter)},
+                    {"ours", owners.KindOf(*finding.filter) == Policy::OwnerKind::Ours},
+                    {"platform", owners.KindOf(*finding.filter) == Policy::OwnerKind::Platform},
                     {"layer", Catalog::LayerName(finding.filter->layerKey)},
                     {"other", Reference(finding.other)},
                     {"reason", finding.reason},

@@ -6,6 +6,7 @@
 #include "Json.h"
 #include "policy/Lint.h"
 #include "policy/Map.h"
+#include "policy/Owners.h"
 #include "promises/Proof.h"
 
 // Results of the policy library as JSON. Numbers that may need more than 53 bits are texts: LUIDs in decimal,
@@ -19,9 +20,12 @@ std::string HexText(std::string_view bytes);
 
 Json ToJson(const Policy::Verdict& verdict);
 Json ToJson(const Policy::Connection& connection, const Policy::Labels& labels);
-Json ToJson(const Policy::Explanation& explanation, const Policy::Labels& labels);
+Json ToJson(const Policy::Explanation& explanation, const Policy::Owners& owners,
+            const Policy::Labels& labels);
 Json ToJson(const Policy::Map& map);
-Json ToJson(const std::vector<Promises::PromiseResult>& promises, const Policy::Labels& labels);
-Json ToJson(const std::vector<Policy::Finding>& findings);
+Json ToJson(const std::vector<Promises::PromiseResult>& promises, const Policy::Owners& owners,
+            const Policy::Labels& labels);
+/// Sorted by the owners of their filters.
+Json ToJson(std::vector<Policy::Finding> findings, const Policy::Owners& owners);
 /// The sublayers and filters, with all that a reader needs to decide about connections.
 Json ToJson(const Policy::Snapshot& snapshot);

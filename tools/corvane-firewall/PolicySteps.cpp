@@ -5,6 +5,7 @@
 #include "ActiveFeatures.h"
 #include "AskedCircumstances.h"
 #include "AskedConnection.h"
+#include "Identities.h"
 #include "OutputFile.h"
 #include "ReportPage.h"
 #include "catalog/Format.h"
@@ -38,11 +39,13 @@ void ExplainStep(const StepContext& context, const StepOptions& options) {
   const Policy::Labels labels = context.ReadAdapterNames();
   const AskedCircumstances asked = AskCircumstances(options, snapshot);
   const Policy::Decider decider(snapshot, asked.circumstances);
+  const Policy::Owners owners(snapshot, kProvider.key);
   if (context.library == nullptr) {
     CheckAskedOfDump(options);
   }
   for (const std::string& remote : options.remotes) {
-    context.reporter.ShowExplanation(decider.Explain(AskedConnection(remote, options, asked)), labels);
+    context.reporter.ShowExplanation(decider.Explain(AskedConnection(remote, options, asked)),
+                                     {owners, labels, asked.told, !options.trace.empty()});
   }
 }
 
@@ -56,12 +59,14 @@ void MapStep(const StepContext& context, const StepOptions& options) {
 void ProveStep(const StepContext& context, const StepOptions&) {
   const Policy::Snapshot snapshot = ReadPolicyOf(context);
   const Promises::Features features = ActiveFeatures(context.before, context.dnsApp, snapshot);
-  context.reporter.ShowPromises(Promises::Prove(snapshot, features), context.ReadAdapterNames());
+  context.reporter.ShowPromises(Promises::Prove(snapshot, features), Policy::Owners(snapshot, kProvider.key),
+                                context.ReadAdapterNames());
 }
 
-void LintStep(const StepContext& context, const StepOptions&) {
+void LintStep(const StepContext& context, const StepOptions& options) {
   const Policy::Snapshot snapshot = ReadPolicyOf(context);
-  context.reporter.ShowFindings(Policy::Lint(snapshot));
+  context.reporter.ShowFindings(Policy::Lint(snapshot), Policy::Owners(snapshot, kProvider.key),
+                                options.all.empty() ? Policy::Detail::Brief : Policy::Detail::Whole);
 }
 
 void ReportStep(const StepContext& context, const StepOptions& options) {
@@ -69,6 +74,7 @@ void ReportStep(const StepContext& context, const StepOptions& options) {
   const Policy::Snapshot snapshot = ReadPolicyOf(context);
   const Promises::Features features = ActiveFeatures(context.before, context.dnsApp, snapshot);
   WriteFile(path, MakePage({context.engine, snapshot, Promises::Prove(snapshot, features),
-                            context.ReadAdapterNames(), context.isOrderInferred}));
+                            context.ReadAdapterNames(), Policy::Owners(snapshot, kProvider.key),
+                            context.isOrderInferred}));
   context.reporter.ShowFile(path);
 }

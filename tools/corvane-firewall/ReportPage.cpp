@@ -89,8 +89,8 @@ Json DataOf(const PageContent& content) {
           {"snapshot", ToJson(content.snapshot)},
           {"map", ToJson(map)},
           {"mapText", Policy::Describe(map, content.labels, {.longestList = 12})},
-          {"promises", ToJson(content.promises, content.labels)},
-          {"findings", ToJson(Policy::Lint(content.snapshot))}};
+          {"promises", ToJson(content.promises, content.owners, content.labels)},
+          {"findings", ToJson(Policy::Lint(content.snapshot), content.owners)}};
 }
 
 /// JSON for a script element. Other programs choose the names of filters and adapters, so a name that holds

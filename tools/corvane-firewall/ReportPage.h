@@ -4,6 +4,7 @@
 #include <vector>
 
 #include "Failure.h"
+#include "policy/Owners.h"
 #include "promises/Proof.h"
 
 /// The data that a page shows.
@@ -12,6 +13,7 @@ struct PageContent {
   const Policy::Snapshot& snapshot;
   const std::vector<Promises::PromiseResult>& promises;
   const Policy::Labels& labels;
+  const Policy::Owners& owners;
   bool isOrderInferred = false;  ///< that of the sublayers
 };
 

@@ -7,7 +7,9 @@
 #include "Contents.h"
 #include "Failure.h"
 #include "policy/Lint.h"
+#include "policy/LintText.h"
 #include "policy/Map.h"
+#include "policy/Owners.h"
 #include "promises/Proof.h"
 #include "replay/Replay.h"
 
@@ -17,6 +19,16 @@ struct Status {
   bool dhcp;
   bool leakProtection;
   bool localNetwork;
+};
+
+struct ToldCircumstance;
+
+/// What goes with an explanation.
+struct ExplanationContext {
+  const Policy::Owners& owners;
+  const Policy::Labels& labels;
+  const std::vector<ToldCircumstance>& told;
+  bool trace;  ///< whether a text has the whole way through the layers
 };
 
 /// Receives what happens while a plan runs. For each step: BeginStep, then what the step shows, then EndStep
@@ -31,11 +43,12 @@ class Reporter {
   virtual void ShowStatus(const Status& status) = 0;
   virtual void ShowAdapters(const std::vector<ListedAdapter>& adapters) = 0;
   virtual void ShowContents(const Contents& contents) = 0;
-  virtual void ShowExplanation(const Policy::Explanation& explanation, const Policy::Labels& labels) = 0;
+  virtual void ShowExplanation(const Policy::Explanation& explanation, const ExplanationContext& context) = 0;
   virtual void ShowMap(const Policy::Map& map, const Policy::Labels& labels) = 0;
   virtual void ShowPromises(const std::vector<Promises::PromiseResult>& promises,
-                            const Policy::Labels& labels) = 0;
-  virtual void ShowFindings(const std::vector<Policy::Finding>& findings) = 0;
+                            const Policy::Owners& owners, const Policy::Labels& labels) = 0;
+  virtual void ShowFindings(const std::vector<Policy::Finding>& findings, const Policy::Owners& owners,
+                            Policy::Detail detail) = 0;
   virtual void ShowAgreement(const Replay::Agreement& agreement) = 0;
   /// A file that has been written.
   virtual void ShowFile(const std::string& path) = 0;

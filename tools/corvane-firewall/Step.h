@@ -37,6 +37,7 @@ struct StepOptions {
   std::vector<std::string> epoch;
   std::vector<std::string> reauthorized;
   std::vector<std::string> all;
+  std::vector<std::string> trace;
   std::vector<std::string> file;
 };
 

@@ -196,9 +196,15 @@ constexpr StepOption kConnectionOptions[]{
      &StepOptions::loopback},
     {"--interface-type", "NAME|N", "Of an adapter that no filter names: ethernet, wifi, mobile, ppp ...",
      &StepOptions::interfaceType, Times::AtMostOnce, RejectAllButInterfaceType},
+    {"--trace", nullptr, "The whole way through layers and sublayers, not the answer alone",
+     &StepOptions::trace},
 };
 
 constexpr auto kExplainOptions = WithWhoAndWhere(kConnectionOptions);
+
+constexpr StepOption kLintOptions[]{
+    {"--all", nullptr, "Every finding with all its filters, those of the system too", &StepOptions::all},
+};
 
 constexpr StepOption kPageOptions[]{
     {"file", "FILE.html", "Where to write the page", &StepOptions::file, Times::Once},
@@ -251,11 +257,8 @@ constexpr Step kSteps[]{
     {"map", "Tell what the engine does with every connection that can exist", kWhoAndWhere,
      Effect::ReadsEngine, MapStep},
     {"prove", "Check what the features switched on in this run promise", {}, Effect::ReadsRun, ProveStep},
-    {"lint",
-     "Find filters, of anybody's, that do not say what they seem to say",
-     {},
-     Effect::ReadsEngine,
-     LintStep},
+    {"lint", "Find filters, of anybody's, that do not say what they seem to say", kLintOptions,
+     Effect::ReadsEngine, LintStep},
     {"report", "Write map, promises, findings and filters as a page to look at", kReportOptions,
      Effect::ReadsEngine, ReportStep},
     {"export", "Write what the engine holds as netsh wfp show state does", kExportOptions,

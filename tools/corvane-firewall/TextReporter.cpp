@@ -1,12 +1,14 @@
 #include "TextReporter.h"
 
 #include <iostream>
-#include <map>
 #include <sstream>
 
+#include "AskedCircumstances.h"
 #include "Identities.h"
+#include "OpenQuestions.h"
 #include "ValueJson.h"
 #include "catalog/Names.h"
+#include "policy/Summary.h"
 
 namespace {
 
@@ -61,18 +63,6 @@ void Print(const std::string& text) {
   }
 }
 
-/// The texts of findings, each with all filters that it is about: many findings have the same text.
-std::map<std::string, std::vector<std::string>> ByText(const std::vector<Policy::Finding>& findings) {
-  std::map<std::string, std::vector<std::string>> groups;
-  for (const Policy::Finding& finding : findings) {
-    const std::string kind(Policy::FindingName(finding.kind));
-    const std::string other = finding.other == nullptr ? "" : " and " + Policy::Describe(*finding.other);
-    groups[kind + ": " + finding.reason + " Clearer: " + finding.advice + "."].push_back(
-        Policy::Describe(*finding.filter) + other);
-  }
-  return groups;
-}
-
 }  // namespace
 
 void TextReporter::BeginStep(const std::string& step) {
@@ -118,15 +108,22 @@ void TextReporter::ShowContents(const Contents& contents) {
   }
 }
 
-void TextReporter::ShowExplanation(const Policy::Explanation& explanation, const Policy::Labels& labels) {
-  Print(Policy::Describe(explanation, labels));
+void TextReporter::ShowExplanation(const Policy::Explanation& explanation,
+                                   const ExplanationContext& context) {
+  Print(context.trace ? Policy::Describe(explanation, context.labels)
+                      : Policy::Summarize(explanation, context.owners, context.labels, SettledByOptions()));
+  std::string told;
+  for (const ToldCircumstance& circumstance : context.told) {
+    told += (told.empty() ? "" : "; ") + circumstance.name + ' ' + circumstance.text;
+  }
+  std::cout << "    asked " << told << "\n";
 }
 
 void TextReporter::ShowMap(const Policy::Map& map, const Policy::Labels& labels) {
   Print(Policy::Describe(map, labels));
 }
 
-void TextReporter::ShowPromises(const std::vector<Promises::PromiseResult>& promises,
+void TextReporter::ShowPromises(const std::vector<Promises::PromiseResult>& promises, const Policy::Owners&,
                                 const Policy::Labels& labels) {
   for (const Promises::PromiseResult& promise : promises) {
     Print(Promises::Describe(promise, labels));
@@ -136,16 +133,9 @@ void TextReporter::ShowPromises(const std::vector<Promises::PromiseResult>& prom
   }
 }
 
-void TextReporter::ShowFindings(const std::vector<Policy::Finding>& findings) {
-  for (const auto& [text, filters] : ByText(findings)) {
-    std::cout << "  " << text << "\n";
-    for (const std::string& filter : filters) {
-      std::cout << "    " << filter << "\n";
-    }
-  }
-  if (findings.empty()) {
-    std::cout << "  no findings\n";
-  }
+void TextReporter::ShowFindings(const std::vector<Policy::Finding>& findings, const Policy::Owners& owners,
+                                Policy::Detail detail) {
+  Print(Policy::Describe(findings, owners, detail));
 }
 
 void TextReporter::ShowAgreement(const Replay::Agreement& agreement) {

@@ -13,11 +13,12 @@ class TextReporter : public Reporter {
   void ShowStatus(const Status& status) override;
   void ShowAdapters(const std::vector<ListedAdapter>& adapters) override;
   void ShowContents(const Contents& contents) override;
-  void ShowExplanation(const Policy::Explanation& explanation, const Policy::Labels& labels) override;
+  void ShowExplanation(const Policy::Explanation& explanation, const ExplanationContext& context) override;
   void ShowMap(const Policy::Map& map, const Policy::Labels& labels) override;
-  void ShowPromises(const std::vector<Promises::PromiseResult>& promises,
+  void ShowPromises(const std::vector<Promises::PromiseResult>& promises, const Policy::Owners& owners,
                     const Policy::Labels& labels) override;
-  void ShowFindings(const std::vector<Policy::Finding>& findings) override;
+  void ShowFindings(const std::vector<Policy::Finding>& findings, const Policy::Owners& owners,
+                    Policy::Detail detail) override;
   void ShowAgreement(const Replay::Agreement& agreement) override;
   void ShowFile(const std::string& path) override;
   void EndStep() override;

@@ -59,8 +59,8 @@ TEST_F(ReadOffWindows, AnApplicationCanBeBlockedInTheEmulatedEngine) {
   const ToolRun run = RunEmulated({L"--block-app", L"C:\\bad.exe", L"explain", L"--remote", L"1.1.1.1",
                                    L"--app", L"\\device\\harddiskvolume1\\bad.exe"});
   EXPECT_EQ(run.exitCode, 0u) << run.errors;
-  EXPECT_THAT(run.output, HasSubstr("\"Block of another owner\""));
-  EXPECT_THAT(run.output, HasSubstr("ALE_AUTH_CONNECT_V4: block\n"));
+  EXPECT_THAT(run.output,
+              HasSubstr("    blocked by filter 4294967297 \"Block of another owner\" of no provider\n"));
 }
 
 }  // namespace

@@ -102,13 +102,30 @@ TEST_F(DumpSteps, FiltersHaveTheSystemsWeightsAndTheOrderOfTheOthers) {
 }
 
 TEST_F(DumpSteps, ExplainAsksTheSublayersInTheOrderOfTheFilters) {
-  const ToolRun run = Run(FiltersDump(), {L"explain", L"--remote", L"10.0.0.1:443"});
+  const ToolRun run = Run(FiltersDump(), {L"explain", L"--remote", L"10.0.0.1:443", L"--trace"});
   EXPECT_EQ(run.exitCode, 0u) << run.errors;
   const std::size_t permit = run.output.find("filter 70001");
   const std::size_t block = run.output.find("filter 70002");
   ASSERT_NE(permit, std::string::npos);
   ASSERT_NE(block, std::string::npos);
   EXPECT_LT(permit, block);
+}
+
+TEST_F(DumpSteps, ExplainAnswersInShort) {
+  EXPECT_EQ(Run(StateDump(), {L"explain", L"--remote", L"10.0.0.1:25"}).output,
+            "explain\n"
+            "  outbound IPv4, protocol 6 (TCP), local 192.0.2.1:50000, remote 10.0.0.1:25, application "
+            "other.exe, interface 999, flags 0x00000000\n"
+            "    blocked by filter 70003 \"Filter 70003\" of no provider\n"
+            "    at ALE_AUTH_CONNECT_V4, which matches IP_REMOTE_PORT EQUAL UINT16 25\n"
+            "    asked as a program of a signed-in user; user any; profile not given\n"
+            "  done\n");
+  const ParsedJson explanation =
+      RunJson(StateDump(), {L"explain", L"--remote", L"10.0.0.1:25"})["steps"][0]["explanations"][0];
+  EXPECT_EQ(explanation["endings"], ParsedJson::parse(R"([{
+    "readings": {}, "verdict": "block", "filter": {"id": 70003, "name": "Filter 70003"},
+    "owner": "no provider", "ours": false
+  }])"));
 }
 
 TEST_F(DumpSteps, SaysThatTheSublayersAreInferred) {
@@ -127,6 +144,23 @@ TEST_F(DumpSteps, EveryStepThatReadsTheEngineReadsADump) {
   std::ifstream file{std::filesystem::path(page)};
   const std::string text(std::istreambuf_iterator<char>(file), {});
   EXPECT_THAT(text, HasSubstr(R"("engine":"dump","isOrderInferred":false)"));
+}
+
+TEST_F(DumpSteps, LintTellsWhoseFiltersItIsAbout) {
+  std::string dump = StateDump();
+  dump.replace(dump.find("<providerKey/>", dump.find("{00000000-0000-0000-0000-000000070001}")), 14,
+               "<providerKey>FWPM_PROVIDER_MPSSVC_WF</providerKey>");
+  dump.replace(dump.find("<uint16>443"), 11, "<uint16>25");
+  EXPECT_EQ(Run(dump, {L"lint"}).output,
+            "lint\n  Windows Firewall: 1 filter permits what a block takes back\n  done\n");
+  EXPECT_THAT(Run(dump, {L"lint", L"--all"}).output,
+              HasSubstr("  filters of Windows Firewall, which come with the system:\n"
+                        "    overridden-permit: The permit of the first is soft: "));
+  const ParsedJson findings = RunJson(dump, {L"lint"})["steps"][0]["findings"];
+  ASSERT_EQ(findings.size(), 1u);
+  EXPECT_EQ(findings[0]["owner"], "Windows Firewall");
+  EXPECT_EQ(findings[0]["ours"], false);
+  EXPECT_EQ(findings[0]["platform"], true);
 }
 
 TEST_F(DumpSteps, PageSaysThatTheSublayersAreInferred) {

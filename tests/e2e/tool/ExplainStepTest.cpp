@@ -9,7 +9,7 @@ using testing::HasSubstr;
 using testing::StartsWith;
 
 TEST(Explain, EmptyEnginePermitsEverything) {
-  const ToolRun run = RunEmulated({L"explain", L"--remote", L"1.1.1.1"});
+  const ToolRun run = RunEmulated({L"explain", L"--remote", L"1.1.1.1", L"--trace"});
   EXPECT_EQ(run.exitCode, 0u);
   EXPECT_EQ(run.errors, "");
   EXPECT_EQ(run.output,
@@ -23,8 +23,18 @@ TEST(Explain, EmptyEnginePermitsEverything) {
             "  done\n");
 }
 
-TEST(Explain, KillSwitchBlocksWithTheFilterThatDecides) {
+TEST(Explain, KillSwitchBlocksAsOurs) {
   const ToolRun run = RunEmulated({L"disable-internet", L"explain", L"--remote", L"1.1.1.1:80"});
+  EXPECT_EQ(run.exitCode, 0u);
+  EXPECT_THAT(run.output, AllOf(HasSubstr("remote 1.1.1.1:80, application other.exe, interface 999, flags "
+                                          "0x00000000\n"
+                                          "    blocked by filter "),
+                                HasSubstr(" \"Corvane Kill Switch\" of Corvane Firewall Tool (ours)\n"
+                                          "    at ALE_AUTH_CONNECT_V4, which matches every connection\n")));
+}
+
+TEST(Explain, TraceNamesTheFilterThatDecides) {
+  const ToolRun run = RunEmulated({L"disable-internet", L"explain", L"--remote", L"1.1.1.1:80", L"--trace"});
   EXPECT_EQ(run.exitCode, 0u);
   EXPECT_THAT(run.output, AllOf(HasSubstr("remote 1.1.1.1:80, application other.exe, interface 999, flags "
                                           "0x00000000: block\n"
@@ -100,10 +110,11 @@ TEST(Explain, ProtocolWithoutPortsHasNone) {
 }
 
 TEST(Explain, ProtocolWithoutPortsFaresAsTheMapTells) {
-  EXPECT_THAT(
-      RunEmulated({L"disable-internet", L"explain", L"--protocol", L"47", L"--remote", L"10.0.0.1"}).output,
-      HasSubstr("protocol 47, local 192.0.2.1:unset, remote 10.0.0.1:unset, application other.exe, "
-                "interface 999, flags 0x00000000: depends on unset-fields: "));
+  EXPECT_THAT(RunEmulated({L"disable-internet", L"explain", L"--protocol", L"47", L"--remote", L"10.0.0.1",
+                           L"--trace"})
+                  .output,
+              HasSubstr("protocol 47, local 192.0.2.1:unset, remote 10.0.0.1:unset, application other.exe, "
+                        "interface 999, flags 0x00000000: depends on unset-fields: "));
 }
 
 struct Contradiction {
@@ -140,7 +151,7 @@ TEST(Explain, ExemptApplicationIsKnownByItsFile) {
 }
 
 TEST(Explain, NamesTheFiltersThatOneFieldKeepsFromPermitting) {
-  EXPECT_THAT(RunEmulated({L"disable-internet", L"explain", L"--remote", L"10.0.0.1:53"}).output,
+  EXPECT_THAT(RunEmulated({L"disable-internet", L"explain", L"--remote", L"10.0.0.1:53", L"--trace"}).output,
               HasSubstr("\"Corvane Kill Switch\" would permit, but the remote port is 53\n"));
   const ParsedJson sublayer = LastStep({L"disable-internet", L"explain", L"--remote",
                                         L"10.0.0.1:53"})["explanations"][0]["layers"][0]["sublayers"][0];

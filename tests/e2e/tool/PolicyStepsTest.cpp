@@ -141,9 +141,10 @@ TEST(Lint, NamesTheFilterTheReasonAndWhatWouldBeClearer) {
   const ToolRun run = RunEmulated({L"disable-internet", L"lint"});
   EXPECT_EQ(run.exitCode, 0u);
   EXPECT_THAT(run.output,
-              AllOf(HasSubstr("  flags-equality: FLAGS EQUAL UINT32 0x00000001 compares the whole word"),
+              AllOf(HasSubstr("lint\n  filters of Corvane Firewall Tool (ours):\n"),
+                    HasSubstr("    flags-equality: FLAGS EQUAL IS_LOOPBACK compares the whole word"),
                     HasSubstr("Clearer: test the bits that matter, with FLAGS_ALL_SET or FLAGS_NONE_SET.\n"
-                              "    filter "),
+                              "      filter "),
                     HasSubstr(" \"Corvane Kill Switch\"\n")));
   const ParsedJson findings = LastStep({L"disable-internet", L"lint"})["findings"];
   ASSERT_FALSE(findings.empty());

@@ -17,6 +17,7 @@ TEST(BuiltInProviders, BelongToServices) {
   EXPECT_EQ(FindBuiltInProvider("decc16ca-3f33-4346-be1e-8fb4ae0f3d62"_guid)->name, "MPSSVC_WF");
   EXPECT_EQ(FindBuiltInProvider("MPSSVC_WSH")->service, "mpssvc");
   EXPECT_EQ(FindBuiltInProvider("TCP_TEMPLATES")->service, "");
+  EXPECT_EQ(FindBuiltInProvider("MPSSVC_WF")->title, "Windows Firewall");
 }
 
 TEST(BuiltInProviders, AnUnknownKeyOrNameIsNone) {

@@ -243,7 +243,7 @@ TEST_F(LintTest, AFindingSaysWhatAndWhyAndWhatWouldBeClearer) {
   EXPECT_EQ(
       text,
       "flags-equality: " + Policy::Describe(snapshot.filters.at(0)) +
-          ": FLAGS EQUAL UINT32 0x00000001 compares the whole word: it fails as soon as another flag is set "
+          ": FLAGS EQUAL IS_LOOPBACK compares the whole word: it fails as soon as another flag is set "
           "beside those named. Clearer: test the bits that matter, with FLAGS_ALL_SET or FLAGS_NONE_SET.");
 }
 
