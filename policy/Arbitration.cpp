@@ -98,14 +98,14 @@ Arbitration::Arbitration(const Snapshot& snapshot, const Catalog::Layer& layer)
       AddSlot(sublayer, std::move(found->second));
     }
   }
-  words_ = WordsFor(filters_.size());
+  words_ = WordsFor(filters_.size() + 1);
 }
 
 void Arbitration::AddSlot(const Sublayer& sublayer, std::vector<const Filter*> filters) {
   std::ranges::sort(filters, std::greater<>(),
                     [](const Filter* filter) { return std::pair(filter->effectiveWeight, filter->id); });
   const std::size_t begin = filters_.size();
-  slots_.push_back({&sublayer, begin, begin + filters.size()});
+  Slot slot{&sublayer, begin, begin + filters.size(), false};
   for (auto run = filters.begin(); run != filters.end();) {
     const auto end = std::ranges::find_if(run, filters.end(), [run](const Filter* filter) {
       return filter->effectiveWeight != (*run)->effectiveWeight;
@@ -115,12 +115,19 @@ void Arbitration::AddSlot(const Sublayer& sublayer, std::vector<const Filter*> f
     run = end;
   }
   for (const Filter* filter : filters) {
+    const std::size_t number = filters_.size();
     filters_.push_back(filter);
     strengths_.push_back(StrengthsOf(*filter));
+    const bool isTied = number > begin && AreTied(number, number - 1);
+    slot.isOpen = slot.isOpen || IsCallout(*filter) || (isTied && !DoTheSame(number, number - 1));
   }
+  slots_.push_back(slot);
 }
 
 std::optional<Action> Arbitration::DecideSurely(const BitWord* matching) const {
+  if (HasBit(matching, BlockedBit())) {
+    return isFlow_ ? std::nullopt : std::optional(Action::Block);
+  }
   bool isHard = false;
   for (const Slot& slot : slots_) {
     const std::size_t first = FirstBit(matching, slot.begin, slot.end);
@@ -142,12 +149,15 @@ std::optional<Action> Arbitration::DecideSurely(const BitWord* matching) const {
   return Action::Permit;
 }
 
-std::vector<World> Arbitration::FilterOrders() {
-  std::vector<World> orders;
-  for (const auto& [world, worlds] : SortWorlds({Assumption::FilterTies, Assumption::Callouts})) {
-    orders.push_back(world);
-  }
-  return orders;
+const std::vector<World>& Arbitration::FilterOrders() {
+  static const auto kOrders = [] {
+    std::vector<World> orders;
+    for (const auto& [world, worlds] : SortWorlds({Assumption::FilterTies, Assumption::Callouts})) {
+      orders.push_back(world);
+    }
+    return orders;
+  }();
+  return kOrders;
 }
 
 bool Arbitration::Precedes(std::size_t filter, std::size_t other, World world) const {
@@ -211,12 +221,16 @@ std::optional<Action> Arbitration::Combine(const std::vector<StrengthRange>& dec
 
 void Arbitration::Decide(const BitWord* sure, const BitWord* perhaps, const WorldSet& worlds,
                          Verdict& verdict) const {
-  std::vector<StrengthRange> decisions(slots_.size());
+  std::vector<StrengthRange> decisions;
+  for (const Slot& slot : slots_) {
+    decisions.push_back(Decide(slot, sure, perhaps, World()));
+  }
   for (const auto& [world, alike] : WorldsByOrder()) {
     for (std::size_t i = 0; i < slots_.size(); ++i) {
-      decisions[i] = Decide(slots_[i], sure, perhaps, world);
+      decisions[i] = slots_[i].isOpen ? Decide(slots_[i], sure, perhaps, world) : decisions[i];
     }
-    verdict.Set(alike & worlds, Combine(decisions, world));
+    const bool isBlocked = HasBit(sure, BlockedBit());
+    verdict.Set(alike & worlds, isBlocked ? Action::Block : Combine(decisions, world));
   }
   if (isFlow_) {
     verdict.Set(WorldsThatIgnoreFlowBlocks() & worlds, Action::Permit);

@@ -44,12 +44,15 @@ class Arbitration {
     const Sublayer* sublayer;
     std::size_t begin;
     std::size_t end;
+    bool isOpen;  ///< in some worlds filters come in another order, or do something else
   };
 
   Arbitration(const Snapshot& snapshot, const Catalog::Layer& layer);
 
   [[nodiscard]] const Catalog::Layer& Layer() const { return *layer_; }
   [[nodiscard]] std::size_t WordCount() const { return words_; }
+  /// The bit behind those of the filters: it stands for all that makes the layer block in every world.
+  [[nodiscard]] std::size_t BlockedBit() const { return filters_.size(); }
   [[nodiscard]] const std::vector<const Filter*>& Filters() const { return filters_; }
   [[nodiscard]] const std::vector<Slot>& Slots() const { return slots_; }
   /// Whether a callout decides in place of a filter.
@@ -64,11 +67,13 @@ class Arbitration {
   void Decide(const BitWord* sure, const BitWord* perhaps, const WorldSet& worlds, Verdict& verdict) const;
 
   /// One world for each way to choose the one of a sublayer's filters that decides.
-  static std::vector<World> FilterOrders();
+  static const std::vector<World>& FilterOrders();
   /// The filter of a slot that decides in a world; none if none matches.
   [[nodiscard]] std::optional<std::size_t> Deciding(const Slot& slot, const BitWord* sure, World world) const;
   /// Whether one filter of a slot comes before another in a world.
   [[nodiscard]] bool Precedes(std::size_t filter, std::size_t other, World world) const;
+  /// Where the run of a filter ends.
+  [[nodiscard]] std::size_t RunEnd(std::size_t filter) const { return runEnds_[filter]; }
   /// Whether two filters of a slot weigh the same.
   [[nodiscard]] bool AreTied(std::size_t filter, std::size_t other) const {
     return runEnds_[filter] == runEnds_[other];
@@ -100,7 +105,7 @@ class Arbitration {
   std::size_t words_ = 0;
   std::vector<const Filter*> filters_;
   std::vector<Strengths> strengths_;
-  std::vector<std::size_t> runEnds_;  ///< where a filter's run ends
+  std::vector<std::size_t> runEnds_;  ///< by filter
   std::vector<Slot> slots_;
 };
 

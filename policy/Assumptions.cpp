@@ -50,6 +50,17 @@ constexpr auto kSteps = [] {
 }();
 static_assert(kSteps.back() * kTexts.back().readings.size() == World::kCount);
 
+/// By world, the reading of each assumption.
+constexpr auto kReadings = [] {
+  std::array<std::array<std::size_t, kAssumptionCount>, World::kCount> readings{};
+  for (std::size_t world = 0; world < World::kCount; ++world) {
+    for (std::size_t i = 0; i < kAssumptionCount; ++i) {
+      readings[world][i] = world / kSteps[i] % kTexts[i].readings.size();
+    }
+  }
+  return readings;
+}();
+
 /// The worlds that agree with some choices.
 class Box {
  public:
@@ -106,8 +117,7 @@ World World::OfIndex(std::size_t index) {
 std::size_t World::Index() const { return index_; }
 
 std::size_t World::ReadingOf(Assumption assumption) const {
-  const std::size_t i = static_cast<std::size_t>(assumption);
-  return index_ / kSteps[i] % kTexts[i].readings.size();
+  return kReadings[index_][static_cast<std::size_t>(assumption)];
 }
 
 World World::With(Assumption assumption, std::size_t reading) const {

@@ -6,6 +6,7 @@
 
 #include <WfpPlatform.h>
 
+#include <algorithm>
 #include <bit>
 #include <cstddef>
 #include <span>
@@ -41,14 +42,28 @@ inline std::size_t FirstBit(const BitWord* words, std::size_t begin, std::size_t
   return end;
 }
 
-/// Whether two sets have a bit in common.
-inline bool Meet(const BitWord* left, const BitWord* right, std::size_t words) {
-  for (std::size_t i = 0; i < words; ++i) {
-    if ((left[i] & right[i]) != 0) {
-      return true;
+/// The last bit set from `begin` to before `end`; `end` if there is none.
+inline std::size_t LastBit(const BitWord* words, std::size_t begin, std::size_t end) {
+  for (std::size_t after = end; after > begin;) {
+    const std::size_t last = after - 1;
+    const BitWord rest = words[last / kBitsPerWord] << (kBitsPerWord - 1 - last % kBitsPerWord);
+    if (rest != 0) {
+      const auto behind = static_cast<std::size_t>(std::countl_zero(rest));
+      return behind <= last - begin ? last - behind : end;
     }
+    after = last / kBitsPerWord * kBitsPerWord;
   }
-  return false;
+  return end;
+}
+
+/// Clears the bits from `begin` to before `end`.
+inline void ClearBits(BitWord* words, std::size_t begin, std::size_t end) {
+  while (begin < end) {
+    const std::size_t count = std::min(kBitsPerWord - begin % kBitsPerWord, end - begin);
+    const BitWord ones = count == kBitsPerWord ? ~BitWord{0} : (BitWord{1} << count) - 1;
+    words[begin / kBitsPerWord] &= ~(ones << (begin % kBitsPerWord));
+    begin += count;
+  }
 }
 
 /// Calls `visit` with every bit set from `begin` to before `end`.

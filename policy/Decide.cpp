@@ -2,7 +2,7 @@
 
 #include <algorithm>
 #include <array>
-#include <deque>
+#include <optional>
 
 #include "policy/Section.h"
 
@@ -220,30 +220,35 @@ const Filter* Explanation::Deciding() const {
   return nullptr;
 }
 
+/// Each section is made when the first connection asks for it.
 struct Decider::Sections {
-  std::deque<Section> all;
+  const Snapshot& snapshot;
   Circumstances circumstances;
+  std::array<std::optional<Section>, kSectionKeys.size()> made{};
+
+  const Section& Of(const Connection& connection) {
+    const std::size_t index = SectionIndex(connection.direction, connection.ipVersion);
+    if (!made[index]) {
+      made[index].emplace(snapshot, kSectionKeys[index], std::span<const Mark>(), circumstances);
+    }
+    return *made[index];
+  }
 };
 
 Decider::Decider(const Snapshot& snapshot, const Circumstances& circumstances)
-    : sections_(std::make_unique<Sections>()) {
-  for (const SectionKey& key : kSectionKeys) {
-    sections_->all.emplace_back(snapshot, key, std::span<const Mark>(), circumstances);
-  }
-  sections_->circumstances = circumstances;
-}
+    : sections_(std::make_unique<Sections>(snapshot, circumstances)) {}
 
 Decider::~Decider() = default;
 Decider::Decider(Decider&&) noexcept = default;
 Decider& Decider::operator=(Decider&&) noexcept = default;
 
 Verdict Decider::Decide(const Connection& connection) const {
-  const Section& section = sections_->all[SectionIndex(connection.direction, connection.ipVersion)];
+  const Section& section = sections_->Of(connection);
   return section.Decide(State(section, connection).Words());
 }
 
 Explanation Decider::Explain(const Connection& connection, World world) const {
-  const Section& section = sections_->all[SectionIndex(connection.direction, connection.ipVersion)];
+  const Section& section = sections_->Of(connection);
   State state(section, connection);
   Explanation explanation{connection, world, section.Decide(state.Words()), {}, {}, sections_->circumstances};
   for (std::size_t i = 0; i < section.Layers().size(); ++i) {

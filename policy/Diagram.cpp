@@ -12,9 +12,13 @@ MapTarget DecodeTarget(BitWord word) { return {word % 2 == 1, static_cast<std::s
 /// on as one.
 class Builder {
  public:
-  Builder(const Section& section, const std::function<std::size_t(const BitWord*)>& leaf,
+  Builder(const Section& section, Purpose purpose, const std::function<std::size_t(const BitWord*)>& leaf,
           std::size_t mostStateWords)
-      : section_(section), leaf_(leaf), width_(section.Layout().Width()), wordsLeft_(mostStateWords) {
+      : section_(section),
+        pruner_(section, purpose),
+        leaf_(leaf),
+        width_(section.Layout().Width()),
+        wordsLeft_(mostStateWords) {
     for (const auto& table : section.Tables()) {
       seen_.emplace_back(width_);
       made_.emplace_back(table->Signatures().Size());
@@ -25,7 +29,9 @@ class Builder {
   }
 
   Diagram Build() {
-    diagram_.root = Follow(0, section_.BaseState());
+    std::vector<BitWord> base = section_.BaseState();
+    pruner_.Prune(0, base.data());
+    diagram_.root = Follow(0, base);
     for (std::size_t level = 0; level < made_.size(); ++level) {
       diagram_.levels.push_back(MergeSignatures(level));
     }
@@ -57,6 +63,7 @@ class Builder {
     std::vector<BitWord> next(width_);
     for (std::size_t i = 0; i < signatures.Size(); ++i) {
       std::ranges::transform(state, std::span(signatures[i], width_), next.begin(), std::bit_and<>());
+      pruner_.Prune(level + 1, next.data());
       targets.push_back(Encode(Follow(level + 1, next)));
     }
     if (std::ranges::count(targets, targets.front()) == std::ssize(targets)) {
@@ -96,6 +103,7 @@ class Builder {
   }
 
   const Section& section_;
+  Pruner pruner_;
   const std::function<std::size_t(const BitWord*)>& leaf_;
   std::size_t width_;
   std::size_t wordsLeft_;
@@ -108,9 +116,9 @@ class Builder {
 
 }  // namespace
 
-Diagram MakeDiagram(const Section& section, const std::function<std::size_t(const BitWord*)>& leaf,
-                    std::size_t mostStateWords) {
-  return Builder(section, leaf, mostStateWords).Build();
+Diagram MakeDiagram(const Section& section, Purpose purpose,
+                    const std::function<std::size_t(const BitWord*)>& leaf, std::size_t mostStateWords) {
+  return Builder(section, purpose, leaf, mostStateWords).Build();
 }
 
 std::vector<ValueClass> ClassesOf(const FieldTable& table, const Diagram::Level& level,

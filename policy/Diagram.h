@@ -9,6 +9,7 @@
 #include <vector>
 
 #include "policy/MapNode.h"
+#include "policy/Pruner.h"
 #include "policy/Section.h"
 #include "policy/ValueClass.h"
 
@@ -36,9 +37,11 @@ class DiagramTooLarge : public std::runtime_error {
 /// For the states that a diagram is made from: 256 MB.
 inline constexpr std::size_t kMostStateWords = 32 * 1024 * 1024;
 
+/// @param purpose what the states that `leaf` is given must tell.
 /// @param leaf gives the number of what becomes of a state.
 /// @throws DiagramTooLarge when all states together take more than so many words.
-Diagram MakeDiagram(const Section& section, const std::function<std::size_t(const BitWord*)>& leaf,
+Diagram MakeDiagram(const Section& section, Purpose purpose,
+                    const std::function<std::size_t(const BitWord*)>& leaf,
                     std::size_t mostStateWords = kMostStateWords);
 
 /// The classes of a level's table, by number, without a text.

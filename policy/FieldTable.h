@@ -42,6 +42,7 @@ class FieldTable {
   static bool CanJudge(Field field, const std::vector<const Test*>& tests);
 
   [[nodiscard]] Field GetField() const { return field_; }
+  [[nodiscard]] const std::vector<TestGroup>& Groups() const { return groups_; }
   [[nodiscard]] const WordTable& Signatures() const { return signatures_; }
 
   /// The number of the signature of a connection's value.
@@ -60,7 +61,6 @@ class FieldTable {
   };
 
   [[nodiscard]] const StateLayout& Layout() const { return layout_; }
-  [[nodiscard]] const std::vector<TestGroup>& Groups() const { return groups_; }
   /// A signature in which only the filters without conditions on this field match.
   [[nodiscard]] std::vector<BitWord> EmptySignature() const;
   /// Writes what a group makes of a value.

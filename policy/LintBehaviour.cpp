@@ -49,7 +49,6 @@ using Spoiled = std::map<const Filter*, const Filter*>;
 /// What filters do to each other, collected over all connections.
 struct Seen {
   std::unordered_set<const Filter*> deciding;
-  Spoiled outranked;  ///< by filters that decided in their place
   Spoiled tied;
   Spoiled overridden;
 };
@@ -76,24 +75,19 @@ class LayerLint {
       seen_.deciding.insert(FilterAt(*deciding));
     }
     ForEachBit(matching_.perhaps, slot.begin, slot.end, [&](std::size_t filter) {
-      if (filter == deciding) {
-        return;
-      }
-      const bool isSure = HasBit(matching_.sure, filter);
-      if (!isSure && layer_.StrengthOf(filter, order) &&
-          (!deciding || layer_.Precedes(filter, *deciding, order))) {
+      if (HasBit(matching_.sure, filter)) {
+        LookAtTie(filter, deciding);
+      } else if (layer_.StrengthOf(filter, order) &&
+                 (!deciding || layer_.Precedes(filter, *deciding, order))) {
         seen_.deciding.insert(FilterAt(filter));
-      } else if (deciding) {
-        LookAtOutranked(filter, *deciding, isSure);
       }
     });
   }
 
-  void LookAtOutranked(std::size_t filter, std::size_t deciding, bool isSure) {
-    seen_.outranked.emplace(FilterAt(filter), FilterAt(deciding));
-    if (isSure && layer_.AreTied(filter, deciding) && !layer_.DoTheSame(filter, deciding)) {
-      const Filter* older = FilterAt(std::max(filter, deciding));  // of a run, the newest is first
-      const Filter* newer = FilterAt(std::min(filter, deciding));
+  void LookAtTie(std::size_t filter, std::optional<std::size_t> deciding) {
+    if (deciding && layer_.AreTied(filter, *deciding) && !layer_.DoTheSame(filter, *deciding)) {
+      const Filter* older = FilterAt(std::max(filter, *deciding));  // of a run, the newest is first
+      const Filter* newer = FilterAt(std::min(filter, *deciding));
       seen_.tied.emplace(older, newer);
     }
   }
@@ -127,35 +121,95 @@ class LayerLint {
 };
 
 void Look(const Section& section, Seen& seen) {
-  MakeDiagram(section, [&](const BitWord* state) {
-    for (std::size_t layer = 0; layer < section.Layers().size(); ++layer) {
-      for (const std::size_t plane : section.DistinctPlanes(layer, state)) {
-        LayerLint(section.Layers()[layer], section.MatchingIn(plane, layer, state), seen).Look();
+  // By layer, the sets of matching filters that have been looked at.
+  std::vector<WordTable> known;
+  for (const Arbitration& layer : section.Layers()) {
+    known.emplace_back(2 * layer.WordCount());
+  }
+  std::vector<BitWord> both;
+  MakeDiagram(section, Purpose::DecidingFilters, [&](const BitWord* state) {
+    for (std::size_t i = 0; i < section.Layers().size(); ++i) {
+      const Arbitration& layer = section.Layers()[i];
+      for (std::size_t plane = 0; plane < section.Layout().planes.size(); ++plane) {
+        const Section::Matching matching = section.MatchingIn(plane, i, state);
+        both.assign(matching.sure, matching.sure + layer.WordCount());
+        both.insert(both.end(), matching.perhaps, matching.perhaps + layer.WordCount());
+        if (known[i].Intern(both.data()).isNew) {
+          LayerLint(layer, matching, seen).Look();
+        }
       }
     }
     return std::size_t{0};
   });
 }
 
-void AddIdle(const Section& section, const Seen& seen, std::set<const Filter*>& reported,
-             std::vector<Finding>& findings) {
-  for (const Arbitration& layer : section.Layers()) {
-    for (const Filter* filter : layer.Filters()) {
-      if (seen.deciding.contains(filter) || !reported.insert(filter).second) {
-        continue;
+/// A connection's state in which a filter at least perhaps matches in a plane, or none if there is none.
+std::vector<BitWord> StateWith(const Section& section, std::size_t plane, std::size_t layer,
+                               std::size_t filter) {
+  std::vector<BitWord> state = section.BaseState();
+  const auto matches = [&](const BitWord* words) {
+    return HasBit(section.MatchingIn(plane, layer, words).perhaps, filter);
+  };
+  for (const auto& table : section.Tables()) {
+    const WordTable& signatures = table->Signatures();
+    std::size_t fitting = 0;
+    while (fitting < signatures.Size() && !matches(signatures[fitting])) {
+      ++fitting;
+    }
+    if (fitting == signatures.Size()) {
+      return {};
+    }
+    std::ranges::transform(state, std::span(signatures[fitting], state.size()), state.begin(),
+                           std::bit_and<>());
+  }
+  return matches(state.data()) ? state : std::vector<BitWord>();
+}
+
+/// For a filter that never decides, one that decides in its place; null if it matches nothing.
+const Filter* SpoilerOf(const Section& section, std::size_t layerIndex, std::size_t filter) {
+  const Arbitration& layer = section.Layers()[layerIndex];
+  const auto holds = [filter](const Arbitration::Slot& slot) { return filter < slot.end; };
+  const Arbitration::Slot& slot = *std::ranges::find_if(layer.Slots(), holds);
+  for (std::size_t plane = 0; plane < section.Layout().planes.size(); ++plane) {
+    const std::vector<BitWord> state = StateWith(section, plane, layerIndex, filter);
+    for (const World& order : Arbitration::FilterOrders()) {
+      const auto deciding =
+          state.empty()
+              ? std::nullopt
+              : layer.Deciding(slot, section.MatchingIn(plane, layerIndex, state.data()).sure, order);
+      if (deciding && *deciding != filter) {
+        return layer.Filters()[*deciding];
       }
-      const auto spoiler = seen.outranked.find(filter);
-      if (spoiler == seen.outranked.end()) {
-        findings.push_back({FindingKind::NeverTrue, filter, nullptr,
-                            "No connection meets its conditions, so it does nothing.",
-                            "remove it, or mend them"});
-      } else {
-        findings.push_back(
-            {FindingKind::NeverDecides, filter, spoiler->second,
-             "Wherever the first matches, another filter of its sublayer, such as the second, has "
-             "decided already.",
-             "remove it, or give it a greater weight"});
+    }
+  }
+  return nullptr;
+}
+
+void FindIdle(const Section& section, const Seen& seen, const std::set<const Filter*>& reported,
+              Spoiled& idle) {
+  for (std::size_t layer = 0; layer < section.Layers().size(); ++layer) {
+    const auto& filters = section.Layers()[layer].Filters();
+    for (std::size_t i = 0; i < filters.size(); ++i) {
+      if (!seen.deciding.contains(filters[i]) && !reported.contains(filters[i])) {
+        const Filter*& spoiler = idle[filters[i]];
+        spoiler = spoiler == nullptr ? SpoilerOf(section, layer, i) : spoiler;
       }
+    }
+  }
+}
+
+void AddIdle(const Spoiled& idle, std::vector<Finding>& findings) {
+  for (const auto& [filter, spoiler] : idle) {
+    if (spoiler == nullptr) {
+      findings.push_back({FindingKind::NeverTrue, filter, nullptr,
+                          "No connection meets its conditions, so it does nothing.",
+                          "remove it, or mend them"});
+    } else {
+      findings.push_back(
+          {FindingKind::NeverDecides, filter, spoiler,
+           "Wherever the first matches, another filter of its sublayer, such as the second, has "
+           "decided already.",
+           "remove it, or give it a greater weight"});
     }
   }
 }
@@ -208,9 +262,11 @@ void LintBehaviour(const Snapshot& snapshot, std::vector<Finding>& findings) {
       reported.insert(finding.filter);
     }
   }
+  Spoiled idle;
   for (const Section& section : sections) {
-    AddIdle(section, seen, reported, findings);
+    FindIdle(section, seen, reported, idle);
   }
+  AddIdle(idle, findings);
   AddPairs(
       FindingKind::TieOfActions, seen.tied,
       "They weigh the same, do different things and match the same connections; which one decides is not "

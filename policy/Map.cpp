@@ -29,8 +29,8 @@ class VerdictTable {
 
 MapSection MakeSection(const Section& section, const Labels& labels, VerdictTable& verdicts) {
   const SectionKey key = section.Key();
-  Diagram diagram =
-      MakeDiagram(section, [&](const BitWord* state) { return verdicts.Intern(section.Decide(state)); });
+  Diagram diagram = MakeDiagram(section, Purpose::Verdicts,
+                                [&](const BitWord* state) { return verdicts.Intern(section.Decide(state)); });
   MapSection map{key.direction, key.ipVersion, {}, std::move(diagram.nodes), diagram.root};
   const Connection ordinary = OrdinaryConnection(key.direction, key.ipVersion);
   std::vector<std::size_t> fieldOfLevel;

@@ -196,13 +196,13 @@ Section::Matching Section::MatchingIn(World world, std::size_t layer, const BitW
 }
 
 Section::Matching Section::MatchingIn(std::size_t plane, std::size_t layer, const BitWord* state) const {
-  const BitWord* sure = state + plane * layout_.PlaneWords() + layerAt_[layer];
+  const BitWord* sure = state + WordAt(plane, layer);
   return {sure, layout_.hasDoubt ? sure + layout_.filterWords : sure};
 }
 
 std::vector<Section::NearMatch> Section::NearMatchesIn(World world, std::size_t layer,
                                                        const Connection& connection) const {
-  const std::size_t at = planeOfWorld_[world.Index()] * layout_.PlaneWords() + layerAt_[layer];
+  const std::size_t at = WordAt(planeOfWorld_[world.Index()], layer);
   const std::size_t perhapsAt = layout_.hasDoubt ? at + layout_.filterWords : at;
   const std::size_t words = layers_[layer].WordCount();
   std::vector<BitWord> failing(tables_.size() * words);

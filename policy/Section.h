@@ -69,6 +69,12 @@ class Section {
   /// The same by the number of a plane.
   [[nodiscard]] Matching MatchingIn(std::size_t plane, std::size_t layer, const BitWord* state) const;
 
+  /// Where the words of a layer's filters that surely match begin in a state. Those that perhaps match follow
+  /// after Layout().filterWords, if some can.
+  [[nodiscard]] std::size_t WordAt(std::size_t plane, std::size_t layer) const {
+    return plane * layout_.PlaneWords() + layerAt_[layer];
+  }
+
   /// The planes of a layer in which different filters match, each by its first number.
   [[nodiscard]] std::vector<std::size_t> DistinctPlanes(std::size_t layer, const BitWord* state) const;
 

@@ -43,7 +43,7 @@ class ProofSection {
  public:
   ProofSection(const Snapshot& snapshot, SectionKey key, const std::vector<Promise>& promises)
       : key_(key), marks_(Place(promises)), section_(snapshot, key, marks_) {
-    diagram_ = MakeDiagram(section_, [this](const BitWord* state) {
+    diagram_ = MakeDiagram(section_, Policy::Purpose::Verdicts, [this](const BitWord* state) {
       leaves_.push_back(
           {section_.Decide(state), {state + section_.Layout().MarksAt(), state + section_.Layout().Width()}});
       return LeafNumber();

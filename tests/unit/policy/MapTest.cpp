@@ -269,6 +269,54 @@ TEST_F(MapTest, TheKillSwitchReadsAsItsUserWouldSayIt) {
 )"));
 }
 
+/// The number of states that a diagram of outbound IPv4 connections is made from.
+std::size_t StatesOf(const Policy::Snapshot& snapshot, Policy::Purpose purpose) {
+  const Policy::Section section(snapshot, Policy::kSectionKeys[0]);
+  const auto leaf = [](const Policy::BitWord*) { return std::size_t{0}; };
+  for (std::size_t states = 1;; ++states) {
+    try {
+      Policy::MakeDiagram(section, purpose, leaf, states * section.Layout().Width());
+      return states;
+    } catch (const Policy::DiagramTooLarge&) {
+      continue;
+    }
+  }
+}
+
+/// One state to begin with and one for each of two fields, unless the states of a field differ in more than
+/// what can make no difference.
+TEST_F(MapTest, StatesWithoutADifferenceThatCountsAreOne) {
+  const auto statesOf = [this](const char* filters) {
+    SetUpAgain();
+    Install(1, filters);
+    return StatesOf(Read(), Policy::Purpose::Verdicts);
+  };
+  const std::size_t softPermits = statesOf(R"(
+ALE_AUTH_CONNECT_V4 | PERMIT | UINT8 3 | - | IP_REMOTE_PORT EQUAL UINT16 53
+ALE_AUTH_CONNECT_V4 | PERMIT | UINT8 2 | - | IP_PROTOCOL EQUAL UINT8 6
+)");
+  const std::size_t belowABlock = statesOf(R"(
+ALE_AUTH_CONNECT_V4 | BLOCK | UINT8 4 | - | -
+ALE_AUTH_CONNECT_V4 | PERMIT | UINT8 3 | CLEAR_ACTION_RIGHT | IP_REMOTE_PORT EQUAL UINT16 53
+ALE_AUTH_CONNECT_V4 | PERMIT | UINT8 2 | CLEAR_ACTION_RIGHT | IP_PROTOCOL EQUAL UINT8 6
+)");
+  const std::size_t hardPermits = statesOf(R"(
+ALE_AUTH_CONNECT_V4 | PERMIT | UINT8 3 | CLEAR_ACTION_RIGHT | IP_REMOTE_PORT EQUAL UINT16 53
+ALE_AUTH_CONNECT_V4 | PERMIT | UINT8 2 | CLEAR_ACTION_RIGHT | IP_PROTOCOL EQUAL UINT8 6
+)");
+  EXPECT_EQ(softPermits, 3U);
+  EXPECT_EQ(belowABlock, 3U);
+  EXPECT_EQ(hardPermits, 6U);
+}
+
+TEST_F(MapTest, WhatAnotherSlotDecidesStillShowsWhichFiltersDecide) {
+  Install(2, "ALE_AUTH_CONNECT_V4 | BLOCK | UINT8 4 | - | -");
+  Install(1, "ALE_AUTH_CONNECT_V4 | PERMIT | UINT8 3 | - | IP_REMOTE_PORT EQUAL UINT16 53");
+  const Policy::Snapshot snapshot = Read();
+  EXPECT_EQ(StatesOf(snapshot, Policy::Purpose::Verdicts), 2U);
+  EXPECT_EQ(StatesOf(snapshot, Policy::Purpose::DecidingFilters), 3U);
+}
+
 /// One state to begin with, and two where the port has been looked at.
 TEST_F(MapTest, HasALimitOfStates) {
   Install(1, "ALE_AUTH_CONNECT_V4 | BLOCK | UINT8 1 | - | IP_REMOTE_PORT EQUAL UINT16 53");
@@ -276,8 +324,9 @@ TEST_F(MapTest, HasALimitOfStates) {
   const Policy::Section section(snapshot, Policy::kSectionKeys[0]);
   const auto leaf = [](const Policy::BitWord*) { return std::size_t{0}; };
   const std::size_t width = section.Layout().Width();
-  EXPECT_NO_THROW(Policy::MakeDiagram(section, leaf, 3 * width));
-  EXPECT_THROW(Policy::MakeDiagram(section, leaf, 3 * width - 1), Policy::DiagramTooLarge);
+  EXPECT_NO_THROW(Policy::MakeDiagram(section, Policy::Purpose::Verdicts, leaf, 3 * width));
+  EXPECT_THROW(Policy::MakeDiagram(section, Policy::Purpose::Verdicts, leaf, 3 * width - 1),
+               Policy::DiagramTooLarge);
 }
 
 }  // namespace
