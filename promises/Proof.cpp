@@ -73,20 +73,20 @@ class ProofSection {
     Connection connection;
     Action promised = Action::Block;
   };
-  /// The connection nearest to an ordinary one that breaks a promise in a world.
-  [[nodiscard]] Counterexample FindCounterexample(std::size_t promise, World world) const {
-    Counterexample best;
+  /// For each of a promise's clauses the connection nearest to an ordinary one that breaks it in a world.
+  [[nodiscard]] std::vector<Counterexample> FindCounterexamples(std::size_t promise, World world) const {
+    std::vector<Counterexample> found;
     for (const PlacedClause& clause : clauses_) {
       if (clause.promise != promise) {
         continue;
       }
       const std::vector<std::size_t> distances = Distances(clause, world);
       const std::size_t distance = DistanceOf(diagram_.root, distances, clause, world);
-      if (distance < best.distance) {
-        best = {distance, Walk(distances, clause, world), clause.promised};
+      if (distance != kNoWay) {
+        found.push_back({distance, Walk(distances, clause, world), clause.promised});
       }
     }
-    return best;
+    return found;
   }
 
  private:
@@ -231,8 +231,13 @@ void AddCounterexample(const std::deque<ProofSection>& sections, std::size_t pro
   const World world = FirstOutside(result.worlds);
   ProofSection::Counterexample best;
   for (const ProofSection& section : sections) {
-    const auto found = section.FindCounterexample(promise, world);
-    best = found.distance < best.distance ? found : best;
+    for (const auto& found : section.FindCounterexamples(promise, world)) {
+      const Policy::Filter* filter = decider.Explain(found.connection, world).Deciding();
+      if (std::ranges::find(result.breaks, filter, &Break::filter) == result.breaks.end()) {
+        result.breaks.push_back({found.connection, filter});
+      }
+      best = found.distance < best.distance ? found : best;
+    }
   }
   result.counterexample = decider.Explain(best.connection, world);
   result.promised = best.promised;
@@ -261,7 +266,7 @@ std::vector<PromiseResult> Prove(const Snapshot& snapshot, const Features& featu
   const Decider decider(snapshot);
   std::vector<PromiseResult> results;
   for (std::size_t i = 0; i < promises.size(); ++i) {
-    PromiseResult result{promises[i].feature, promises[i].name, promises[i].sentence, {}, {}, {}, {}};
+    PromiseResult result{promises[i].feature, promises[i].name, promises[i].sentence, {}, {}, {}, {}, {}, {}};
     result.worlds.set();
     for (const ProofSection& section : sections) {
       result.worlds &= section.WorldsOf(i);
@@ -273,6 +278,38 @@ std::vector<PromiseResult> Prove(const Snapshot& snapshot, const Features& featu
     results.push_back(std::move(result));
   }
   return results;
+}
+
+std::vector<PromiseResult> ProveInCompany(const Snapshot& snapshot, const Features& features,
+                                          const GUID& ours) {
+  std::vector<PromiseResult> results = Prove(snapshot, features);
+  Snapshot own = snapshot;
+  std::erase_if(own.filters, [&ours](const Policy::Filter& filter) { return filter.providerKey != ours; });
+  if (own.filters.size() == snapshot.filters.size()) {
+    return results;
+  }
+  const std::vector<PromiseResult> alone = Prove(own, features);
+  for (std::size_t i = 0; i < results.size(); ++i) {
+    results[i].alone = alone[i].keeping;
+  }
+  return results;
+}
+
+std::string DescribeInCompany(const PromiseResult& result, const Policy::Owners& owners,
+                              const Policy::Labels& labels) {
+  std::string text = result.name + " (" + result.feature + "): " + std::string(KeepingText(result.keeping)) +
+                     " on this machine\n  " + result.sentence + '\n';
+  for (const auto& [connection, filter] : result.breaks) {
+    text += "  broken by " + (filter == nullptr ? "no filter that is known" : owners.Describe(*filter)) +
+            ": " + Describe(connection, labels) + '\n';
+  }
+  if (result.keeping != Keeping::Holds && result.alone) {
+    text +=
+        "  of this product's filters alone it " +
+        (*result.alone == Keeping::Broken ? "is broken as well" : std::string(KeepingText(*result.alone))) +
+        '\n';
+  }
+  return text;
 }
 
 std::string Describe(const PromiseResult& result, const Policy::Labels& labels) {

@@ -10,6 +10,7 @@
 #include <vector>
 
 #include "policy/Decide.h"
+#include "policy/Owners.h"
 #include "promises/Features.h"
 
 namespace Promises {
@@ -24,6 +25,12 @@ enum class Keeping {
 /// "holds", "holds only under a reading", "broken"
 std::string_view KeepingText(Keeping keeping);
 
+/// A connection that breaks a promise, and why.
+struct Break {
+  Policy::Connection connection;
+  const Policy::Filter* filter;  ///< that decides; null if none matches, or if it is not known which
+};
+
 /// A promise, and whether it is kept.
 struct PromiseResult {
   std::string feature;   ///< "kill switch"
@@ -35,11 +42,26 @@ struct PromiseResult {
   /// where it does, and what was promised for it.
   std::optional<Policy::Explanation> counterexample;
   std::optional<Policy::Action> promised;
+  /// Unless it holds: for each filter that breaks it a connection, as far as the nearest ones to ordinary
+  /// ones tell.
+  std::vector<Break> breaks;
+  /// Whether the product's own filters alone would keep it; none if nobody else's are there.
+  std::optional<Keeping> alone;
 };
 
 /// Checks every promise of the features that are on against every connection that can exist.
 /// @param snapshot must outlive the results.
 std::vector<PromiseResult> Prove(const Policy::Snapshot& snapshot, const Features& features);
+
+/// The same, and whether the product's own filters alone would keep the promises.
+/// @param ours the key of the product's provider.
+std::vector<PromiseResult> ProveInCompany(const Policy::Snapshot& snapshot, const Features& features,
+                                          const GUID& ours);
+
+/// What becomes of a promise on a machine with other programs' filters, in words: whether it holds there, and
+/// whose filters break it.
+std::string DescribeInCompany(const PromiseResult& result, const Policy::Owners& owners,
+                              const Policy::Labels& labels = {});
 
 /// A result in words: the sentence, its state with the readings, and the counterexample with its trace.
 std::string Describe(const PromiseResult& result, const Policy::Labels& labels = {});

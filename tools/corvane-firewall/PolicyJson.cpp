@@ -313,12 +313,22 @@ Json ToJson(const std::vector<Promises::PromiseResult>& promises, const Policy::
     for (const auto& choices : Policy::Alternatives(promise.worlds)) {
       alternatives.push_back(ToJson(choices));
     }
+    Json breaks = Json::array();
+    for (const auto& [connection, filter] : promise.breaks) {
+      breaks.push_back({{"filter", Reference(filter)},
+                        {"owner", filter == nullptr ? Json(nullptr) : Json(owners.NameOf(*filter))},
+                        {"ours", filter != nullptr && owners.KindOf(*filter) == Policy::OwnerKind::Ours},
+                        {"connection", ToJson(connection, labels)}});
+    }
     json.push_back(
         {{"feature", promise.feature},
          {"name", promise.name},
          {"sentence", promise.sentence},
          {"state", Promises::KeepingText(promise.keeping)},
+         {"holds", promise.keeping == Promises::Keeping::Holds},
          {"holdsUnder", std::move(alternatives)},
+         {"alone", ToJson(promise.alone, Promises::KeepingText)},
+         {"breaks", std::move(breaks)},
          {"promised", ToJson(promise.promised)},
          {"counterexample", ToJson(promise.counterexample,
                                    [&](const auto& example) { return ToJson(example, owners, labels); })},

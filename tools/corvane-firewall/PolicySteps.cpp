@@ -59,8 +59,8 @@ void MapStep(const StepContext& context, const StepOptions& options) {
 void ProveStep(const StepContext& context, const StepOptions&) {
   const Policy::Snapshot snapshot = ReadPolicyOf(context);
   const Promises::Features features = ActiveFeatures(context.before, context.dnsApp, snapshot);
-  context.reporter.ShowPromises(Promises::Prove(snapshot, features), Policy::Owners(snapshot, kProvider.key),
-                                context.ReadAdapterNames());
+  context.reporter.ShowPromises(Promises::ProveInCompany(snapshot, features, kProvider.key),
+                                Policy::Owners(snapshot, kProvider.key), context.ReadAdapterNames());
 }
 
 void LintStep(const StepContext& context, const StepOptions& options) {
@@ -73,8 +73,9 @@ void ReportStep(const StepContext& context, const StepOptions& options) {
   const std::string& path = options.file.front();
   const Policy::Snapshot snapshot = ReadPolicyOf(context);
   const Promises::Features features = ActiveFeatures(context.before, context.dnsApp, snapshot);
-  WriteFile(path, MakePage({context.engine, snapshot, Promises::Prove(snapshot, features),
-                            context.ReadAdapterNames(), Policy::Owners(snapshot, kProvider.key),
-                            context.isOrderInferred}));
+  WriteFile(path,
+            MakePage({context.engine, snapshot, Promises::ProveInCompany(snapshot, features, kProvider.key),
+                      context.ReadAdapterNames(), Policy::Owners(snapshot, kProvider.key),
+                      context.isOrderInferred}));
   context.reporter.ShowFile(path);
 }

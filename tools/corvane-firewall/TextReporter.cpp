@@ -123,10 +123,11 @@ void TextReporter::ShowMap(const Policy::Map& map, const Policy::Labels& labels)
   Print(Policy::Describe(map, labels));
 }
 
-void TextReporter::ShowPromises(const std::vector<Promises::PromiseResult>& promises, const Policy::Owners&,
-                                const Policy::Labels& labels) {
+void TextReporter::ShowPromises(const std::vector<Promises::PromiseResult>& promises,
+                                const Policy::Owners& owners, const Policy::Labels& labels) {
   for (const Promises::PromiseResult& promise : promises) {
-    Print(Promises::Describe(promise, labels));
+    Print(promise.alone ? Promises::DescribeInCompany(promise, owners, labels)
+                        : Promises::Describe(promise, labels));
   }
   if (promises.empty()) {
     std::cout << "  no feature is switched on in this run: nothing is promised\n";

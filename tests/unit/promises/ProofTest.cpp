@@ -2,6 +2,7 @@
 
 #include <algorithm>
 
+#include "support/RuleSetKeys.h"
 #include "unit/policy/PolicyTest.h"
 
 namespace {
@@ -143,6 +144,41 @@ TEST_F(ProofTest, TheCounterexampleIsTheOrdinaryConnectionWithOnlyTheValuesThatI
   EXPECT_EQ(result.counterexample.value().connection, To("198.51.100.1", 53));
   EXPECT_THAT(Promises::Describe(result),
               HasSubstr("promised block, but:\n  outbound IPv4, protocol 6 (TCP)"));
+}
+
+TEST_F(ProofTest, InCompanyTellsWhoseFilterBreaksAPromise) {
+  Install(KillSwitchOnly());
+  const auto resultOf = [] {
+    static std::optional<Policy::Snapshot> snapshot;
+    snapshot = Read();
+    return Find(Promises::ProveInCompany(*snapshot, KillSwitchOnly(), kProviderKey),
+                "kill-switch-closes-outbound");
+  };
+  const PromiseResult before = resultOf();
+  EXPECT_EQ(before.keeping, Keeping::Holds);
+  EXPECT_EQ(before.alone, std::nullopt);
+  EXPECT_THAT(before.breaks, testing::IsEmpty());
+
+  Install(60000,
+          "ALE_AUTH_CONNECT_V4 | PERMIT | UINT8 1 | CLEAR_ACTION_RIGHT | IP_REMOTE_PORT EQUAL UINT16 22");
+  Policy::Snapshot snapshot = Read();
+  snapshot.providers = {{kProviderKey, "Corvane", ""}};
+  Policy::Filter& foreign = *std::ranges::find_if(
+      snapshot.filters, [](const Policy::Filter& filter) { return !filter.providerKey; });
+  foreign.id = 7;
+  foreign.name = "SSH";
+  const PromiseResult result =
+      Find(Promises::ProveInCompany(snapshot, KillSwitchOnly(), kProviderKey), "kill-switch-closes-outbound");
+  EXPECT_NE(result.keeping, Keeping::Holds);
+  EXPECT_EQ(result.alone, Keeping::Holds);
+  ASSERT_THAT(result.breaks, testing::SizeIs(1));
+  EXPECT_EQ(result.breaks[0].filter, &foreign);
+  EXPECT_EQ(result.breaks[0].connection.remotePort, 22);
+  EXPECT_THAT(Promises::DescribeInCompany(result, Policy::Owners(snapshot, kProviderKey)),
+              AllOf(testing::StartsWith("kill-switch-closes-outbound (kill switch): "),
+                    HasSubstr(" on this machine\n"),
+                    HasSubstr("  broken by filter 7 \"SSH\" of no provider: outbound IPv4, protocol 6 (TCP)"),
+                    testing::EndsWith("  of this product's filters alone it holds\n")));
 }
 
 TEST_F(ProofTest, AResultSaysWhereItHoldsAndWhatBreaksIt) {
