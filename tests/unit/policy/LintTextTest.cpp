@@ -22,7 +22,10 @@ class LintTextTest : public testing::Test {
       Policy::Filter filter{};
       filter.id = id;
       filter.name = "F";
-      filter.providerKey = id <= 3 ? Catalog::kWindowsFirewallProviderKey : id <= 10 ? kThem : kUs;
+      filter.providerKey = id <= 10 ? kThem : kUs;
+      if (id <= 3) {
+        filter.providerKey = Catalog::kWindowsFirewallProviderKey;
+      }
       snapshot_.filters.push_back(filter);
     }
   }
