@@ -21,12 +21,6 @@ std::string HexDigits(UINT64 number) {
   return {digits.data(), std::to_chars(digits.data(), digits.data() + digits.size(), number, 16).ptr};
 }
 
-const char* DirectionText(Policy::Direction direction) {
-  return direction == Policy::Direction::Outbound ? "outbound" : "inbound";
-}
-
-int VersionNumber(IpVersion ipVersion) { return ipVersion == IpVersion::V4 ? 4 : 6; }
-
 Json ToJson(const std::optional<Policy::Action>& action) {
   return action ? Json(Policy::ActionText(*action)) : Json(nullptr);
 }
@@ -156,17 +150,6 @@ Json ExampleOf(const Policy::ValueClass& values, bool isLuid) {
   return ToJson(values.exampleNumber, [isLuid](Policy::Number number) { return NumberText(number, isLuid); });
 }
 
-Json ToJson(const Policy::ValueClass& values, Policy::Field field) {
-  return {{"text", values.text},
-          {"unset", values.unset},
-          {"intervals", ToJson(values.intervals, IsLuid(field))},
-          {"masked", ToJson(values.masked)},
-          {"applications", HexTexts(values.applications)},
-          {"endings", HexTexts(values.endings)},
-          {"others", values.others},
-          {"example", ExampleOf(values, IsLuid(field))}};
-}
-
 Json ToJson(const Policy::MapTarget& target) {
   return {{target.isVerdict ? "verdict" : "node", target.index}};
 }
@@ -194,43 +177,13 @@ Json ToJson(const Policy::MapSection& section) {
   return json;
 }
 
-const char* KindText(Policy::Test::Kind kind) {
-  constexpr std::array kTexts{"unreadable", "unset",    "in-interval", "all-set",
-                              "any-set",    "none-set", "is",          "ends-with"};
-  return kTexts.at(static_cast<std::size_t>(kind));
-}
-
-Json ToJson(const Policy::Condition& condition) {
-  const Policy::Test& test = condition.test;
-  // All fields of 64 bits are LUIDs but one, a counter, which is shown in decimal as well.
-  const bool isLuid = condition.field != nullptr && condition.field->dataType == FWP_UINT64;
-  return {{"field", condition.field == nullptr ? Catalog::FormatGuid(condition.fieldKey)
-                                               : std::string(condition.field->name)},
-          {"text", condition.text},
-          {"test", KindText(test.kind)},
-          {"negated", test.negated},
-          {"first", NumberText(test.interval.first, isLuid)},
-          {"last", NumberText(test.interval.last, isLuid)},
-          {"bytes", HexText(test.bytes)}};
-}
-
-Json ToJson(const Policy::Filter& filter) {
-  Json conditions = Json::array();
-  for (const Policy::Condition& condition : filter.conditions) {
-    conditions.push_back(ToJson(condition));
-  }
-  return {{"id", filter.id},
-          {"name", filter.name},
-          {"layer", Catalog::LayerName(filter.layerKey)},
-          {"sublayer", Catalog::FormatGuid(filter.sublayerKey)},
-          {"action", Catalog::ActionName(filter.action)},
-          {"hard", filter.IsHard()},
-          {"inForce", (filter.flags & (FWPM_FILTER_FLAG_DISABLED | FWPM_FILTER_FLAG_BOOTTIME)) == 0},
-          {"weight", HexText(filter.effectiveWeight)},
-          {"conditions", std::move(conditions)}};
-}
-
 }  // namespace
+
+const char* DirectionText(Policy::Direction direction) {
+  return direction == Policy::Direction::Outbound ? "outbound" : "inbound";
+}
+
+int VersionNumber(Policy::IpVersion ipVersion) { return ipVersion == IpVersion::V4 ? 4 : 6; }
 
 std::string HexText(Policy::Number number) {
   const std::string low = HexDigits(number.low);
@@ -241,6 +194,17 @@ std::string HexText(Policy::Number number) {
 std::string HexText(std::string_view bytes) {
   return bytes.empty() ? ""
                        : Catalog::FormatBytes({reinterpret_cast<const UINT8*>(bytes.data()), bytes.size()});
+}
+
+Json ToJson(const Policy::ValueClass& values, Policy::Field field) {
+  return {{"text", values.text},
+          {"unset", values.unset},
+          {"intervals", ToJson(values.intervals, IsLuid(field))},
+          {"masked", ToJson(values.masked)},
+          {"applications", HexTexts(values.applications)},
+          {"endings", HexTexts(values.endings)},
+          {"others", values.others},
+          {"example", ExampleOf(values, IsLuid(field))}};
 }
 
 Json ToJson(const Policy::Verdict& verdict) {
@@ -350,20 +314,6 @@ Json ToJson(std::vector<Policy::Finding> findings, const Policy::Owners& owners)
                     {"other", Reference(finding.other)},
                     {"reason", finding.reason},
                     {"advice", finding.advice}});
-  }
-  return json;
-}
-
-Json ToJson(const Policy::Snapshot& snapshot) {
-  Json json{{"sublayers", Json::array()}, {"filters", Json::array()}};
-  for (const Policy::Sublayer& sublayer : snapshot.sublayers) {
-    json["sublayers"].push_back({{"key", Catalog::FormatGuid(sublayer.key)},
-                                 {"name", SublayerName(&sublayer)},
-                                 {"weight", sublayer.weight},
-                                 {"listed", sublayer.listed}});
-  }
-  for (const Policy::Filter& filter : snapshot.filters) {
-    json["filters"].push_back(ToJson(filter));
   }
   return json;
 }

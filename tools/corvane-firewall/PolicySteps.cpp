@@ -76,6 +76,6 @@ void ReportStep(const StepContext& context, const StepOptions& options) {
   WriteFile(path,
             MakePage({context.engine, snapshot, Promises::ProveInCompany(snapshot, features, kProvider.key),
                       context.ReadAdapterNames(), Policy::Owners(snapshot, kProvider.key),
-                      context.isOrderInferred}));
+                      context.isOrderInferred, AskCircumstances(options, snapshot)}));
   context.reporter.ShowFile(path);
 }

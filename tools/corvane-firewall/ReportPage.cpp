@@ -4,14 +4,19 @@
 #include <map>
 #include <string_view>
 
+#include "PageMap.h"
+#include "PageSnapshot.h"
 #include "PolicyJson.h"
 #include "ReportTemplate.h"
+#include "SharedTexts.h"
 #include "catalog/Format.h"
 #include "catalog/Keys.h"
+#include "policy/LintText.h"
 
 namespace {
 
 constexpr std::string_view kDataMark = "@DATA@";
+constexpr std::size_t kLongestMapText = 256 * 1024;
 
 /// The ordinary connection of each section of a map, in the order of the sections.
 Json OrdinaryConnections() {
@@ -25,21 +30,21 @@ Json OrdinaryConnections() {
 }
 
 /// The applications that the conditions of filters name.
-Json Applications(const Policy::Snapshot& snapshot) {
-  std::map<std::string, std::string> texts;
+Json Applications(const Policy::Snapshot& snapshot, SharedTexts& texts) {
+  std::map<std::string, std::string> names;
   for (const Policy::Filter& filter : snapshot.filters) {
     for (const Policy::Condition& condition : filter.conditions) {
       const std::string& bytes = condition.test.bytes;
       if (condition.test.kind == Policy::Test::Kind::IsBytes &&
           condition.field->key == Catalog::kAleAppIdFieldKey) {
-        texts[bytes] =
+        names[bytes] =
             Catalog::FormatTextOrBytes({reinterpret_cast<const UINT8*>(bytes.data()), bytes.size()});
       }
     }
   }
   Json json = Json::array();
-  for (const auto& [bytes, text] : texts) {
-    json.push_back({{"id", HexText(bytes)}, {"text", text}});
+  for (const auto& [bytes, name] : names) {
+    json.push_back({{"id", texts.IndexOf(HexText(bytes))}, {"text", name}});
   }
   return json;
 }
@@ -76,21 +81,61 @@ std::string Today() {
          twoDigits(static_cast<unsigned>(date.month())) + "-" + twoDigits(static_cast<unsigned>(date.day()));
 }
 
+Json CircumstancesOf(const AskedCircumstances& asked) {
+  Json json = Json::object();
+  for (const auto& [name, text] : asked.told) {
+    json[name] = text;
+  }
+  return json;
+}
+
+/// The promises, without what the page does not show of them.
+Json PromisesOf(const PageContent& content) {
+  Json json = ToJson(content.promises, content.owners, content.labels);
+  for (Json& promise : json) {
+    for (const char* name : {"holdsUnder", "promised", "counterexample"}) {
+      promise.erase(name);
+    }
+  }
+  return json;
+}
+
+/// Ours first.
+std::vector<Policy::Finding> FindingsOf(const PageContent& content) {
+  std::vector<Policy::Finding> findings = Policy::Lint(content.snapshot);
+  Policy::SortByOwner(findings, content.owners);
+  return findings;
+}
+
+/// The map in words; of a long one the first lines.
+std::string MapText(const Policy::Map& map, const Policy::Labels& labels) {
+  std::string text = Policy::Describe(map, labels, {.longestList = 12});
+  if (text.size() > kLongestMapText) {
+    text.resize(text.rfind('\n', kLongestMapText) + 1);
+    text += "The rest is left out here; the tool's step map tells all of it.\n";
+  }
+  return text;
+}
+
 Json DataOf(const PageContent& content) {
-  const Policy::Map map = Policy::MakeMap(content.snapshot, content.labels);
-  return {{"engine", EngineName(content.engine)},
-          {"isOrderInferred", content.isOrderInferred},
-          {"written", Today()},
-          {"version", CORVANE_VERSION},
-          {"ordinary", OrdinaryConnections()},
-          {"applications", Applications(content.snapshot)},
-          {"interfaces", Interfaces(content.labels)},
-          {"assumptions", Assumptions()},
-          {"snapshot", ToJson(content.snapshot)},
-          {"map", ToJson(map)},
-          {"mapText", Policy::Describe(map, content.labels, {.longestList = 12})},
-          {"promises", ToJson(content.promises, content.owners, content.labels)},
-          {"findings", ToJson(Policy::Lint(content.snapshot), content.owners)}};
+  const Policy::Map map = Policy::MakeMap(content.snapshot, content.labels, content.asked.circumstances);
+  SharedTexts texts;
+  Json data{{"engine", EngineName(content.engine)},
+            {"isOrderInferred", content.isOrderInferred},
+            {"written", Today()},
+            {"version", CORVANE_VERSION},
+            {"ordinary", OrdinaryConnections()},
+            {"applications", Applications(content.snapshot, texts)},
+            {"interfaces", Interfaces(content.labels)},
+            {"assumptions", Assumptions()},
+            {"circumstances", CircumstancesOf(content.asked)},
+            {"snapshot", PageSnapshot(content.snapshot, content.asked.circumstances, texts)},
+            {"map", PageMap(map, texts)},
+            {"mapText", MapText(map, content.labels)},
+            {"promises", PromisesOf(content)},
+            {"findings", PageFindings(FindingsOf(content), content.snapshot)}};
+  data["texts"] = texts.Take();
+  return data;
 }
 
 /// JSON for a script element. Other programs choose the names of filters and adapters, so a name that holds

@@ -3,6 +3,7 @@
 #include <string>
 #include <vector>
 
+#include "AskedCircumstances.h"
 #include "Failure.h"
 #include "policy/Owners.h"
 #include "promises/Proof.h"
@@ -15,6 +16,7 @@ struct PageContent {
   const Policy::Labels& labels;
   const Policy::Owners& owners;
   bool isOrderInferred = false;  ///< that of the sublayers
+  AskedCircumstances asked{};    ///< for whom and where the page answers
 };
 
 /// A page that shows what an engine lets through: one HTML file that loads no other file. It holds the

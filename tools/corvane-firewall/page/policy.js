@@ -171,6 +171,10 @@ const policy = (() => {
       byField.set(condition.field, [...(byField.get(condition.field) ?? []), condition]);
     }
     const results = [...byField].map(([name, conditions]) => {
+      // Decided for all connections by whom and where the page is for.
+      if (conditions[0].holds !== undefined) {
+        return conditions[0].holds;
+      }
       const direction = connection.direction === "outbound" ? 0n : 1n;
       if (name === "DIRECTION" && conditions.filter((c) => c.negated).length < 2) {
         return anyOf(conditions.map((c) => holds(c, name, direction)));
@@ -184,22 +188,56 @@ const policy = (() => {
     return results.includes(undefined) ? undefined : true;
   }
 
-  const isDecider = (filter) => ["PERMIT", "BLOCK", "CALLOUT_TERMINATING", "CALLOUT_UNKNOWN"].includes(filter.action);
+  /** Callouts are taken to let pass: one that may leave the decision to the next filter does so. */
+  const isDecider = (filter) => ["PERMIT", "BLOCK", "CALLOUT_TERMINATING"].includes(filter.action);
 
+  const strengths = { block: 0, pass: 1, hard: 2 };
+  /** What a filter decides if it matches; none, like a soft permit, changes nothing of what follows. */
+  function strengthOf(filter) {
+    if (filter?.action === "BLOCK") {
+      return strengths.block;
+    }
+    return filter?.hard ? strengths.hard : strengths.pass;
+  }
+
+  function makeLadder(snapshot, layer) {
+    const heavier = (a, b) => (BigInt(a.weight) < BigInt(b.weight) ? 1 : BigInt(a.weight) > BigInt(b.weight) ? -1 : 0);
+    const inTurn = snapshot.filters
+      .filter((filter) => filter.layer === layer && filter.inForce && isDecider(filter))
+      .sort((a, b) => heavier(a, b) || b.id - a.id);
+    return snapshot.sublayers
+      .map((sublayer) => ({ sublayer, filters: inTurn.filter((filter) => filter.sublayer === sublayer.key) }))
+      .filter(({ filters }) => filters.length > 0);
+  }
+
+  const ladders = new WeakMap();
   /**
    * The sublayers that have filters in a layer, the heaviest first as in the snapshot, with these filters. The
    * heaviest filter is first; of filters with the same weight, the newest.
    */
   function ladderOf(snapshot, layer) {
-    const heavier = (a, b) => (BigInt(a.weight) < BigInt(b.weight) ? 1 : BigInt(a.weight) > BigInt(b.weight) ? -1 : 0);
-    return snapshot.sublayers
-      .map((sublayer) => ({
-        sublayer,
-        filters: snapshot.filters
-          .filter((f) => f.layer === layer && f.sublayer === sublayer.key && f.inForce && isDecider(f))
-          .sort((a, b) => heavier(a, b) || b.id - a.id),
-      }))
-      .filter(({ filters }) => filters.length > 0);
+    const known = ladders.get(snapshot) ?? new Map();
+    ladders.set(snapshot, known);
+    if (!known.has(layer)) {
+      known.set(layer, makeLadder(snapshot, layer));
+    }
+    return known.get(layer);
+  }
+
+  /** The action of a layer, undefined if it is for unjudged filters to say. */
+  function actionOf(rungs) {
+    // What the heavier sublayers have decided: a block, a hard permit, or neither.
+    let states = new Set(["open"]);
+    for (const { deciding, unjudged } of rungs) {
+      const outcomes = [strengthOf(deciding), ...unjudged.map(strengthOf)];
+      const next = (state, outcome) => {
+        const isSettled = state !== "open" || outcome === strengths.pass;
+        return isSettled ? state : outcome === strengths.block ? "block" : "hard";
+      };
+      states = new Set([...states].flatMap((state) => outcomes.map((outcome) => next(state, outcome))));
+    }
+    const actions = new Set([...states].map((state) => (state === "block" ? "block" : "permit")));
+    return actions.size === 1 ? [...actions][0] : undefined;
   }
 
   /** Where connections are accepted, filters see IS_LOOPBACK with a companion. */
@@ -211,14 +249,15 @@ const policy = (() => {
 
   /**
    * What each sublayer of a layer decides about a connection, by the first reading of every assumption.
-   * The action is undefined if there are filters that only the engine can judge.
+   * The action is undefined if filters that only the engine can judge may change it.
    */
   function traceLayer(snapshot, layer, connection) {
     const shown = { ...connection, flags: flagsAt(layer, connection.flags) };
     const rungs = ladderOf(snapshot, layer).map(({ sublayer, filters }) => {
       const results = filters.map((filter) => matches(filter, shown));
-      const matching = filters.filter((filter, i) => results[i] === true && filter.action !== "CALLOUT_UNKNOWN");
-      const unjudged = filters.filter((_, i) => results[i] === undefined);
+      const matching = filters.filter((_, i) => results[i] === true);
+      const inTurn = results.includes(true) ? results.indexOf(true) : results.length;
+      const unjudged = filters.slice(0, inTurn).filter((_, i) => results[i] === undefined);
       return { sublayer, filters, deciding: matching[0], outranked: matching.slice(1), unjudged, effect: "none" };
     });
     let hard;
@@ -238,8 +277,7 @@ const policy = (() => {
         hard ??= rung;
       }
     }
-    const isSure = rungs.every(({ unjudged }) => unjudged.length === 0);
-    return { layer, rungs, action: isSure ? (block ? "block" : "permit") : undefined };
+    return { layer, rungs, action: actionOf(rungs) };
   }
 
   /** What each layer that a connection passes decides about it. */
@@ -247,112 +285,5 @@ const policy = (() => {
     return layersOf(connection.direction, connection.ipVersion).map((layer) => traceLayer(snapshot, layer, connection));
   }
 
-  // ---- The matrix
-
-  const axes = ["remote address", "interface", "application", "remote port"];
-
-  /** Groups the classes of a field whose cells are all the same. */
-  function groupClasses(indices, cellsOf) {
-    const groups = new Map();
-    for (const index of indices) {
-      const look = cellsOf(index);
-      groups.set(look, [...(groups.get(look) ?? []), index]);
-    }
-    return [...groups.values()];
-  }
-
-  const product = (lists) => lists.reduce((rows, list) => rows.flatMap((row) => list.map((x) => [...row, x])), [[]]);
-
-  /**
-   * The verdict of one cell. `chosen` has a class for some fields, undefined for the others; those have their
-   * class in `plain`. Also gives the names of those other fields if another class may change the verdict.
-   */
-  function cellOf(section, chosen, plain) {
-    const verdicts = new Set();
-    const varying = new Set();
-    const seen = new Set();
-    const visit = (target, isPlain) => {
-      const key = `${isPlain} ${target.node ?? "v" + target.verdict}`;
-      if (seen.has(key)) {
-        return undefined;
-      }
-      seen.add(key);
-      if (target.node === undefined) {
-        verdicts.add(target.verdict);
-        return target.verdict;
-      }
-      const { field, targets } = section.nodes[target.node];
-      if (chosen[field] !== undefined) {
-        return visit(targets[chosen[field]], isPlain);
-      }
-      varying.add(section.fields[field].field);
-      const found = visit(targets[plain[field]], isPlain);
-      targets
-        .filter((_, index) => index !== plain[field] && section.fields[field].classes[index].example !== null)
-        .forEach((other) => visit(other, false));
-      return found;
-    };
-    const verdict = visit(section.root, true);
-    return { verdict, varying: verdicts.size > 1 ? [...varying] : [] };
-  }
-
-  /**
-   * The verdicts of a section by destination, interface, application and remote port, one slice for each of
-   * `flagWords`. All other fields have the values of the ordinary connection; a cell where other values would
-   * make a difference says so. Values that the engine does not know are left out.
-   */
-  function matrixOf(section, ordinary, flagWords) {
-    const indexOf = (name) => section.fields.findIndex(({ field }) => field === name);
-    const plain = section.fields.map((field) => classOf(field, ordinary[field.field]));
-    const onAxis = axes.map(indexOf);
-    // The map leaves out a field that makes no difference. It has one class here, undefined.
-    const classesOn = onAxis.map((field) =>
-      field < 0
-        ? [undefined]
-        : [...section.fields[field].classes.keys()].filter((i) => section.fields[field].classes[i].example !== null),
-    );
-
-    const slices = flagWords.map((flags) => {
-      const cells = new Map();
-      for (const indices of product(classesOn)) {
-        const chosen = Array(section.fields.length);
-        onAxis.forEach((field, axis) => field >= 0 && (chosen[field] = indices[axis]));
-        if (indexOf("flags") >= 0) {
-          chosen[indexOf("flags")] = classOf(section.fields[indexOf("flags")], flags);
-        }
-        cells.set(indices.join(), cellOf(section, chosen, plain));
-      }
-      return { flags, cells };
-    });
-    const looksOf = (some, axis, index) =>
-      product([some, ...classesOn.map((classes, i) => (i === axis ? [index] : classes))])
-        .map(([{ cells }, ...indices]) => cells.get(indices.join()))
-        .map(({ verdict, varying }) => `${verdict}:${varying.join("+")}`)
-        .join(" ");
-    const groupsOn = (some, axis) => {
-      const groups = groupClasses(classesOn[axis], (index) => looksOf(some, axis, index));
-      const field = section.fields[onAxis[axis]];
-      return groups
-        .map((indices) => {
-          const isOther = field === undefined || indices.includes(plain[onAxis[axis]]);
-          const text = indices.map((index) => field?.classes[index].text).join(", ");
-          const example = isOther ? undefined : field.classes[indices[0]].example;
-          return { indices, isOther, example, text: isOther ? (groups.length === 1 ? "any" : "any other") : text };
-        })
-        .sort((a, b) => a.isOther - b.isOther || (field?.field === "application" ? a.text.localeCompare(b.text) : 0));
-    };
-    const [interfaces, applications, ports] = [1, 2, 3].map((axis) => groupsOn(slices, axis));
-    return {
-      interfaces,
-      applications,
-      ports,
-      slices: slices.map((slice) => ({
-        flags: slice.flags,
-        rows: groupsOn([slice], 0),
-        cellAt: (...groups) => slice.cells.get(groups.map(({ indices }) => indices[0]).join()),
-      })),
-    };
-  }
-
-  return { parseAddress, formatAddress, classOf, sectionOf, verdictOf, trace, ladderOf, layersOf, matrixOf };
+  return { parseAddress, formatAddress, classOf, sectionOf, verdictOf, trace, ladderOf, matches };
 })();

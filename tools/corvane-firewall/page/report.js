@@ -1,13 +1,14 @@
+// Fills the page, and answers what its box asks.
 (() => {
-  const data = JSON.parse(document.getElementById("data").textContent);
-  const { snapshot, map } = data;
-  const { make, signs, words, counted } = dom;
+  const { snapshot, map } = report;
+  const { make, folded, unfold, signs, words, counted, sublayerText, conditionsText } = dom;
   const byId = (id) => document.getElementById(id);
 
   // ---- Names
 
+  const capital = (text) => text[0].toUpperCase() + text.slice(1);
   const fileName = (path) => path.split("\\").at(-1);
-  const shortNames = new Map(data.applications.map(({ text }) => [text, fileName(text)]));
+  const shortNames = new Map(report.applications.map(({ text }) => [text, fileName(text)]));
   /** Replaces each path by its file name, unless two paths have the same file name. */
   function shorten(text) {
     const names = [...shortNames.values()];
@@ -17,11 +18,12 @@
     );
   }
 
-  const interfaceNames = new Map(data.interfaces.map(({ luid, name }) => [luid, name]));
+  const interfaceNames = new Map(report.interfaces.map(({ luid, name }) => [luid, name]));
   for (const { conditions } of snapshot.filters) {
     for (const { field, test, first, last } of conditions) {
-      if (field.endsWith("_INTERFACE") && test === "in-interval" && first === last && !interfaceNames.has(first)) {
-        interfaceNames.set(first, first);
+      const luid = String(first);
+      if (field.endsWith("_INTERFACE") && test === "in-interval" && first === last && !interfaceNames.has(luid)) {
+        interfaceNames.set(luid, luid);
       }
     }
   }
@@ -29,7 +31,7 @@
   // ---- Connections
 
   const number = (value) => (value === null ? undefined : BigInt(value));
-  const ordinary = data.ordinary.map((connection) => ({
+  const ordinary = report.ordinary.map((connection) => ({
     direction: connection.direction,
     ipVersion: connection.ipVersion,
     protocol: number(connection.protocol),
@@ -73,46 +75,101 @@
     connection.interface = BigInt(byId("interface").value || connection.interface);
     connection[direction === "outbound" ? "next-hop interface" : "arrival interface"] = connection.interface;
     connection.flags = byId("loopback").checked ? 1n : 0n;
+    showFurtherFields(connection);
+    readFurtherFields(connection);
     return { connection };
   }
 
   // ---- The box
 
-  function sublayerText({ name, weight, listed }) {
-    return `“${name}” (weight ${listed ? weight : "unknown"})`;
+  /** What the last answer was about. */
+  let asked;
+
+  /** Fields that have a place of their own in the box, or follow from what stands there. */
+  const boxFields = new Set(Object.keys(ordinary[0]).filter((name) => name !== "local address" && name !== "flags"));
+  const boxWords = [0n, 1n];
+
+  /** Whether the box has no other place for what a section's map tells apart by a field. */
+  function isFurther(field) {
+    const reached = new Set(boxWords.map((word) => policy.classOf(field, word)));
+    return field.field === "flags" ? field.classes.some((_, i) => !reached.has(i)) : !boxFields.has(field.field);
   }
 
-  function filterText({ id, name, action, hard }) {
+  function furtherField({ field, classes }) {
+    const list = make("select", { "data-field": field }, make("option", { value: "" }, "ordinary"));
+    for (const { example, text } of classes) {
+      list.append(make("option", { value: example ?? "unset" }, text));
+    }
+    return make("label", {}, capital(field), list);
+  }
+
+  /** Shows a field for all else that the map of the box's section tells apart. */
+  function showFurtherFields({ direction, ipVersion }) {
+    const name = `${direction}-${ipVersion}`;
+    const place = byId("further");
+    if (place.dataset.section !== name) {
+      place.dataset.section = name;
+      const { fields } = policy.sectionOf(map, { direction, ipVersion });
+      place.replaceChildren(...fields.filter(isFurther).map(furtherField));
+    }
+  }
+
+  function readFurtherFields(connection) {
+    for (const { dataset, value } of byId("further").querySelectorAll("select")) {
+      if (value !== "") {
+        connection[dataset.field] = value === "unset" ? undefined : BigInt(value);
+      }
+    }
+  }
+
+  function filterText({ id, name, action, hard, owner }) {
     const kind =
       action === "BLOCK" || action === "PERMIT" ? `${hard ? "hard" : "soft"} ${action.toLowerCase()}` : "callout";
-    return `${kind} of filter ${id} “${name}”`;
+    return `${kind} of filter ${id} “${name}”${owner.ours ? "" : ` of ${owner.name}`}`;
   }
 
-  function conditionsText({ conditions }) {
-    return conditions.length === 0 ? "every connection" : conditions.map(({ text }) => text).join(" and ");
-  }
-
+  /** As many filters that make no difference are named before the others are folded. */
+  const mostNamed = 3;
   const effectTexts = {
     overridden: (by) => `, overridden by the block of ${sublayerText(by)}`,
     ignored: (by) => `, ignored: ${sublayerText(by)} had decided for good`,
   };
 
-  function showRung({ sublayer, deciding, outranked, unjudged, effect, by }) {
+  /** Filters of a sublayer in a line; of many, most are folded. */
+  function listed(words, some) {
+    const text = (part) => make("span", { class: "code" }, `${words} ${part.map(filterText).join(", ")}`);
+    const [first, rest] = [some.slice(0, mostNamed), some.slice(mostNamed)];
+    const more = () => rest.map((filter) => make("span", { class: "code" }, filterText(filter)));
+    return [
+      ...(first.length > 0 ? [text(first)] : []),
+      ...(rest.length > 0 ? [folded({}, `and ${rest.length} more`, more)] : []),
+    ];
+  }
+
+  /** What a sublayer decides. Filters that cannot be judged are named where they may change the layer's action. */
+  function showRung({ sublayer, deciding, outranked, unjudged, effect, by }, isSure) {
     const item = make("li", { class: effect });
     if (deciding === undefined) {
-      item.append(make("span", { class: "ineffective" }, `${sublayerText(sublayer)}: no filter matches`));
+      item.append(make("span", { class: "ineffective" }, `${sublayerText(sublayer)}: no filter matches for certain`));
     } else {
       const text = `: ${filterText(deciding)}${effectTexts[effect]?.(by) ?? ""}`;
       item.append(make("span", effect === "stands" ? {} : { class: "ineffective" }, sublayerText(sublayer), text));
       item.append(make("span", { class: "code" }, `matches ${conditionsText(deciding)}`));
     }
-    if (outranked.length > 0) {
-      item.append(make("span", { class: "code" }, `outranks ${outranked.map(filterText).join(", ")}`));
-    }
-    for (const filter of unjudged) {
-      item.append(make("span", { class: "code" }, `only the engine can judge ${filterText(filter)}`));
-    }
+    item.append(...listed("outranks", outranked), ...listed("only the engine can judge", isSure ? [] : unjudged));
     return item;
+  }
+
+  function showLayer({ layer, rungs, action }) {
+    const isSure = action !== undefined;
+    const speaks = ({ deciding, unjudged }) => deciding !== undefined || (!isSure && unjudged.length > 0);
+    const silent = rungs.filter((rung) => !speaks(rung)).map(({ sublayer }) => sublayerText(sublayer));
+    return [
+      make("h3", {}, `${layer}: ${action ?? "only the engine can judge"}`),
+      make("ol", { class: "trace" }, ...rungs.filter(speaks).map((rung) => showRung(rung, isSure))),
+      silent.length > 0 ? make("p", { class: "quiet" }, `No filter decides in ${silent.join(", ")}.`) : undefined,
+      rungs.length === 0 ? make("p", { class: "quiet" }, "No filter here: the engine permits.") : undefined,
+    ].filter((part) => part !== undefined);
   }
 
   function showOutcomes(verdict) {
@@ -128,7 +185,7 @@
 
   function connectionText(connection) {
     const address = policy.formatAddress(connection.ipVersion, connection["remote address"]);
-    const application = data.applications.find(({ id }) => id === connection.application);
+    const application = report.applications.find(({ id }) => id === connection.application);
     return [
       `${connection.direction} IPv${connection.ipVersion}`,
       `protocol ${connection.protocol}`,
@@ -157,14 +214,11 @@
         make("small", {}, connectionText(connection)),
       ),
       ...showOutcomes(verdict),
-      ...layers.flatMap(({ layer, rungs, action }) => [
-        make("h3", {}, `${layer}: ${action ?? "only the engine can judge"}`),
-        rungs.length === 0
-          ? make("p", { class: "quiet" }, "No filter here: the engine permits.")
-          : make("ol", { class: "trace" }, ...rungs.map(showRung)),
-      ]),
+      ...layers.flatMap(showLayer),
     );
-    showLadders(layers);
+    byId("ladders").replaceChildren(...ladder.show(snapshot, layers));
+    asked = connection;
+    maps.forEach(({ part, draw }) => part.open && draw());
   }
 
   function fillBox() {
@@ -172,7 +226,7 @@
       byId("interface").append(make("option", { value: luid }, name));
     }
     byId("interface").append(make("option", { value: "", selected: "" }, "another"));
-    for (const { id, text } of data.applications) {
+    for (const { id, text } of report.applications) {
       byId("application").append(make("option", { value: id, title: text }, shorten(text)));
     }
     byId("application").append(make("option", { value: "", selected: "" }, "another"));
@@ -192,167 +246,72 @@
     element.value = value;
   }
 
+  const portIds = { "remote port": "port", "local port": "local-port" };
   /** Fills the box with the connection of a cell. */
   function askAbout(section, flags, [row, intf, application, port]) {
-    const ordinaryConnection = ordinaryOf(section.direction, section.ipVersion);
-    const address = row.example === undefined ? ordinaryConnection["remote address"] : BigInt(row.example);
-    byId("remote").value = policy.formatAddress(section.ipVersion, address);
-    byId("port").value = String(port.example === undefined ? ordinaryConnection["remote port"] : BigInt(port.example));
-    byId("local-port").value = String(ordinaryConnection["local port"]);
-    select("direction", section.direction);
+    const { direction, ipVersion } = section;
+    const ordinaryConnection = ordinaryOf(direction, ipVersion);
+    const valueOf = ({ example }, name) => (example === undefined ? ordinaryConnection[name] : BigInt(example));
+    byId("remote").value = policy.formatAddress(ipVersion, valueOf(row, "remote address"));
+    const [itsPort, otherPort] =
+      direction === "inbound" ? ["local port", "remote port"] : ["remote port", "local port"];
+    byId(portIds[itsPort]).value = String(valueOf(port, itsPort));
+    byId(portIds[otherPort]).value = String(ordinaryConnection[otherPort]);
+    select("direction", direction);
     select("protocol", "6");
-    select("interface", intf.example ?? "", intf.text);
+    select("interface", String(intf.example ?? ""), intf.text);
     select("application", application.example ?? "", application.text);
     byId("loopback").checked = flags === 1n;
+    byId("further")
+      .querySelectorAll("select")
+      .forEach((list) => (list.value = ""));
     showAnswer();
     byId("ask").scrollIntoView();
   }
 
   // ---- The map
 
-  function showMap() {
+  function showLegend() {
     for (const [kind, sign] of Object.entries(signs)) {
       const word = kind === "depends" ? "depends on an open rule, or on what only the engine can judge" : words[kind];
       byId("legend").append(make("span", {}, make("b", { class: `tint ${kind}` }, sign), ` ${word}`));
     }
-    byId("legend").append(
-      make(
-        "span",
-        {},
-        make("b", {}, "*"),
-        " another protocol, local port or other field may fare otherwise; shown is TCP",
-      ),
-    );
-    for (const section of map.sections) {
-      const title = `${section.direction} IPv${section.ipVersion}`;
-      byId("matrices").append(
-        make("h3", {}, title[0].toUpperCase() + title.slice(1)),
-        make(
-          "div",
-          { class: "scroll" },
-          matrix.tableOf({
-            map,
-            section,
-            ordinary: ordinaryOf(section.direction, section.ipVersion),
-            shorten,
-            askAbout,
-          }),
-        ),
-      );
-    }
-    byId("map-text").textContent = data.mapText;
+    const star = " another protocol, port or other field may fare otherwise; shown is TCP";
+    byId("legend").append(make("span", {}, make("b", {}, "*"), star));
   }
 
-  // ---- Ladder, promises, findings, rules
-
-  const markTexts = { deciding: "▶ decides", outranked: "▷ comes too late", unjudged: "? only the engine" };
-
-  function markOf(rung, filter) {
-    if (rung?.deciding === filter) {
-      return "deciding";
-    }
-    return rung?.outranked.includes(filter) ? "outranked" : rung?.unjudged.includes(filter) ? "unjudged" : "";
+  function sectionText({ direction, ipVersion, fields }) {
+    const names = fields.map(({ field }) => field).join(", ");
+    return `${capital(direction)} IPv${ipVersion}: ${names === "" ? "all connections fare alike" : `told apart by ${names}`}`;
   }
 
-  function showLadders(traced) {
-    const names = [4, 6].flatMap((version) =>
-      ["ALE_AUTH_CONNECT_V", "ALE_AUTH_RECV_ACCEPT_V", "ALE_FLOW_ESTABLISHED_V"].map((name) => name + version),
-    );
-    const ladders = names.map((layer) => {
-      const passed = traced.find((one) => one.layer === layer);
-      const rungs = policy.ladderOf(snapshot, layer);
-      const count = rungs.reduce((sum, { filters }) => sum + filters.length, 0);
-      return make(
-        "details",
-        passed === undefined ? {} : { open: "" },
-        make("summary", {}, `${layer}: ${counted(count, "filter")} in ${counted(rungs.length, "sublayer")}`),
-        ...rungs.flatMap(({ sublayer, filters }) => {
-          const rung = passed?.rungs.find((one) => one.sublayer === sublayer);
-          return [
-            make("h3", {}, sublayerText(sublayer)),
-            make("ol", { class: "rung" }, ...filters.map((f) => showFilter(rung, f))),
-          ];
-        }),
-      );
-    });
-    byId("ladders").replaceChildren(...ladders);
-  }
-
-  function showFilter(rung, filter) {
-    const mark = markOf(rung, filter);
-    const action = filter.action.toLowerCase().replace("callout_", "callout: ");
-    return make(
-      "li",
-      mark === "" ? {} : { class: mark },
-      make("span", { class: "mark" }, markTexts[mark] ?? ""),
-      make("span", {}, `${filter.hard && filter.action === "PERMIT" ? "hard " : ""}${action}`),
-      make(
-        "span",
-        { class: "code", title: `filter ${filter.id} “${filter.name}”, weight ${filter.weight}` },
-        `${filter.id}  ${conditionsText(filter)}`,
-      ),
-    );
-  }
-
-  const stateKinds = { holds: "permit", broken: "block" };
-
-  function showPromises() {
-    const list = byId("promise-list");
-    if (data.promises.length === 0) {
-      list.append(
-        make(
-          "p",
-          { class: "quiet" },
-          "No feature was switched on by the run that wrote this page: nothing is promised.",
-        ),
-      );
-    }
-    for (const { feature, name, sentence, state, text } of data.promises) {
-      const kind = stateKinds[state] ?? "depends";
-      const told = make("div", {}, make("p", {}, sentence), make("p", { class: "quiet" }, `${feature}: ${name}`));
-      if (state !== "holds") {
-        told.append(make("details", {}, make("summary", {}, "Why"), make("pre", { tabindex: "0" }, text)));
+  /** A section's table, which is made when it is opened. A narrowed one is made anew when the box has other values. */
+  function mapOf(section) {
+    const { direction, ipVersion } = section;
+    const place = make("div", { class: "scroll" });
+    let shownFor;
+    const draw = () => {
+      const key = `${asked.application} ${asked.interface}`;
+      if (shownFor === undefined || (shownFor !== key && place.querySelector("caption") !== null)) {
+        shownFor = key;
+        const ordinary = ordinaryOf(direction, ipVersion);
+        place.replaceChildren(matrix.tableOf({ map, section, ordinary, asked, shorten, askAbout }));
       }
-      const badge = make("span", { class: `badge tint ${kind}` }, `${signs[kind]} ${state}`);
-      list.append(make("article", { class: "promise", "data-promise": name }, badge, told));
-    }
+    };
+    const attributes = { class: "map", "data-section": `${direction}-${ipVersion}` };
+    const part = folded(attributes, sectionText(section), () => [place]);
+    part.addEventListener("toggle", () => part.open && draw());
+    return { part, draw };
   }
 
-  function placeText({ filter, other, layer }) {
-    const named = ({ id, name }) => `${id} “${name}”`;
-    return `${named(filter)} at ${layer}${other === null ? "" : `, with ${named(other)}`}`;
-  }
+  const maps = map.sections.map(mapOf);
 
-  function showFindings() {
-    const list = byId("finding-list");
-    const kinds = [...new Set(data.findings.map(({ kind }) => kind))];
-    if (kinds.length === 0) {
-      list.append(make("p", { class: "quiet" }, "Every filter says what it seems to say."));
-    }
-    for (const kind of kinds) {
-      const ofKind = data.findings.filter((finding) => finding.kind === kind);
-      const details = make("details", {}, make("summary", {}, `${kind}: ${counted(ofKind.length, "filter")}`));
-      for (const reason of new Set(ofKind.map((finding) => finding.reason))) {
-        const alike = ofKind.filter((finding) => finding.reason === reason);
-        details.append(
-          make(
-            "div",
-            { class: "finding" },
-            make("p", {}, reason),
-            make("p", { class: "quiet" }, `Clearer: ${alike[0].advice}.`),
-            make("ul", {}, ...alike.map((finding) => make("li", {}, placeText(finding)))),
-          ),
-        );
-      }
-      list.append(details);
-    }
-  }
+  // ---- Filters
 
-  function showRules() {
-    for (const { name, question, readings } of data.assumptions) {
-      byId("rule-list").append(make("dt", {}, make("code", {}, name), ` ${question}`));
-      byId("rule-list").append(...readings.map((one) => make("dd", {}, make("code", {}, one.name), ` ${one.meaning}`)));
-    }
+  function showFilters() {
+    const { count, parts } = filters.show(snapshot, byId("search").value);
+    byId("filter-count").textContent = count;
+    byId("filter-list").replaceChildren(...parts);
   }
 
   // ---- The page
@@ -363,16 +322,23 @@
     byId("theme").setAttribute("aria-label", `Show the page ${theme === "dark" ? "light" : "dark"}`);
   }
 
+  /** For whom and where the maps were made, if they were made for somebody. */
+  function showCircumstances() {
+    const told = Object.entries(report.circumstances ?? {}).map(([name, text]) => `${name} ${text}`);
+    byId("circumstances").hidden = told.length === 0;
+    byId("circumstances").textContent = `Answers and maps are for connections ${told.join(", ")}.`;
+  }
+
   function showAbout() {
     const engines = {
       system: "This machine's filtering engine",
       emulated: "The emulated filtering engine",
       dump: "The filtering engine of a dump",
     };
-    const engine = engines[data.engine];
+    const engine = engines[report.engine];
     const amounts = `${counted(snapshot.filters.length, "filter")} in ${counted(snapshot.sublayers.length, "sublayer")}`;
-    const inferred = data.isOrderInferred ? ", whose order is inferred from that of the filters" : "";
-    byId("about").textContent = `${engine}, ${data.written}: ${amounts}${inferred}. Tool version ${data.version}.`;
+    const inferred = report.isOrderInferred ? ", whose order is inferred from that of the filters" : "";
+    byId("about").textContent = `${engine}, ${report.written}: ${amounts}${inferred}. Tool version ${report.version}.`;
   }
 
   const systemTheme = matchMedia("(prefers-color-scheme: dark)");
@@ -381,14 +347,28 @@
   byId("theme").addEventListener("click", () =>
     setTheme(document.documentElement.dataset.theme === "dark" ? "light" : "dark"),
   );
-  addEventListener("beforeprint", () =>
-    document.querySelectorAll("details").forEach((details) => (details.open = true)),
-  );
+  /** On paper everything is open but the long lists of others' filters. */
+  addEventListener("beforeprint", () => {
+    maps.forEach(({ part, draw }) => {
+      unfold(part);
+      draw();
+    });
+    let closed;
+    while ((closed = document.querySelector("details:not([open], #filter-list *, .run *)")) !== null) {
+      unfold(closed);
+    }
+  });
+
   showAbout();
+  showCircumstances();
   fillBox();
-  showMap();
-  showPromises();
-  showFindings();
-  showRules();
+  showLegend();
+  byId("matrices").replaceChildren(...maps.map(({ part }) => part));
+  byId("map-text").textContent = report.mapText;
+  byId("promise-list").append(...results.promises(report.promises));
+  byId("finding-list").append(...results.findings(report.findings));
+  byId("rule-list").append(...results.rules(report.assumptions));
+  byId("search").addEventListener("input", showFilters);
+  showFilters();
   showAnswer();
 })();
