@@ -3,7 +3,7 @@
 #include <algorithm>
 #include <functional>
 #include <map>
-#include <tuple>
+#include <utility>
 
 #include "catalog/Keys.h"
 #include "catalog/PassiveCallouts.h"

@@ -222,6 +222,8 @@ const Filter* Explanation::Deciding() const {
 
 /// Each section is made when the first connection asks for it.
 struct Decider::Sections {
+  Sections(const Snapshot& all, const Circumstances& ofAll) : snapshot(all), circumstances(ofAll) {}
+
   const Snapshot& snapshot;
   Circumstances circumstances;
   std::array<std::optional<Section>, kSectionKeys.size()> made{};

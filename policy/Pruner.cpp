@@ -17,17 +17,17 @@ Pruner::Pruner(const Section& section, Purpose purpose) : section_(section), pur
   for (const Arbitration& layer : section.Layers()) {
     layers_.push_back(SetsOf(layer));
   }
-  settled_.emplace_back(section.Layout().filterWords, ~BitWord{0});
-  for (auto table = section.Tables().rbegin(); table != section.Tables().rend(); ++table) {
-    Words settled = settled_.back();
-    for (const TestGroup& group : (*table)->Groups()) {
+  const auto& tables = section.Tables();
+  settled_.assign(tables.size() + 1, Words(section.Layout().filterWords, ~BitWord{0}));
+  for (std::size_t level = tables.size(); level > 0; --level) {
+    Words& settled = settled_[level - 1];
+    settled = settled_[level];
+    for (const TestGroup& group : tables[level - 1]->Groups()) {
       if (!group.isMark) {
         SetBit(settled.data(), group.bit, false);
       }
     }
-    settled_.push_back(std::move(settled));
   }
-  std::ranges::reverse(settled_);
 }
 
 Pruner::LayerSets Pruner::SetsOf(const Arbitration& layer) {
