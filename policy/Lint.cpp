@@ -150,13 +150,13 @@ class FilterLint {
 
 }  // namespace
 
-std::vector<Finding> Lint(const Snapshot& snapshot) {
+std::vector<Finding> Lint(const Snapshot& snapshot, const ShowProgress& show) {
   std::vector<Finding> findings;
   for (const Filter& filter : snapshot.filters) {
     FilterLint(filter, findings).Run();
     LintTests(filter, findings);
   }
-  LintBehaviour(snapshot, findings);
+  LintBehaviour(snapshot, findings, show);
   std::ranges::stable_sort(findings, {}, [](const Finding& finding) { return finding.filter->id; });
   return findings;
 }

@@ -250,11 +250,14 @@ void LintTests(const Filter& filter, std::vector<Finding>& findings) {
   }
 }
 
-void LintBehaviour(const Snapshot& snapshot, std::vector<Finding>& findings) {
+void LintBehaviour(const Snapshot& snapshot, std::vector<Finding>& findings, const ShowProgress& show) {
   std::deque<Section> sections;
   Seen seen;
   for (const SectionKey& key : kSectionKeys) {
     Look(sections.emplace_back(snapshot, key), seen);
+    if (show) {
+      show(sections.size(), kSectionKeys.size());
+    }
   }
   std::set<const Filter*> reported;
   for (const Finding& finding : findings) {

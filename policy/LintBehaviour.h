@@ -7,6 +7,7 @@
 #include <vector>
 
 #include "policy/Finding.h"
+#include "policy/ShowProgress.h"
 
 namespace Policy {
 
@@ -15,6 +16,6 @@ void LintTests(const Filter& filter, std::vector<Finding>& findings);
 
 /// What filters do to each other, over all connections that can exist: those that never decide, ties, and
 /// permits that are taken back.
-void LintBehaviour(const Snapshot& snapshot, std::vector<Finding>& findings);
+void LintBehaviour(const Snapshot& snapshot, std::vector<Finding>& findings, const ShowProgress& show);
 
 }  // namespace Policy

@@ -60,11 +60,15 @@ const Verdict& Map::At(const Connection& connection) const {
   return verdicts[target.index];
 }
 
-Map MakeMap(const Snapshot& snapshot, const Labels& labels, const Circumstances& circumstances) {
+Map MakeMap(const Snapshot& snapshot, const Labels& labels, const Circumstances& circumstances,
+            const ShowProgress& show) {
   Map map;
   VerdictTable verdicts;
   for (const SectionKey& key : kSectionKeys) {
     map.sections.push_back(MakeSection(Section(snapshot, key, {}, circumstances), labels, verdicts));
+    if (show) {
+      show(map.sections.size(), kSectionKeys.size());
+    }
   }
   map.verdicts = verdicts.Take();
   return map;

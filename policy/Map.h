@@ -11,6 +11,7 @@
 #include "policy/Circumstances.h"
 #include "policy/Connection.h"
 #include "policy/MapNode.h"
+#include "policy/ShowProgress.h"
 #include "policy/Snapshot.h"
 #include "policy/ValueClass.h"
 #include "policy/Verdict.h"
@@ -38,7 +39,8 @@ struct Map {
 };
 
 /// Maps the filters of a snapshot, for connections in these circumstances.
-Map MakeMap(const Snapshot& snapshot, const Labels& labels = {}, const Circumstances& circumstances = {});
+Map MakeMap(const Snapshot& snapshot, const Labels& labels = {}, const Circumstances& circumstances = {},
+            const ShowProgress& show = {});
 
 /// How much of long lists the text of a map shows.
 struct MapTextOptions {

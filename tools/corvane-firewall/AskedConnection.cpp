@@ -3,6 +3,7 @@
 #include <WfpPlatform.h>
 
 #include <algorithm>
+#include <utility>
 
 #include "PolicyReader.h"
 
@@ -113,4 +114,20 @@ Connection AskedConnection(const std::string& remoteText, const StepOptions& opt
     connection.flags = *connection.flags | FWP_CONDITION_FLAG_IS_REAUTHORIZE;
   }
   return connection;
+}
+
+std::optional<Connection> AcceptingEnd(const Connection& connection) {
+  const bool isLoopback = (connection.flags.value_or(0) & FWP_CONDITION_FLAG_IS_LOOPBACK) != 0;
+  if (!isLoopback || connection.direction == Direction::Inbound) {
+    return std::nullopt;
+  }
+  Connection other = connection;
+  other.direction = Direction::Inbound;
+  std::swap(other.localAddress, other.remoteAddress);
+  std::swap(other.arrivalInterface, other.nextHopInterface);
+  // Of ICMP these are type and code.
+  if (connection.protocol == Policy::kTcp || connection.protocol == Policy::kUdp) {
+    std::swap(other.localPort, other.remotePort);
+  }
+  return other;
 }

@@ -1,5 +1,6 @@
 #pragma once
 
+#include <optional>
 #include <string>
 
 #include "AskedCircumstances.h"
@@ -15,3 +16,7 @@ void CheckAskedOfDump(const StepOptions& options);
 /// @throws Failure when the options contradict each other, or name an adapter or a file that does not exist.
 Policy::Connection AskedConnection(const std::string& remote, const StepOptions& options,
                                    const AskedCircumstances& asked);
+
+/// The other end of an outbound loopback connection, which the engine judges as well: the same program
+/// accepts what it opens. Empty for other connections.
+std::optional<Policy::Connection> AcceptingEnd(const Policy::Connection& connection);

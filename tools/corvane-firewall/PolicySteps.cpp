@@ -7,6 +7,7 @@
 #include "AskedConnection.h"
 #include "Identities.h"
 #include "OutputFile.h"
+#include "Progress.h"
 #include "ReportPage.h"
 #include "catalog/Format.h"
 #include "catalog/Guid.h"
@@ -43,9 +44,13 @@ void ExplainStep(const StepContext& context, const StepOptions& options) {
   if (context.library == nullptr) {
     CheckAskedOfDump(options);
   }
+  const ExplanationContext shown{owners, labels, asked.told, !options.trace.empty()};
   for (const std::string& remote : options.remotes) {
-    context.reporter.ShowExplanation(decider.Explain(AskedConnection(remote, options, asked)),
-                                     {owners, labels, asked.told, !options.trace.empty()});
+    const Policy::Connection connection = AskedConnection(remote, options, asked);
+    context.reporter.ShowExplanation(decider.Explain(connection), shown);
+    if (const auto other = AcceptingEnd(connection)) {
+      context.reporter.ShowExplanation(decider.Explain(*other), shown);
+    }
   }
 }
 
@@ -53,7 +58,9 @@ void MapStep(const StepContext& context, const StepOptions& options) {
   const Policy::Labels labels = context.ReadAdapterNames();
   const Policy::Snapshot snapshot = ReadPolicyOf(context);
   const AskedCircumstances asked = AskCircumstances(options, snapshot);
-  context.reporter.ShowMap(Policy::MakeMap(snapshot, labels, asked.circumstances), labels);
+  const Policy::Map map =
+      Policy::MakeMap(snapshot, labels, asked.circumstances, Progress().Of("parts of the map"));
+  context.reporter.ShowMap(map, labels);
 }
 
 void ProveStep(const StepContext& context, const StepOptions&) {
@@ -65,7 +72,8 @@ void ProveStep(const StepContext& context, const StepOptions&) {
 
 void LintStep(const StepContext& context, const StepOptions& options) {
   const Policy::Snapshot snapshot = ReadPolicyOf(context);
-  context.reporter.ShowFindings(Policy::Lint(snapshot), Policy::Owners(snapshot, kProvider.key),
+  context.reporter.ShowFindings(Policy::Lint(snapshot, Progress().Of("parts of the lint")),
+                                Policy::Owners(snapshot, kProvider.key),
                                 options.all.empty() ? Policy::Detail::Brief : Policy::Detail::Whole);
 }
 

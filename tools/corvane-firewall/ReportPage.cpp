@@ -7,6 +7,7 @@
 #include "PageMap.h"
 #include "PageSnapshot.h"
 #include "PolicyJson.h"
+#include "Progress.h"
 #include "ReportTemplate.h"
 #include "SharedTexts.h"
 #include "catalog/Format.h"
@@ -102,7 +103,7 @@ Json PromisesOf(const PageContent& content) {
 
 /// Ours first.
 std::vector<Policy::Finding> FindingsOf(const PageContent& content) {
-  std::vector<Policy::Finding> findings = Policy::Lint(content.snapshot);
+  std::vector<Policy::Finding> findings = Policy::Lint(content.snapshot, Progress().Of("parts of the lint"));
   Policy::SortByOwner(findings, content.owners);
   return findings;
 }
@@ -118,7 +119,8 @@ std::string MapText(const Policy::Map& map, const Policy::Labels& labels) {
 }
 
 Json DataOf(const PageContent& content) {
-  const Policy::Map map = Policy::MakeMap(content.snapshot, content.labels, content.asked.circumstances);
+  const Policy::Map map = Policy::MakeMap(content.snapshot, content.labels, content.asked.circumstances,
+                                          Progress().Of("parts of the map"));
   SharedTexts texts;
   Json data{{"engine", EngineName(content.engine)},
             {"isOrderInferred", content.isOrderInferred},

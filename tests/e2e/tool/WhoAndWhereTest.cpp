@@ -158,6 +158,22 @@ TEST_F(WhoAndWhere, AConnectionToTheMachineItselfIsLoopback) {
   EXPECT_EQ(connection["interface"], "6755399441055744");
 }
 
+TEST_F(WhoAndWhere, ALoopbackConnectionIsJudgedAtBothEnds) {
+  const ParsedJson explanations =
+      DocumentOf(Run({L"--json", L"explain", L"--remote", L"127.0.0.1:8080"}))["steps"][0]["explanations"];
+  ASSERT_EQ(explanations.size(), 2u);
+  EXPECT_EQ(explanations[0]["connection"]["direction"], "outbound");
+  const ParsedJson& accepting = explanations[1]["connection"];
+  EXPECT_EQ(accepting["direction"], "inbound");
+  EXPECT_EQ(accepting["localPort"], 8080);
+  EXPECT_EQ(accepting["remotePort"], 50000);
+  EXPECT_EQ(accepting["arrivalInterface"], "6755399441055744");
+  EXPECT_TRUE(accepting["nextHopInterface"].is_null());
+  const ParsedJson oneEnd = DocumentOf(
+      Run({L"--json", L"explain", L"--inbound", L"--remote", L"127.0.0.1:8080"}))["steps"][0]["explanations"];
+  EXPECT_EQ(oneEnd.size(), 1u);
+}
+
 TEST_F(WhoAndWhere, MapAndReportAreMadeForOneWhoAndWhere) {
   EXPECT_THAT(Run({L"map"}).output, HasSubstr("depends on filters that only the engine can judge"));
   const std::string map = Run({L"map", L"--profile", L"public", L"--user", L"S-1-5-21-1-2-3-1001"}).output;
