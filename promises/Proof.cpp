@@ -41,8 +41,9 @@ struct PlacedClause {
 /// The connections of a section with what is promised for them.
 class ProofSection {
  public:
-  ProofSection(const Snapshot& snapshot, SectionKey key, const std::vector<Promise>& promises)
-      : key_(key), marks_(Place(promises)), section_(snapshot, key, marks_) {
+  ProofSection(const Snapshot& snapshot, SectionKey key, const std::vector<Promise>& promises,
+               const Policy::Circumstances& circumstances)
+      : key_(key), marks_(Place(promises)), section_(snapshot, key, marks_, circumstances) {
     diagram_ = MakeDiagram(section_, Policy::Purpose::Verdicts, [this](const BitWord* state) {
       leaves_.push_back(
           {section_.Decide(state), {state + section_.Layout().MarksAt(), state + section_.Layout().Width()}});
@@ -226,15 +227,31 @@ World FirstOutside(const WorldSet& worlds) {
   return World::OfIndex(index);
 }
 
+/// Because of which filter a connection fares as it does; where that is not known, the first that could turn
+/// it.
+Break BreakOf(const Policy::Explanation& explanation) {
+  if (explanation.verdict.In(explanation.world)) {
+    return {explanation.connection, explanation.Deciding(), true};
+  }
+  for (const Policy::LayerTrace& layer : explanation.layers) {
+    for (const Policy::SublayerTrace& sublayer : layer.sublayers) {
+      if (!sublayer.turning.empty()) {
+        return {explanation.connection, sublayer.turning.front(), false};
+      }
+    }
+  }
+  return {explanation.connection, nullptr, false};
+}
+
 void AddCounterexample(const std::deque<ProofSection>& sections, std::size_t promise, const Decider& decider,
                        PromiseResult& result) {
   const World world = FirstOutside(result.worlds);
   ProofSection::Counterexample best;
   for (const ProofSection& section : sections) {
     for (const auto& found : section.FindCounterexamples(promise, world)) {
-      const Policy::Filter* filter = decider.Explain(found.connection, world).Deciding();
-      if (std::ranges::find(result.breaks, filter, &Break::filter) == result.breaks.end()) {
-        result.breaks.push_back({found.connection, filter});
+      const Break broken = BreakOf(decider.Explain(found.connection, world));
+      if (std::ranges::find(result.breaks, broken.filter, &Break::filter) == result.breaks.end()) {
+        result.breaks.push_back(broken);
       }
       best = found.distance < best.distance ? found : best;
     }
@@ -257,13 +274,14 @@ std::string_view KeepingText(Keeping keeping) {
   return "broken";
 }
 
-std::vector<PromiseResult> Prove(const Snapshot& snapshot, const Features& features) {
+std::vector<PromiseResult> Prove(const Snapshot& snapshot, const Features& features,
+                                 const Policy::Circumstances& circumstances) {
   const std::vector<Promise> promises = PromisesOf(features);
   std::deque<ProofSection> sections;
   for (const SectionKey& key : Policy::kSectionKeys) {
-    sections.emplace_back(snapshot, key, promises);
+    sections.emplace_back(snapshot, key, promises, circumstances);
   }
-  const Decider decider(snapshot);
+  const Decider decider(snapshot, circumstances);
   std::vector<PromiseResult> results;
   for (std::size_t i = 0; i < promises.size(); ++i) {
     PromiseResult result{promises[i].feature, promises[i].name, promises[i].sentence, {}, {}, {}, {}, {}, {}};
@@ -281,14 +299,14 @@ std::vector<PromiseResult> Prove(const Snapshot& snapshot, const Features& featu
 }
 
 std::vector<PromiseResult> ProveInCompany(const Snapshot& snapshot, const Features& features,
-                                          const GUID& ours) {
-  std::vector<PromiseResult> results = Prove(snapshot, features);
+                                          const GUID& ours, const Policy::Circumstances& circumstances) {
+  std::vector<PromiseResult> results = Prove(snapshot, features, circumstances);
   Snapshot own = snapshot;
   std::erase_if(own.filters, [&ours](const Policy::Filter& filter) { return filter.providerKey != ours; });
   if (own.filters.size() == snapshot.filters.size()) {
     return results;
   }
-  const std::vector<PromiseResult> alone = Prove(own, features);
+  const std::vector<PromiseResult> alone = Prove(own, features, circumstances);
   for (std::size_t i = 0; i < results.size(); ++i) {
     results[i].alone = alone[i].keeping;
   }
@@ -299,9 +317,10 @@ std::string DescribeInCompany(const PromiseResult& result, const Policy::Owners&
                               const Policy::Labels& labels) {
   std::string text = result.name + " (" + result.feature + "): " + std::string(KeepingText(result.keeping)) +
                      " on this machine\n  " + result.sentence + '\n';
-  for (const auto& [connection, filter] : result.breaks) {
-    text += "  broken by " + (filter == nullptr ? "no filter that is known" : owners.Describe(*filter)) +
-            ": " + Describe(connection, labels) + '\n';
+  for (const auto& [connection, filter, isCertain] : result.breaks) {
+    text += isCertain ? "  broken by " : "  perhaps broken by ";
+    text += (filter == nullptr ? "the lack of a filter" : owners.Describe(*filter)) + ": " +
+            Describe(connection, labels) + '\n';
   }
   if (result.keeping != Keeping::Holds && result.alone) {
     text +=

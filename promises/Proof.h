@@ -28,7 +28,8 @@ std::string_view KeepingText(Keeping keeping);
 /// A connection that breaks a promise, and why.
 struct Break {
   Policy::Connection connection;
-  const Policy::Filter* filter;  ///< that decides; null if none matches, or if it is not known which
+  const Policy::Filter* filter;  ///< that decides, or perhaps does; null if none matches
+  bool isCertain;                ///< false: it is not known whether the filter matches
 };
 
 /// A promise, and whether it is kept.
@@ -51,12 +52,14 @@ struct PromiseResult {
 
 /// Checks every promise of the features that are on against every connection that can exist.
 /// @param snapshot must outlive the results.
-std::vector<PromiseResult> Prove(const Policy::Snapshot& snapshot, const Features& features);
+/// @param circumstances in which the connections are; those in any circumstances unless given.
+std::vector<PromiseResult> Prove(const Policy::Snapshot& snapshot, const Features& features,
+                                 const Policy::Circumstances& circumstances = {});
 
 /// The same, and whether the product's own filters alone would keep the promises.
 /// @param ours the key of the product's provider.
 std::vector<PromiseResult> ProveInCompany(const Policy::Snapshot& snapshot, const Features& features,
-                                          const GUID& ours);
+                                          const GUID& ours, const Policy::Circumstances& circumstances = {});
 
 /// What becomes of a promise on a machine with other programs' filters, in words: whether it holds there, and
 /// whose filters break it.

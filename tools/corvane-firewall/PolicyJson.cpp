@@ -278,10 +278,11 @@ Json ToJson(const std::vector<Promises::PromiseResult>& promises, const Policy::
       alternatives.push_back(ToJson(choices));
     }
     Json breaks = Json::array();
-    for (const auto& [connection, filter] : promise.breaks) {
+    for (const auto& [connection, filter, isCertain] : promise.breaks) {
       breaks.push_back({{"filter", Reference(filter)},
                         {"owner", filter == nullptr ? Json(nullptr) : Json(owners.NameOf(*filter))},
                         {"ours", filter != nullptr && owners.KindOf(*filter) == Policy::OwnerKind::Ours},
+                        {"certain", isCertain},
                         {"connection", ToJson(connection, labels)}});
     }
     json.push_back(

@@ -33,6 +33,23 @@ Policy::Snapshot ReadPolicyOf(const StepContext& context) {
   return snapshot;
 }
 
+/// The features that are on. Where none can be switched on, those that take no arguments: what the filters
+/// that are there make of their promises.
+Promises::Features ProvedFeatures(const StepContext& context, const Policy::Snapshot& snapshot) {
+  if (context.library != nullptr || snapshot.filters.empty()) {
+    return ActiveFeatures(context.before, context.dnsApp, snapshot);
+  }
+  context.reporter.Log(
+      "Features can be switched on only on Windows; this is what the filters that are there make of the "
+      "promises of "
+      "those that take no arguments.");
+  Promises::Features features;
+  features.killSwitch.emplace();
+  features.dhcp = true;
+  features.localNetworkBlock = true;
+  return features;
+}
+
 }  // namespace
 
 void ExplainStep(const StepContext& context, const StepOptions& options) {
@@ -63,10 +80,14 @@ void MapStep(const StepContext& context, const StepOptions& options) {
   context.reporter.ShowMap(map, labels);
 }
 
-void ProveStep(const StepContext& context, const StepOptions&) {
+void ProveStep(const StepContext& context, const StepOptions& options) {
   const Policy::Snapshot snapshot = ReadPolicyOf(context);
-  const Promises::Features features = ActiveFeatures(context.before, context.dnsApp, snapshot);
-  context.reporter.ShowPromises(Promises::ProveInCompany(snapshot, features, kProvider.key),
+  const Promises::Features features = ProvedFeatures(context, snapshot);
+  // A promise is for every program and network, unless it is asked for some.
+  const bool isAsked = !options.who.empty() || !options.profile.empty();
+  const Policy::Circumstances circumstances =
+      isAsked ? AskCircumstances(options, snapshot).circumstances : Policy::Circumstances();
+  context.reporter.ShowPromises(Promises::ProveInCompany(snapshot, features, kProvider.key, circumstances),
                                 Policy::Owners(snapshot, kProvider.key), context.ReadAdapterNames());
 }
 

@@ -202,6 +202,14 @@ constexpr StepOption kConnectionOptions[]{
 
 constexpr auto kExplainOptions = WithWhoAndWhere(kConnectionOptions);
 
+constexpr StepOption kProveOptions[]{
+    {"--as", "user|system|service NAME|package NAME|SID",
+     "Of such a program's connections; of all unless given", &StepOptions::who, Times::AtMostOnce,
+     RejectAllButWho},
+    {"--profile", "private|public|domain", "At such a network; at any unless given", &StepOptions::profile,
+     Times::AtMostOnce, RejectAllButProfile},
+};
+
 constexpr StepOption kLintOptions[]{
     {"--all", nullptr, "Every finding with all its filters, those of the system too", &StepOptions::all},
 };
@@ -256,7 +264,8 @@ constexpr Step kSteps[]{
      ExplainStep},
     {"map", "Tell what the engine does with every connection that can exist", kWhoAndWhere,
      Effect::ReadsEngine, MapStep},
-    {"prove", "Check what the features switched on in this run promise", {}, Effect::ReadsRun, ProveStep},
+    {"prove", "Check what the features switched on in this run promise", kProveOptions, Effect::ReadsRun,
+     ProveStep},
     {"lint", "Find filters, of anybody's, that do not say what they seem to say", kLintOptions,
      Effect::ReadsEngine, LintStep},
     {"report", "Write map, promises, findings and filters as a page to look at", kReportOptions,

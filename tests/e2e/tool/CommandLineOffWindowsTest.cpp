@@ -35,8 +35,18 @@ INSTANTIATE_TEST_SUITE_P(OffWindows, WrongUsage, testing::ValuesIn(kWrongOffWind
 
 using ReadOffWindows = ReplayStep;
 
-TEST_F(ReadOffWindows, NothingIsPromisedWhereNothingCanBeSwitchedOn) {
-  EXPECT_EQ(LastStepOf(Started(), {L"prove"})["promises"], ParsedJson::array());
+TEST_F(ReadOffWindows, ProveTellsWhatThePresentFiltersMakeOfPromisesWithoutArguments) {
+  const ParsedJson step = LastStepOf(Started(), {L"prove"});
+  std::vector<std::string> names;
+  for (const ParsedJson& promise : step["promises"]) {
+    names.push_back(promise["name"].get<std::string>());
+    EXPECT_EQ(promise["holds"], promise["state"] == "holds");
+    EXPECT_EQ(promise["holds"], promise["breaks"].empty());
+    EXPECT_FALSE(promise["alone"].is_null());
+  }
+  EXPECT_THAT(names,
+              testing::IsSupersetOf({"kill-switch-closes-outbound", "dhcp-client", "local-network-closed"}));
+  EXPECT_THAT(step["log"].dump(), HasSubstr("Features can be switched on only on Windows"));
 }
 
 TEST_F(ReadOffWindows, AnApplicationIsAskedForByItsId) {

@@ -173,6 +173,7 @@ TEST_F(ProofTest, InCompanyTellsWhoseFilterBreaksAPromise) {
   EXPECT_EQ(result.alone, Keeping::Holds);
   ASSERT_THAT(result.breaks, testing::SizeIs(1));
   EXPECT_EQ(result.breaks[0].filter, &foreign);
+  EXPECT_TRUE(result.breaks[0].isCertain);
   EXPECT_EQ(result.breaks[0].connection.remotePort, 22);
   EXPECT_THAT(Promises::DescribeInCompany(result, Policy::Owners(snapshot, kProviderKey)),
               AllOf(testing::StartsWith("kill-switch-closes-outbound (kill switch): "),
