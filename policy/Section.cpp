@@ -241,7 +241,7 @@ std::optional<Action> Section::DecideSurely(const BitWord* state) const {
       return std::nullopt;
     }
     Action ofPlane = Action::Permit;
-    for (std::size_t layer = 0; layer < layers_.size(); ++layer) {
+    for (std::size_t layer = 0; layer < layers_.size() && ofPlane == Action::Permit; ++layer) {
       const auto ofLayer = layers_[layer].DecideSurely(sure + layerAt_[layer]);
       if (!ofLayer) {
         return std::nullopt;
