@@ -149,7 +149,7 @@ TEST(ReportPage, NamesOfOthersCannotEndTheData) {
   snapshot.filters[0].name = "\xff</SCRIPT>";
   Policy::Labels labels;
   labels.interfaces[7] = "<script>";
-  const std::string page = MakePage({Engine::System, snapshot, {}, labels});
+  const std::string page = MakePage({Engine::System, snapshot, {}, labels, Policy::Owners(snapshot)});
   const std::string data = page.substr(page.find("id=\"data\">") + 10);
   EXPECT_EQ(data.find('<'), data.find("</script>\n<script>\n"));
   EXPECT_THAT(data, testing::HasSubstr(R"(\u003c/script>\u003cscript>alert(1)\u003c/script>)"));
@@ -157,7 +157,7 @@ TEST(ReportPage, NamesOfOthersCannotEndTheData) {
 
 TEST(ReportPage, AsksAboutEveryAssumption) {
   const Policy::Snapshot snapshot;
-  const std::string page = MakePage({Engine::System, snapshot, {}, {}});
+  const std::string page = MakePage({Engine::System, snapshot, {}, {}, Policy::Owners(snapshot)});
   const std::size_t begin = page.find("id=\"data\">") + 10;
   const Json data = Json::parse(page.substr(begin, page.find("</script>", begin) - begin));
   std::vector<std::string> names;
