@@ -229,9 +229,9 @@ TEST(Contents, FiltersOfASublayerThatIsNotShownComeLast) {
   ASSERT_EQ(sublayers.size(), 4u);
   EXPECT_EQ(sublayers[0].sublayer->name, "heavy");
   EXPECT_TRUE(sublayers[0].filters.empty());
-  EXPECT_EQ(sublayers[1].sublayer->name, "light");
-  EXPECT_EQ(sublayers[1].filters.size(), 1u);
-  EXPECT_EQ(sublayers[2].sublayer->name, "light too");
+  EXPECT_EQ(sublayers[1].sublayer->name, "light too");
+  EXPECT_EQ(sublayers[2].sublayer->name, "light");
+  EXPECT_EQ(sublayers[2].filters.size(), 1u);
   EXPECT_EQ(sublayers[3].sublayer->key, kUnknownSublayer);
   EXPECT_FALSE(sublayers[3].sublayer->listed);
   ASSERT_EQ(sublayers[3].filters.size(), 2u);

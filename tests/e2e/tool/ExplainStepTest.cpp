@@ -20,6 +20,7 @@ TEST(Explain, EmptyEnginePermitsEverything) {
             "      no filter matches for certain: the engine permits\n"
             "    ALE_FLOW_ESTABLISHED_V4: permit\n"
             "      no filter matches for certain: the engine permits\n"
+            "    asked as a program of a signed-in user; user any; profile not given\n"
             "  done\n");
 }
 

@@ -133,11 +133,12 @@ TEST(Steps, ListTellsTheKillSwitchWithItsBlocksAndItsOverride) {
 
 TEST(Steps, ListHasTheFilterThatExplainNames) {
   const ToolRun run = RunEmulated({L"disable-internet", L"list", L"explain", L"--remote", L"1.1.1.1"});
-  const std::string before = "hard block of ";
+  const std::string before = "blocked by ";
   const std::size_t at = run.output.find(before);
   ASSERT_NE(at, std::string::npos);
   const std::size_t begin = at + before.size();
-  const std::string filter = run.output.substr(begin, run.output.find('\n', begin) - begin);
+  const std::string filter =
+      run.output.substr(begin, run.output.find(" of Corvane Firewall Tool", begin) - begin);
   EXPECT_THAT(filter, StartsWith("filter "));
   EXPECT_THAT(run.output,
               HasSubstr("    " + filter + " at ALE_AUTH_CONNECT_V4: BLOCK always; weight UINT8 14\n"));
