@@ -1,9 +1,7 @@
 #include "policy/FilterTests.h"
 
 #include <algorithm>
-#include <iterator>
 #include <optional>
-#include <ranges>
 
 #include "catalog/Guid.h"
 #include "policy/DerivedTests.h"
@@ -54,10 +52,14 @@ FilterTests TestsOf(const Filter& filter, Direction direction, IpVersion ipVersi
   FilterTests result;
   for (const auto& [field, ofField] : byField) {
     std::vector<std::vector<const Test*>> ofKeys;
-    std::ranges::copy(ofField | std::views::values, std::back_inserter(ofKeys));
+    for (const auto& [key, tests] : ofField) {
+      ofKeys.push_back(tests);
+    }
     result.ofConnections[field] = ofKeys.size() == 1 ? ofKeys.front() : keep(HoldTogether(ofKeys));
   }
-  std::ranges::copy(fixed | std::views::values, std::back_inserter(result.ofCircumstances));
+  for (const auto& [key, conditions] : fixed) {
+    result.ofCircumstances.push_back(conditions);
+  }
   return result;
 }
 

@@ -96,7 +96,7 @@ class Asking {
       Tell("user", *given);
       return Policy::ParseSid(*given);
     }
-    const std::optional<Sid> only = Policy::OnlyAccount(snapshot_);
+    std::optional<Sid> only = Policy::OnlyAccount(snapshot_);
     Tell("user", only ? Policy::FormatSid(*only) + ", the one that filters name" : "any");
     return only;
   }

@@ -246,6 +246,7 @@ Json ToJson(const Policy::Explanation& explanation, const Policy::Owners& owners
             const Policy::Labels& labels) {
   Json json{{"connection", ToJson(explanation.connection, labels)},
             {"verdict", ToJson(explanation.verdict)},
+            {"expected", ToJson(explanation.verdict.In(explanation.world), Policy::ActionText)},
             {"summary", Policy::Summarize(explanation, owners, labels, SettledByOptions())},
             {"endings", Json::array()},
             {"layers", Json::array()}};

@@ -50,6 +50,14 @@ Promises::Features ProvedFeatures(const StepContext& context, const Policy::Snap
   return features;
 }
 
+/// What promises are for unless something else is asked: every program, and every network that the machine
+/// has settled in.
+Policy::Circumstances SettledNetworks() {
+  Policy::Circumstances circumstances;
+  circumstances.quarantine = Policy::Circumstances::Quarantine::Over;
+  return circumstances;
+}
+
 }  // namespace
 
 void ExplainStep(const StepContext& context, const StepOptions& options) {
@@ -83,10 +91,9 @@ void MapStep(const StepContext& context, const StepOptions& options) {
 void ProveStep(const StepContext& context, const StepOptions& options) {
   const Policy::Snapshot snapshot = ReadPolicyOf(context);
   const Promises::Features features = ProvedFeatures(context, snapshot);
-  // A promise is for every program and network, unless it is asked for some.
   const bool isAsked = !options.who.empty() || !options.profile.empty();
   const Policy::Circumstances circumstances =
-      isAsked ? AskCircumstances(options, snapshot).circumstances : Policy::Circumstances();
+      isAsked ? AskCircumstances(options, snapshot).circumstances : SettledNetworks();
   context.reporter.ShowPromises(Promises::ProveInCompany(snapshot, features, kProvider.key, circumstances),
                                 Policy::Owners(snapshot, kProvider.key), context.ReadAdapterNames());
 }
@@ -102,9 +109,9 @@ void ReportStep(const StepContext& context, const StepOptions& options) {
   const std::string& path = options.file.front();
   const Policy::Snapshot snapshot = ReadPolicyOf(context);
   const Promises::Features features = ActiveFeatures(context.before, context.dnsApp, snapshot);
-  WriteFile(path,
-            MakePage({context.engine, snapshot, Promises::ProveInCompany(snapshot, features, kProvider.key),
-                      context.ReadAdapterNames(), Policy::Owners(snapshot, kProvider.key),
-                      context.isOrderInferred, AskCircumstances(options, snapshot)}));
+  WriteFile(path, MakePage({context.engine, snapshot,
+                            Promises::ProveInCompany(snapshot, features, kProvider.key, SettledNetworks()),
+                            context.ReadAdapterNames(), Policy::Owners(snapshot, kProvider.key),
+                            context.isOrderInferred, AskCircumstances(options, snapshot)}));
   context.reporter.ShowFile(path);
 }

@@ -65,8 +65,8 @@ int main(int count, char** arguments) {
   try {
     const DumpedPolicy dump = ReadDumpedPolicy(ToPath(arguments[1]));
     const Counts counts = CountDefinite(dump.snapshot);
-    std::cout << counts.definite << " of " << kCount << " definite, " << counts.definiteIfPassed
-              << " if drivers let pass\n";
+    std::cout << counts.definiteIfPassed << " of " << kCount << " definite if drivers let pass, "
+              << counts.definite << " whatever drivers do\n";
     return 0;
   } catch (const std::exception& error) {
     std::cerr << "error: " << error.what() << "\n";
