@@ -8,10 +8,7 @@
 #include "policy/ModelledField.h"
 
 namespace Policy {
-namespace {
 
-/// Whether a condition is one on an interface of a filter that lets interfaces out of quarantine, which is
-/// over for whatever interface the connection has.
 bool IsOfQuarantineThatIsOver(const Filter& filter, Field field, const Circumstances& circumstances) {
   const bool isInterface =
       field == Field::LocalInterface || field == Field::ArrivalInterface || field == Field::NextHopInterface;
@@ -20,8 +17,6 @@ bool IsOfQuarantineThatIsOver(const Filter& filter, Field field, const Circumsta
            return condition.field != nullptr && condition.field->name == "INTERFACE_QUARANTINE_EPOCH";
          });
 }
-
-}  // namespace
 
 FilterTests TestsOf(const Filter& filter, Direction direction, IpVersion ipVersion,
                     const Circumstances& circumstances, std::deque<Test>& derived) {

@@ -22,6 +22,10 @@ struct FilterTests {
   std::vector<std::vector<const Condition*>> ofCircumstances;
 };
 
+/// Whether conditions on a field do not count, because the filter lets an interface out of a quarantine that
+/// is over for whatever interface the connection has.
+bool IsOfQuarantineThatIsOver(const Filter& filter, Field field, const Circumstances& circumstances);
+
 /// @param filter must outlive the result.
 /// @param derived gets the tests that no condition has itself, and must outlive the result as well.
 FilterTests TestsOf(const Filter& filter, Direction direction, IpVersion ipVersion,

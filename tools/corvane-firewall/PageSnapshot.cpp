@@ -13,9 +13,12 @@
 #include "PolicyJson.h"
 #include "catalog/Format.h"
 #include "catalog/Names.h"
+#include "catalog/PassiveCallouts.h"
 #include "catalog/Providers.h"
 #include "policy/Certainty.h"
+#include "policy/DerivedTests.h"
 #include "policy/FilterTests.h"
+#include "policy/ModelledField.h"
 
 namespace {
 
@@ -47,15 +50,40 @@ std::vector<Policy::Direction> DirectionsAt(const std::string& layer) {
                                                      : std::vector<Policy::Direction>{};
 }
 
+Policy::IpVersion VersionAt(const std::string& layer) {
+  return layer.ends_with('6') ? Policy::IpVersion::V6 : Policy::IpVersion::V4;
+}
+
+/// What a condition asks of another field; none if it does not, or not the same in both directions.
+std::optional<Policy::DerivedTests> DerivedOf(const Policy::Condition& condition,
+                                              const Policy::Filter& filter) {
+  const std::string layer = Catalog::LayerName(filter.layerKey);
+  std::optional<Policy::DerivedTests> derived;
+  for (const Policy::Direction direction : DirectionsAt(layer)) {
+    auto other = Policy::Derive(condition, filter, direction, VersionAt(layer));
+    if (derived && other && derived->field != other->field) {
+      return std::nullopt;
+    }
+    derived = std::move(other);
+  }
+  return derived;
+}
+
+/// The field of connections that a condition asks about.
+std::optional<Policy::Field> FieldOf(const Policy::Condition& condition, const Policy::Filter& filter) {
+  const auto derived = DerivedOf(condition, filter);
+  return derived ? std::optional(derived->field) : Policy::ModelledField(condition);
+}
+
 /// What the circumstances make of a filter's conditions, as far as they decide them for all connections.
 std::map<const Policy::Condition*, bool> Settled(const Policy::Filter& filter,
                                                  const Policy::Circumstances& circumstances) {
   const std::string layer = Catalog::LayerName(filter.layerKey);
-  const auto ipVersion = layer.ends_with('6') ? Policy::IpVersion::V6 : Policy::IpVersion::V4;
   std::map<const Policy::Condition*, std::set<Policy::Certainty>> found;
   for (const Policy::Direction direction : DirectionsAt(layer)) {
     std::deque<Policy::Test> derived;
-    const Policy::FilterTests tests = Policy::TestsOf(filter, direction, ipVersion, circumstances, derived);
+    const Policy::FilterTests tests =
+        Policy::TestsOf(filter, direction, VersionAt(layer), circumstances, derived);
     for (const auto& conditions : tests.ofCircumstances) {
       for (const Policy::Condition* condition : conditions) {
         found[condition].insert(Policy::CertaintyOf(conditions, direction, circumstances));
@@ -63,6 +91,12 @@ std::map<const Policy::Condition*, bool> Settled(const Policy::Filter& filter,
     }
   }
   std::map<const Policy::Condition*, bool> settled;
+  for (const Policy::Condition& condition : filter.conditions) {
+    const auto field = FieldOf(condition, filter);
+    if (field && Policy::IsOfQuarantineThatIsOver(filter, *field, circumstances)) {
+      settled[&condition] = true;
+    }
+  }
   for (const auto& [condition, certainties] : found) {
     if (certainties.size() == 1 && *certainties.begin() != Policy::Certainty::InDoubt) {
       settled[condition] = *certainties.begin() == Policy::Certainty::Holds;
@@ -93,7 +127,8 @@ class Shared {
     for (const Policy::Condition& condition : filter.conditions) {
       const auto found = settled.find(&condition);
       conditions.push_back(
-          ConditionIndex(condition, found == settled.end() ? std::nullopt : std::optional(found->second)));
+          ConditionIndex(condition, found == settled.end() ? std::nullopt : std::optional(found->second),
+                         DerivedOf(condition, filter)));
     }
     Json json{{"id", filter.id},
               {"name", texts_.IndexOf(filter.name)},
@@ -106,6 +141,9 @@ class Shared {
               {"conditions", std::move(conditions)}};
     if (filter.IsHard()) {
       json["hard"] = true;
+    }
+    if (filter.calloutKey && Catalog::FindPassiveCallout(*filter.calloutKey) != nullptr) {
+      json["passive"] = true;
     }
     if ((filter.flags & (FWPM_FILTER_FLAG_DISABLED | FWPM_FILTER_FLAG_BOOTTIME)) != 0) {
       json["inForce"] = false;
@@ -128,15 +166,31 @@ class Shared {
   }
 
   /// @param holds what the circumstances make of it, if they decide it.
-  std::size_t ConditionIndex(const Policy::Condition& condition, std::optional<bool> holds) {
-    const Policy::Test& test = condition.test;
+  /// @param derived what it asks of another field, if it does.
+  std::size_t ConditionIndex(const Policy::Condition& condition, std::optional<bool> holds,
+                             const std::optional<Policy::DerivedTests>& derived) {
     Json json{{"field", condition.field == nullptr ? Catalog::FormatGuid(condition.fieldKey)
                                                    : std::string(condition.field->name)},
-              {"text", texts_.IndexOf(condition.text)},
-              {"test", KindText(test.kind)}};
+              {"text", texts_.IndexOf(condition.text)}};
     if (holds) {
       json["holds"] = *holds;
     }
+    json.update(TestJson(condition.test));
+    if (derived) {
+      json["asksOf"] = Policy::FieldText(derived->field);
+      for (const Policy::Test& test : derived->tests) {
+        json["tests"].push_back(TestJson(test));
+      }
+    }
+    const auto [place, isNew] = conditionIndices_.try_emplace(json.dump(), conditionIndices_.size());
+    if (isNew) {
+      conditions_.push_back(std::move(json));
+    }
+    return place->second;
+  }
+
+  Json TestJson(const Policy::Test& test) {
+    Json json{{"test", KindText(test.kind)}};
     if (test.negated) {
       json["negated"] = true;
     }
@@ -147,11 +201,7 @@ class Shared {
     if (!test.bytes.empty()) {
       json["bytes"] = texts_.IndexOf(HexText(test.bytes));
     }
-    const auto [place, isNew] = conditionIndices_.try_emplace(json.dump(), conditionIndices_.size());
-    if (isNew) {
-      conditions_.push_back(std::move(json));
-    }
-    return place->second;
+    return json;
   }
 
   const Policy::Snapshot& snapshot_;

@@ -3,20 +3,26 @@ const report = (() => {
   const packed = JSON.parse(document.getElementById("data").textContent);
   const { texts, snapshot, map } = packed;
 
-  const conditions = snapshot.conditions.map(
-    ({ text, first = "0x0", last = "0x0", bytes, negated = false, ...rest }) => ({
-      ...rest,
-      text: texts[text],
-      first: BigInt(first),
-      last: BigInt(last),
-      bytes: texts[bytes] ?? "",
-      negated,
-    }),
-  );
-  const filters = snapshot.filters.map(({ hard = false, inForce = true, ...filter }) => ({
+  const testOf = ({ test, first = "0x0", last = "0x0", bytes, negated = false }) => ({
+    test,
+    first: BigInt(first),
+    last: BigInt(last),
+    bytes: texts[bytes] ?? "",
+    negated,
+  });
+  const conditions = snapshot.conditions.map(({ field, text, holds, asksOf, tests = [], ...test }) => ({
+    field,
+    text: texts[text],
+    holds,
+    asksOf,
+    tests: tests.map(testOf),
+    ...testOf(test),
+  }));
+  const filters = snapshot.filters.map(({ hard = false, inForce = true, passive = false, ...filter }) => ({
     ...filter,
     hard,
     inForce,
+    passive,
     name: texts[filter.name],
     layer: texts[filter.layer],
     owner: snapshot.owners[filter.owner],

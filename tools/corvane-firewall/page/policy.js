@@ -175,6 +175,10 @@ const policy = (() => {
       if (conditions[0].holds !== undefined) {
         return conditions[0].holds;
       }
+      const { asksOf } = conditions[0];
+      if (asksOf !== undefined) {
+        return anyOf(conditions.flatMap(({ tests }) => tests.map((test) => holds(test, asksOf, connection[asksOf]))));
+      }
       const direction = connection.direction === "outbound" ? 0n : 1n;
       if (name === "DIRECTION" && conditions.filter((c) => c.negated).length < 2) {
         return anyOf(conditions.map((c) => holds(c, name, direction)));
@@ -189,7 +193,7 @@ const policy = (() => {
   }
 
   /** Callouts are taken to let pass: one that may leave the decision to the next filter does so. */
-  const isDecider = (filter) => ["PERMIT", "BLOCK", "CALLOUT_TERMINATING"].includes(filter.action);
+  const isDecider = ({ action, passive }) => !passive && ["PERMIT", "BLOCK", "CALLOUT_TERMINATING"].includes(action);
 
   const strengths = { block: 0, pass: 1, hard: 2 };
   /** What a filter decides if it matches; none, like a soft permit, changes nothing of what follows. */
