@@ -7,6 +7,7 @@
 
 #include "Failure.h"
 #include "Who.h"
+#include "policy/Connection.h"
 #include "policy/NamedInSnapshot.h"
 
 namespace {
@@ -79,7 +80,7 @@ class Asking {
     switch (who.kind) {
       case Who::Kind::System:
         Tell("as", "the system itself");
-        asked_.application = Policy::OnlyApplication("system", snapshot_);
+        asked_.application = Policy::ApplicationBytes("System");
         return Policy::SystemProgram();
       case Who::Kind::Service:
         return ServiceToken(who.name);

@@ -17,7 +17,7 @@ struct ToldCircumstance {
 /// Who connects, and where.
 struct AskedCircumstances {
   Policy::Circumstances circumstances;
-  /// The application that such a program usually is, if filters name it; bytes of its id.
+  /// The application that such a program usually is, if that is known; bytes of its id.
   std::optional<std::string> application;
   std::vector<ToldCircumstance> told;  ///< what was given and what was taken for the rest
 };

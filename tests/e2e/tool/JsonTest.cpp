@@ -1,3 +1,4 @@
+#include <WfpPlatform.h>
 #include <gmock/gmock.h>
 
 #include <algorithm>

@@ -96,6 +96,20 @@ TEST_F(WhoAndWhere, ASignedInUserConnectsUnlessAnotherIsNamed) {
   EXPECT_EQ(Asked(kSystem, {L"--as", L"system"}), "block");
 }
 
+TEST_F(WhoAndWhere, TheSystemIsTheApplicationOfItsName) {
+  const auto application = [this](const std::vector<std::wstring>& options) {
+    std::vector<std::wstring> arguments{L"--json", L"explain", L"--remote", L"10.0.0.1"};
+    arguments.insert(arguments.end(), options.begin(), options.end());
+    return std::string(
+        DocumentOf(Run(arguments))["steps"][0]["explanations"][0]["connection"]["application"]);
+  };
+  EXPECT_EQ(application({L"--as", L"system"}), "530079007300740065006d000000");
+  EXPECT_EQ(application({L"--as", L"system", L"--app", L"\\device\\harddiskvolume1\\a"}),
+            "5c006400650076006900630065005c0068006100720064006400690073006b0076006f006c0075006d00650031005c00"
+            "61000000");
+  EXPECT_EQ(application({}), "6f0074006800650072002e006500780065000000");
+}
+
 TEST_F(WhoAndWhere, TheUserIsTheOneThatFiltersName) {
   EXPECT_EQ(Asked(kAlice, {}), "block");
   EXPECT_EQ(Asked(kAlice, {}, Dump(true)), "depends");
