@@ -22,6 +22,7 @@ FilterTests TestsOf(const Filter& filter, Direction direction, IpVersion ipVersi
                     const Circumstances& circumstances, std::deque<Test>& derived) {
   const auto keep = [&derived](const std::vector<Test>& tests) {
     std::vector<const Test*> kept;
+    kept.reserve(tests.size());
     for (const Test& test : tests) {
       kept.push_back(&derived.emplace_back(test));
     }
@@ -47,11 +48,13 @@ FilterTests TestsOf(const Filter& filter, Direction direction, IpVersion ipVersi
   FilterTests result;
   for (const auto& [field, ofField] : byField) {
     std::vector<std::vector<const Test*>> ofKeys;
+    ofKeys.reserve(ofField.size());
     for (const auto& [key, tests] : ofField) {
       ofKeys.push_back(tests);
     }
     result.ofConnections[field] = ofKeys.size() == 1 ? ofKeys.front() : keep(HoldTogether(ofKeys));
   }
+  result.ofCircumstances.reserve(fixed.size());
   for (const auto& [key, conditions] : fixed) {
     result.ofCircumstances.push_back(conditions);
   }
