@@ -20,6 +20,18 @@ std::optional<std::vector<UINT8>> Parse(std::string_view sddl, Dump::DomainSids 
   }
 }
 
+/// What bytes of any content grant to several programs.
+void CheckAccess(std::span<const UINT8> descriptor) {
+  const Policy::Sid sid{15, {2, 1, 2, 3, 4, 5, 6, 7}};
+  for (const Policy::Token& token :
+       {Policy::UserProgram(), Policy::SystemProgram(), Policy::ServiceProgram({5, {80, 1, 2, 3, 4, 5}}),
+        Policy::AppContainerProgram({sid, {{15, {3, 1}}}})}) {
+    const Policy::Access access = Policy::CheckAccess(descriptor, token);
+    const std::vector<UINT8> copy(descriptor.begin(), descriptor.end());
+    Require(Policy::CheckAccess(copy, token) == access, "the same bytes grant the same");
+  }
+}
+
 void CheckText(std::string_view sddl) {
   const auto marked = Parse(sddl, Dump::DomainSids::Mark);
   const auto strict = Parse(sddl, Dump::DomainSids::Refuse);
@@ -31,18 +43,6 @@ void CheckText(std::string_view sddl) {
   const std::string text = Dump::FormatSddl(*marked);
   Require(Dump::ParseSddl(text, Dump::DomainSids::Mark) == *marked,
           "a text that was written gives the same bytes");
-}
-
-/// What bytes of any content grant to several programs.
-void CheckAccess(std::span<const UINT8> descriptor) {
-  const Policy::Sid sid{15, {2, 1, 2, 3, 4, 5, 6, 7}};
-  for (const Policy::Token& token :
-       {Policy::UserProgram(), Policy::SystemProgram(), Policy::ServiceProgram({5, {80, 1, 2, 3, 4, 5}}),
-        Policy::AppContainerProgram({sid, {{15, {3, 1}}}})}) {
-    const Policy::Access access = Policy::CheckAccess(descriptor, token);
-    const std::vector<UINT8> copy(descriptor.begin(), descriptor.end());
-    Require(Policy::CheckAccess(copy, token) == access, "the same bytes grant the same");
-  }
 }
 
 void CheckBytes(std::span<const UINT8> descriptor) {

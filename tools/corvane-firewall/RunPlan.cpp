@@ -51,8 +51,8 @@ void RunSteps(const Plan& plan, const FirewallCommands* library, const DumpedPol
               std::vector<std::string> notes, Reporter& reporter) {
   const bool isOrderInferred = dump != nullptr && dump->isOrderInferred;
   if (isOrderInferred) {
-    notes.insert(notes.begin(),
-                 "The dump lacks the sublayers; their order is inferred from that of the filters.");
+    notes.emplace_back("The dump lacks the sublayers; their order is inferred from that of the filters.");
+    std::rotate(notes.begin(), notes.end() - 1, notes.end());
   }
   for (std::size_t i = 0; i < plan.steps.size(); ++i) {
     const PlannedStep& planned = plan.steps[i];
