@@ -1,8 +1,7 @@
 #!/bin/bash
 # Fails if the layout of a source differs from that of clang-format or Prettier, a folder includes a file that it must
-# not see, the README names another version than the build, or clang-tidy has a warning for the product's sources. With
-# --all, clang-tidy also checks the tests, reads each source by itself and runs clang's static analyzer, which takes
-# many times as long.
+# not see, or clang-tidy has a warning for the product's sources. With --all, clang-tidy also checks the tests, reads each
+# source by itself and runs clang's static analyzer, which takes many times as long.
 set -eu
 cd "$(dirname "$0")/.."
 linted='src|catalog|emulator|policy|promises|dump|replay|tools'
@@ -73,10 +72,6 @@ if find policy -name '*.h' -o -name '*.cpp' | grep -vE "^policy/($above)\."; the
   echo "These files of policy/ have no floor yet: name them in scripts/lint.sh." >&2
   exit 1
 fi
-
-echo "The README's version"
-version=$(sed -n 's/^  VERSION //p' CMakeLists.txt)
-grep -qxF "| Version | $version |" README.md || { echo "README.md does not name version $version" >&2; exit 1; }
 
 echo "clang-tidy"
 # In a build tree of its own, where only the header with the tool's page is built.

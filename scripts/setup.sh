@@ -19,9 +19,13 @@ packages=(
   libvalijson-dev # the tests of the tool's JSON
   llvm # llvm-dlltool, for the import library for Visual Studio
   mono-mcs # the C# example
+  mono-xbuild # the project that uses the NuGet package
   ninja-build
   nlohmann-json3-dev
   nodejs
+  nuget
+  openssl # a certificate to try signing with
+  osslsigncode
   python3 # run-clang-tidy
   wine64
 )

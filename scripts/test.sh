@@ -56,3 +56,4 @@ step "Look at a report in Chromium"
 scripts/test-page.sh
 
 scripts/test-package.sh
+scripts/test-release.sh
