@@ -188,10 +188,13 @@ DWORD Engine::Add(Session& session, const Native& record, PSECURITY_DESCRIPTOR s
     return Refuse({FWP_E_LIFETIME_MISMATCH, "a dynamic session adds nothing persistent"});
   }
   GUID& key = filled.*Kind<Native>::kKey;
+  const auto& others = objects->template OfKind<Native>();
   if (key == GUID{}) {
-    key = NewKey();
-  }
-  if (objects->template OfKind<Native>().Find(key) != nullptr) {
+    // Each emulated engine makes up the same keys, and one may hold what another one has held.
+    do {
+      key = NewKey();
+    } while (others.Find(key) != nullptr);
+  } else if (others.Find(key) != nullptr) {
     return Refuse({FWP_E_ALREADY_EXISTS, std::string("there is a ") + Kind<Native>::kName + " " + Text(key)});
   }
   AssignWeight(filled, *objects, switches_);

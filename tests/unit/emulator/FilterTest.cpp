@@ -119,6 +119,22 @@ TEST_F(FilterObject, KeyIsGeneratedAndFoundThroughTheId) {
   EXPECT_EQ(FwpmFilterDeleteByKey0(session, &key), kSuccess);
 }
 
+TEST_F(FilterObject, GeneratedKeyIsNotOneThatAnEarlierEngineGeneratedAndThisOneHolds) {
+  const auto addWithoutKey = [](const TestSession& session) {
+    const FWPM_FILTER0 record = FilterRecord(GUID{});
+    return FwpmFilterAdd0(session, &record, nullptr, nullptr);
+  };
+  {
+    const TestSession session;
+    ASSERT_EQ(addWithoutKey(session), kSuccess);
+  }
+  const GUID earlier = EngineEmulator::TakeSnapshot().filters.at(0).key;
+  EngineEmulator::Reset();
+  const TestSession session;
+  ASSERT_EQ(Add(session, FilterRecord(earlier)), kSuccess);
+  EXPECT_EQ(addWithoutKey(session), kSuccess);
+}
+
 TEST_F(FilterObject, KeyIsUnique) {
   const TestSession session;
   ASSERT_EQ(Add(session, FilterRecord()), kSuccess);
