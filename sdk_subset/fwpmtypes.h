@@ -250,9 +250,86 @@ typedef struct FWPM_FILTER_SUBSCRIPTION0_ {
   GUID sessionKey;
 } FWPM_FILTER_SUBSCRIPTION0;
 
-/// Incomplete, because the sources only pass pointers to events on.
-typedef struct FWPM_NET_EVENT0_ FWPM_NET_EVENT0;
-typedef struct FWPM_NET_EVENT1_ FWPM_NET_EVENT1;
+typedef SDK_SUBSET_ENUM(FWPM_NET_EVENT_TYPE_){
+    FWPM_NET_EVENT_TYPE_IKEEXT_MM_FAILURE = 0, FWPM_NET_EVENT_TYPE_IKEEXT_QM_FAILURE = 1,
+    FWPM_NET_EVENT_TYPE_IKEEXT_EM_FAILURE = 2, FWPM_NET_EVENT_TYPE_CLASSIFY_DROP = 3,
+    FWPM_NET_EVENT_TYPE_IPSEC_KERNEL_DROP = 4, FWPM_NET_EVENT_TYPE_IPSEC_DOSP_DROP = 5,
+} FWPM_NET_EVENT_TYPE;
+
+typedef struct FWPM_NET_EVENT_CLASSIFY_DROP0_ {
+  UINT64 filterId;
+  UINT16 layerId;
+} FWPM_NET_EVENT_CLASSIFY_DROP0;
+
+typedef struct FWPM_NET_EVENT_CLASSIFY_DROP1_ {
+  UINT64 filterId;
+  UINT16 layerId;
+  UINT32 reauthReason;
+  UINT32 originalProfile;
+  UINT32 currentProfile;
+  UINT32 msFwpDirection;
+  BOOL isLoopback;
+} FWPM_NET_EVENT_CLASSIFY_DROP1;
+
+typedef struct FWPM_NET_EVENT_HEADER0_ {
+  FILETIME timeStamp;
+  UINT32 flags;
+  FWP_IP_VERSION ipVersion;
+  UINT8 ipProtocol;
+  union {
+    UINT32 localAddrV4;
+    FWP_BYTE_ARRAY16 localAddrV6;
+  };
+  union {
+    UINT32 remoteAddrV4;
+    FWP_BYTE_ARRAY16 remoteAddrV6;
+  };
+  UINT16 localPort;
+  UINT16 remotePort;
+  UINT32 scopeId;
+  FWP_BYTE_BLOB appId;
+  SID* userId;
+} FWPM_NET_EVENT_HEADER0;
+
+/// `reserved` stands for fields whose names differ between the platform's headers; the sources use none.
+typedef struct FWPM_NET_EVENT_HEADER1_ {
+  FILETIME timeStamp;
+  UINT32 flags;
+  FWP_IP_VERSION ipVersion;
+  UINT8 ipProtocol;
+  union {
+    UINT32 localAddrV4;
+    FWP_BYTE_ARRAY16 localAddrV6;
+  };
+  union {
+    UINT32 remoteAddrV4;
+    FWP_BYTE_ARRAY16 remoteAddrV6;
+  };
+  UINT16 localPort;
+  UINT16 remotePort;
+  UINT32 scopeId;
+  FWP_BYTE_BLOB appId;
+  SID* userId;
+  UINT64 reserved[7];
+} FWPM_NET_EVENT_HEADER1;
+
+/// Its data depends on the type; the sources use only that of drops.
+typedef struct FWPM_NET_EVENT0_ {
+  FWPM_NET_EVENT_HEADER0 header;
+  FWPM_NET_EVENT_TYPE type;
+  union {
+    FWPM_NET_EVENT_CLASSIFY_DROP0* classifyDrop;
+  };
+} FWPM_NET_EVENT0;
+
+/// Its data depends on the type; the sources use only that of drops.
+typedef struct FWPM_NET_EVENT1_ {
+  FWPM_NET_EVENT_HEADER1 header;
+  FWPM_NET_EVENT_TYPE type;
+  union {
+    FWPM_NET_EVENT_CLASSIFY_DROP1* classifyDrop;
+  };
+} FWPM_NET_EVENT1;
 
 typedef struct FWPM_NET_EVENT_ENUM_TEMPLATE0_ {
   FILETIME startTime;
