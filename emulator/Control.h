@@ -5,7 +5,7 @@
  */
 #pragma once
 
-#include <WfpPlatform.h>
+#include <NetEvents.h>
 
 #include <cstddef>
 #include <optional>
@@ -103,6 +103,23 @@ void SetSwitches(const Switches& switches);
 /// Ends every open transaction, as the engine does to one that is held for an hour: nothing of it remains,
 /// and the next call of its session fails with FWP_E_TXN_ABORTED.
 void ExpireTransactions();
+
+/// Lets the engine record a net event and tell its subscribers, as if traffic had caused it. The engine's
+/// options decide whether it does.
+/// @param event a drop, what was let through, or either by a capability. It is copied. Without a time stamp
+/// it has the present time.
+/// @return ERROR_SUCCESS, also if nobody hears of it; FWP_E_INVALID_ENUMERATOR for another type of event;
+/// FWP_E_NULL_POINTER and FWP_E_INVALID_PARAMETER for what a client could not read.
+DWORD RaiseEvent(const FWPM_NET_EVENT3& event);
+
+/// How many events subscribers have missed since the last Reset, because too many were waiting for them:
+/// Switches::waitingEvents.
+std::size_t CountMissedEvents();
+
+/// Ends all sessions, as when the engine's service is stopped: no callback runs any more, FwpmEngineOpen0
+/// fails with EPT_S_NOT_REGISTERED and calls in the sessions so far with RPC_S_SERVER_UNAVAILABLE. Reset
+/// starts it again.
+void StopEngine();
 
 /// Makes a path count as an existing file for application ids, whatever the file system says.
 void PretendFileExists(const std::wstring& path);

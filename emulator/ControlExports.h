@@ -16,6 +16,9 @@
 extern "C" {
 #endif
 
+/** Of Windows 10; not in the headers of every toolchain. */
+struct FWPM_NET_EVENT3_;
+
 /** What clients have not given back. */
 // NOLINTNEXTLINE(modernize-use-using): for C, too.
 typedef struct EngineEmulatorOutstanding {
@@ -80,6 +83,29 @@ int EngineEmulatorSetRule(const char* name, UINT32 value);
  * session fails with FWP_E_TXN_ABORTED.
  */
 void EngineEmulatorExpireTransactions(void);
+
+/**
+ * Lets the engine record a net event and tell its subscribers, as if traffic had caused it. The engine's
+ * options decide whether it does.
+ * @param event a drop, what was let through, or either by a capability. It is copied. Without a time stamp
+ * it has the present time.
+ * @return ERROR_SUCCESS, also if nobody hears of it; FWP_E_INVALID_ENUMERATOR for another type of event;
+ * FWP_E_NULL_POINTER and FWP_E_INVALID_PARAMETER for what a client could not read.
+ */
+DWORD EngineEmulatorRaiseEvent(const struct FWPM_NET_EVENT3_* event);
+
+/**
+ * How many events subscribers have missed since the last reset, because too many were waiting for them: the
+ * rule waitingEvents.
+ */
+size_t EngineEmulatorCountMissedEvents(void);
+
+/**
+ * Ends all sessions, as when the engine's service is stopped: no callback runs any more, FwpmEngineOpen0
+ * fails with EPT_S_NOT_REGISTERED and calls in the sessions so far with RPC_S_SERVER_UNAVAILABLE. A reset
+ * starts it again.
+ */
+void EngineEmulatorStopEngine(void);
 
 /** Makes a path count as an existing file for application ids, whatever the file system says. */
 void EngineEmulatorPretendFileExists(const wchar_t* path);

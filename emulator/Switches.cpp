@@ -32,6 +32,7 @@ constexpr NamedSwitch kSwitches[]{
     {"shuffleEnumerations", &Switches::shuffleEnumerations},
     {"lockWaitMilliseconds", &Switches::lockWaitMilliseconds},
     {"journalEntries", &Switches::journalEntries},
+    {"waitingEvents", &Switches::waitingEvents},
     {"windowsBuild", &Switches::windowsBuild},
     {"keepAsGiven", &Switches::keepAsGiven},
     {"guessWeights", &Switches::guessWeights},

@@ -55,6 +55,8 @@ struct Switches {
   UINT32 lockWaitMilliseconds = 15'000;
   /// How many calls the journal keeps; 0: none.
   UINT32 journalEntries = 2'000;
+  /// How many net events may wait for a subscriber; it misses those that come then.
+  UINT32 waitingEvents = 1'000;
   /// The build of Windows that the engine is of. To be set before anything is added.
   UINT32 windowsBuild = 26100;
   /// Added objects keep what else the engine assigns: the ids of filters and callouts, the weights of filters
