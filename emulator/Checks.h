@@ -4,6 +4,8 @@
  */
 #pragma once
 
+#include <string_view>
+
 #include "catalog/Layers.h"
 #include "emulator/ObjectStore.h"
 #include "emulator/Refusal.h"
@@ -28,6 +30,16 @@ Refusal Check(const FWPM_FILTER0& filter, const CheckContext& context);
 /// Whether the layer has the field, type and match fit it, and the data are sound.
 Refusal CheckCondition(const FWPM_FILTER_CONDITION0& condition, const Catalog::Layer& layer,
                        const Switches& switches);
+
+/// The part of it that no layer decides on: that the match type exists, and the data are there and sound.
+Refusal CheckSoundness(const FWPM_FILTER_CONDITION0& condition, const Switches& switches);
+
+/// Whether the match goes with the type of a sound condition's value.
+/// @param field the name of the condition's field.
+Refusal CheckMatch(const FWPM_FILTER_CONDITION0& condition, std::string_view field, const Switches& switches);
+
+/// Whether there is a SID, of a plausible length.
+Refusal CheckSid(const SID* sid);
 
 /// Whether there is a name, and all texts are Unicode.
 Refusal CheckDisplayData(const FWPM_DISPLAY_DATA0& data, const CheckContext& context);

@@ -37,12 +37,6 @@ bool IsSortable(FWP_DATA_TYPE type) {
          type == FWP_BYTE_BLOB_TYPE || type == FWP_UNICODE_STRING_TYPE;
 }
 
-Refusal CheckSid(const SID* sid) {
-  return sid != nullptr && sid->SubAuthorityCount <= SID_MAX_SUB_AUTHORITIES
-             ? Refusal()
-             : Refusal(FWP_E_INVALID_PARAMETER, "a SID is none");
-}
-
 Refusal CheckSids(const SID_AND_ATTRIBUTES* sids, ULONG count) {
   if (count != 0 && sids == nullptr) {
     return {FWP_E_NULL_POINTER, "a token has a number of SIDs but no array of them"};
@@ -236,30 +230,45 @@ Refusal CheckCombination(const FWPM_FILTER_CONDITION0& condition, const Catalog:
     return {FWP_E_CONDITION_NOT_FOUND,
             Catalog::FieldName(condition.fieldKey) + " is not a field of " + std::string(layer.name)};
   }
-  const std::string name(known->name);
   const Catalog::ConditionTypes types = Catalog::TypesOf(*field);
   if (!FitsField(value, types)) {
-    return {FWP_E_TYPE_MISMATCH, name + " at " + std::string(layer.name) + " is of type " +
-                                     Catalog::DataTypeName(types.type) + ", not " + NameOfType(value)};
+    return {FWP_E_TYPE_MISMATCH, std::string(known->name) + " at " + std::string(layer.name) +
+                                     " is of type " + Catalog::DataTypeName(types.type) + ", not " +
+                                     NameOfType(value)};
   }
-  return IsLegal(condition.matchType, value, switches)
-             ? Refusal()
-             : Refusal(FWP_E_MATCH_TYPE_MISMATCH, Catalog::MatchName(condition.matchType) +
-                                                      " does not go with the type " + NameOfType(value) +
-                                                      " of " + name);
+  return CheckMatch(condition, known->name, switches);
 }
 
 }  // namespace
 
-Refusal CheckCondition(const FWPM_FILTER_CONDITION0& condition, const Catalog::Layer& layer,
-                       const Switches& switches) {
+Refusal CheckSid(const SID* sid) {
+  return sid != nullptr && sid->SubAuthorityCount <= SID_MAX_SUB_AUTHORITIES
+             ? Refusal()
+             : Refusal(FWP_E_INVALID_PARAMETER, "a SID is none");
+}
+
+Refusal CheckSoundness(const FWPM_FILTER_CONDITION0& condition, const Switches& switches) {
   if (condition.matchType < 0 || condition.matchType >= kMatchTypes) {
     return {FWP_E_INVALID_ENUMERATOR, "there is no match type " + std::to_string(int{condition.matchType})};
   }
   if (Refusal refusal = CheckData(condition.conditionValue)) {
     return refusal;
   }
-  if (Refusal refusal = CheckContents(condition.conditionValue, switches)) {
+  return CheckContents(condition.conditionValue, switches);
+}
+
+Refusal CheckMatch(const FWPM_FILTER_CONDITION0& condition, std::string_view field,
+                   const Switches& switches) {
+  return IsLegal(condition.matchType, condition.conditionValue, switches)
+             ? Refusal()
+             : Refusal(FWP_E_MATCH_TYPE_MISMATCH,
+                       Catalog::MatchName(condition.matchType) + " does not go with the type " +
+                           NameOfType(condition.conditionValue) + " of " + std::string(field));
+}
+
+Refusal CheckCondition(const FWPM_FILTER_CONDITION0& condition, const Catalog::Layer& layer,
+                       const Switches& switches) {
+  if (Refusal refusal = CheckSoundness(condition, switches)) {
     return refusal;
   }
   return CheckCombination(condition, layer, switches);

@@ -97,6 +97,12 @@ void ExpireTransactions() {
   locked.answered.notify_all();
 }
 
+DWORD RaiseEvent(const FWPM_NET_EVENT3& event) { return LockEngine().engine.Raise(event); }
+
+std::size_t CountMissedEvents() { return LockEngine().engine.missedEvents; }
+
+void StopEngine() { StopTheEngine(); }
+
 void PretendFileExists(const std::wstring& path) {
   LockEngine().engine.pretendedFiles.insert(LowerCase(path));
 }

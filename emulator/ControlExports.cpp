@@ -110,6 +110,14 @@ int EngineEmulatorSetRule(const char* name, UINT32 value) {
 
 void EngineEmulatorExpireTransactions(void) { ExpireTransactions(); }
 
+DWORD EngineEmulatorRaiseEvent(const struct FWPM_NET_EVENT3_* event) {
+  return event == nullptr ? static_cast<DWORD>(FWP_E_NULL_POINTER) : RaiseEvent(*event);
+}
+
+size_t EngineEmulatorCountMissedEvents(void) { return CountMissedEvents(); }
+
+void EngineEmulatorStopEngine(void) { StopEngine(); }
+
 void EngineEmulatorPretendFileExists(const wchar_t* path) { PretendFileExists(path); }
 
 }  // extern "C"

@@ -35,6 +35,13 @@ class Engine {
   /// All sessions, to be destroyed in the same way. The engine must not be used afterwards.
   std::unordered_map<HANDLE, Session> TakeSessions() { return std::move(sessions_); }
 
+  /// Ends all sessions, and lets none begin. They are to be destroyed in the same way.
+  std::unordered_map<HANDLE, Session> Stop();
+  /// The code for a handle that no open session has.
+  [[nodiscard]] DWORD InvalidHandleCode() const {
+    return stopped_ ? DWORD{RPC_S_SERVER_UNAVAILABLE} : switches_.invalidHandleCode;
+  }
+
   /// Unless the flags say read-only, MayWrite(session) must hold.
   DWORD Begin(Session& session, UINT32 flags);
   DWORD Commit(Session& session);
@@ -66,6 +73,9 @@ class Engine {
   template <class Native>
   DWORD SetSecurity(Session& session, const GUID& key, const SecurityDescriptor& security);
 
+  /// Records an event and tells its subscribers, as far as the engine's options want it.
+  DWORD Raise(FWPM_NET_EVENT3 event);
+
   /// Puts a call into the journal, from which the oldest goes if it is full.
   void Record(Call call);
 
@@ -84,7 +94,9 @@ class Engine {
   /// The descriptors of what has no key: the engine, its net events and the container of each kind of
   /// objects.
   std::map<std::string_view, SecurityDescriptor> securities;
-  std::array<UINT32, 6> options{};  ///< by FWPM_ENGINE_OPTION
+  std::array<UINT32, 6> options{1};  ///< by FWPM_ENGINE_OPTION; of them COLLECT_NET_EVENTS is on
+  NetEventLog netEvents;
+  std::size_t missedEvents = 0;  ///< by subscribers for whom too many were waiting
 
  private:
   DWORD Refuse(const Refusal& refusal);
@@ -102,6 +114,7 @@ class Engine {
   GUID NewKey();
 
   std::unordered_map<HANDLE, Session> sessions_;
+  bool stopped_ = false;
   HANDLE writer_ = nullptr;  ///< the session whose transaction holds the write lock
   ObjectStore committed_;
   Switches switches_;

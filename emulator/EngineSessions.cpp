@@ -1,7 +1,10 @@
 // The part of Engine that deals with sessions, transactions and who hears of changes.
+#include <chrono>
+#include <ratio>
 #include <utility>
 
 #include "emulator/Engine.h"
+#include "emulator/NetEventSelection.h"
 #include "emulator/Selection.h"
 
 namespace EngineEmulator {
@@ -10,9 +13,20 @@ namespace {
 /// FWPM_SUBSCRIPTION_FLAG_NOTIFY_ON_ADD and ..._DELETE, which MinGW-w64 lacks, by FWPM_CHANGE_TYPE.
 constexpr UINT32 FlagOf(FWPM_CHANGE_TYPE type) { return type == FWPM_CHANGE_ADD ? 1 : 2; }
 
+FILETIME Now() {
+  using Ticks = std::chrono::duration<UINT64, std::ratio<1, 10'000'000>>;
+  constexpr UINT64 kUnixEpoch = 116'444'736'000'000'000;  // in ticks since 1601
+  const auto sinceEpoch = std::chrono::system_clock::now().time_since_epoch();
+  const UINT64 ticks = kUnixEpoch + std::chrono::duration_cast<Ticks>(sinceEpoch).count();
+  return {static_cast<DWORD>(ticks), static_cast<DWORD>(ticks >> 32)};
+}
+
 }  // namespace
 
 DWORD Engine::OpenSession(const FWPM_SESSION0* session, HANDLE& handle) {
+  if (stopped_) {
+    return Refuse({HRESULT{EPT_S_NOT_REGISTERED}, "the engine has been stopped"});
+  }
   FWPM_SESSION0 record = session == nullptr ? FWPM_SESSION0{} : *session;
   if ((record.flags & ~static_cast<UINT32>(FWPM_SESSION_FLAG_DYNAMIC)) != 0) {
     return Refuse({FWP_E_INVALID_FLAGS, "DYNAMIC is the only flag of sessions"});
@@ -68,6 +82,12 @@ Session Engine::CloseSession(HANDLE handle) {
     RemoveDynamicObjects<FWPM_PROVIDER0>(handle);
   }
   return closed;
+}
+
+std::unordered_map<HANDLE, Session> Engine::Stop() {
+  stopped_ = true;
+  writer_ = nullptr;
+  return std::exchange(sessions_, {});
 }
 
 UINT32 Engine::LockWaitMilliseconds(const Session& session) const {
@@ -165,6 +185,37 @@ void Engine::Tell(FWPM_CHANGE_TYPE type, const ObjectPtr<Native>& object) {
       });
     }
   }
+}
+
+DWORD Engine::Raise(FWPM_NET_EVENT3 event) {
+  if (const Refusal refusal = CheckNetEvent(event)) {
+    return Refuse(refusal);
+  }
+  const UINT32 keyword = KeywordOf(event);
+  const bool isWanted = keyword == 0 || (options[FWPM_ENGINE_NET_EVENT_MATCH_ANY_KEYWORDS] & keyword) != 0;
+  if (options[FWPM_ENGINE_COLLECT_NET_EVENTS] == 0 || !isWanted) {
+    return ERROR_SUCCESS;
+  }
+  FILETIME& time = event.header.timeStamp;
+  if (time.dwLowDateTime == 0 && time.dwHighDateTime == 0) {
+    time = Now();
+  }
+  const auto raised = std::make_shared<const NetEvent>(event);
+  netEvents.Add(raised);
+  for (const auto& [handle, session] : sessions_) {
+    for (const auto& [eventsHandle, subscription] : session.netEventSubscriptions) {
+      if (!subscription.canTell(event.type) ||
+          !Selects(subscription.record.root->enumTemplate, true, raised->Record())) {
+        continue;
+      }
+      if (subscription.worker->CountWaiting() >= switches_.waitingEvents) {
+        ++missedEvents;
+        continue;
+      }
+      subscription.worker->Post([tell = subscription.tell, raised] { tell(*raised); });
+    }
+  }
+  return ERROR_SUCCESS;
 }
 
 template void Engine::Announce(Session&, FWPM_CHANGE_TYPE, const ObjectPtr<FWPM_PROVIDER0>&);

@@ -44,6 +44,13 @@ void ResetEngine() {
   shared.answered.notify_all();
 }
 
+void StopTheEngine() {
+  std::unordered_map<HANDLE, Session> ended;  // destroyed when callbacks that run can use the engine again
+  const LockedEngine locked = LockEngine();
+  ended = locked.engine.Stop();
+  locked.answered.notify_all();
+}
+
 void PutEngineAside() {
   SharedEngine& shared = Shared();
   const std::lock_guard lock(shared.mutex);
@@ -74,7 +81,7 @@ DWORD WaitForWriteLock(LockedEngine& locked, HANDLE engineHandle) {
   }
   Session* const session = engine.FindSession(engineHandle);
   if (session == nullptr) {
-    return engine.GetSwitches().invalidHandleCode;
+    return engine.InvalidHandleCode();
   }
   if (std::exchange(session->transactionExpired, false)) {
     return static_cast<DWORD>(FWP_E_TXN_ABORTED);

@@ -23,12 +23,14 @@ struct LockedEngine {
 };
 LockedEngine LockEngine();
 void ResetEngine();
+/// Ends all sessions of the engine in use.
+void StopTheEngine();
 /// Puts a fresh engine in the place of the one in use, and that one back.
 void PutEngineAside();
 void TakeEngineBack();
 
 /// Waits until the session may change something, at most as long as the session says. If there is no such
-/// session, or it ends meanwhile: ERROR_INVALID_HANDLE, or the code that Switches::invalidHandleCode says.
+/// session, or it ends meanwhile: Engine::InvalidHandleCode.
 DWORD WaitForWriteLock(LockedEngine& locked, HANDLE engineHandle);
 
 /// Answers a call: with the planned failure if there is one, else with what the body gives. Either way
@@ -63,7 +65,7 @@ DWORD AnswerSession(const char* function, HANDLE engineHandle, std::string argum
   return Answer(function, std::move(arguments), [&](Engine& engine) -> DWORD {
     Session* session = engine.FindSession(engineHandle);
     if (session == nullptr) {
-      return engine.GetSwitches().invalidHandleCode;
+      return engine.InvalidHandleCode();
     }
     if (std::exchange(session->transactionExpired, false)) {
       return static_cast<DWORD>(FWP_E_TXN_ABORTED);

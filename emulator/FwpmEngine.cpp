@@ -48,7 +48,7 @@ DWORD WINAPI FwpmEngineClose0(HANDLE engineHandle) {
   std::optional<Session> closed;
   return Answer("FwpmEngineClose0", "", [&](Engine& engine) -> DWORD {
     if (engine.FindSession(engineHandle) == nullptr) {
-      return engine.GetSwitches().invalidHandleCode;
+      return engine.InvalidHandleCode();
     }
     closed = engine.CloseSession(engineHandle);
     return ERROR_SUCCESS;
@@ -74,7 +74,11 @@ DWORD WINAPI FwpmEngineGetOption0(HANDLE engineHandle, FWPM_ENGINE_OPTION option
 
 DWORD WINAPI FwpmEngineSetOption0(HANDLE engineHandle, FWPM_ENGINE_OPTION option,
                                   const FWP_VALUE0* newValue) {
-  const auto set = [&](Engine& engine, Session&) -> DWORD {
+  const auto set = [&](Engine& engine, Session& session) -> DWORD {
+    if (session.IsDynamic()) {
+      engine.lastRefusal = "a dynamic session sets no options";
+      return static_cast<DWORD>(FWP_E_DYNAMIC_SESSION_IN_PROGRESS);
+    }
     UINT32* found = FindOption(engine, option);
     if (newValue == nullptr || found == nullptr) {
       return newValue == nullptr ? kNullPointer : static_cast<DWORD>(FWP_E_INVALID_ENUMERATOR);

@@ -1,5 +1,5 @@
-// The emulator has no traffic, so there are never any net events, and subscribers get none.
-#include "emulator/EntryPoint.h"
+// Net events, which clients of the control interface raise.
+#include "emulator/NetEventCalls.h"
 #include "emulator/SecurityCalls.h"
 
 using namespace EngineEmulator;
@@ -8,47 +8,58 @@ namespace {
 
 constexpr const char* kEventsSecurityName = "net events";
 
-template <class Event>
-DWORD AnswerNoEvents(const char* function, HANDLE engineHandle, HANDLE enumHandle, Event*** entries,
-                     UINT32* returned) {
-  return AnswerSession(function, engineHandle, "", [&](Engine&, Session& session) -> DWORD {
-    if (entries == nullptr || returned == nullptr) {
-      return kNullPointer;
-    }
-    if (!session.netEventEnumerations.contains(enumHandle)) {
-      return static_cast<DWORD>(FWP_E_NOT_FOUND);
-    }
-    *entries = nullptr;
-    *returned = 0;
-    return ERROR_SUCCESS;
-  });
+}  // namespace
+
+namespace EngineEmulator {
+
+HANDLE& SubscriptionOfThisThread() {
+  static thread_local HANDLE subscription = nullptr;
+  return subscription;
 }
 
-}  // namespace
+}  // namespace EngineEmulator
 
 extern "C" {
 
-DWORD WINAPI FwpmNetEventCreateEnumHandle0(HANDLE engineHandle, const FWPM_NET_EVENT_ENUM_TEMPLATE0*,
+DWORD WINAPI FwpmNetEventCreateEnumHandle0(HANDLE engineHandle, const FWPM_NET_EVENT_ENUM_TEMPLATE0* criteria,
                                            HANDLE* enumHandle) {
-  return AnswerSession("FwpmNetEventCreateEnumHandle0", engineHandle, "",
-                       [&](Engine& engine, Session& session) {
-                         if (enumHandle == nullptr) {
-                           return kNullPointer;
-                         }
-                         *enumHandle = engine.NewHandle();
-                         session.netEventEnumerations.insert(*enumHandle);
-                         return DWORD{ERROR_SUCCESS};
-                       });
+  const auto create = [&](Engine& engine, Session& session) -> DWORD {
+    if (enumHandle == nullptr) {
+      return kNullPointer;
+    }
+    if (const Refusal refusal = CheckTemplate(criteria, false, engine.GetSwitches())) {
+      engine.lastRefusal = refusal.Reason();
+      return refusal.Code();
+    }
+    *enumHandle = engine.NewHandle();
+    session.netEventEnumerations.emplace(*enumHandle, NetEventEnumeration{engine.netEvents.Select(criteria)});
+    return ERROR_SUCCESS;
+  };
+  return AnswerOutsideTransaction("FwpmNetEventCreateEnumHandle0", engineHandle, Describe(criteria), create);
 }
 
-DWORD WINAPI FwpmNetEventEnum0(HANDLE engineHandle, HANDLE enumHandle, UINT32, FWPM_NET_EVENT0*** entries,
-                               UINT32* numEntriesReturned) {
-  return AnswerNoEvents("FwpmNetEventEnum0", engineHandle, enumHandle, entries, numEntriesReturned);
+DWORD WINAPI FwpmNetEventEnum0(HANDLE engineHandle, HANDLE enumHandle, UINT32 numEntriesRequested,
+                               FWPM_NET_EVENT0*** entries, UINT32* numEntriesReturned) {
+  return AnswerEnumEvents("FwpmNetEventEnum0", engineHandle, enumHandle, numEntriesRequested, entries,
+                          numEntriesReturned);
 }
 
-DWORD WINAPI FwpmNetEventEnum1(HANDLE engineHandle, HANDLE enumHandle, UINT32, FWPM_NET_EVENT1*** entries,
-                               UINT32* numEntriesReturned) {
-  return AnswerNoEvents("FwpmNetEventEnum1", engineHandle, enumHandle, entries, numEntriesReturned);
+DWORD WINAPI FwpmNetEventEnum1(HANDLE engineHandle, HANDLE enumHandle, UINT32 numEntriesRequested,
+                               FWPM_NET_EVENT1*** entries, UINT32* numEntriesReturned) {
+  return AnswerEnumEvents("FwpmNetEventEnum1", engineHandle, enumHandle, numEntriesRequested, entries,
+                          numEntriesReturned);
+}
+
+DWORD WINAPI FwpmNetEventEnum2(HANDLE engineHandle, HANDLE enumHandle, UINT32 numEntriesRequested,
+                               FWPM_NET_EVENT2*** entries, UINT32* numEntriesReturned) {
+  return AnswerEnumEvents("FwpmNetEventEnum2", engineHandle, enumHandle, numEntriesRequested, entries,
+                          numEntriesReturned);
+}
+
+DWORD WINAPI FwpmNetEventEnum3(HANDLE engineHandle, HANDLE enumHandle, UINT32 numEntriesRequested,
+                               FWPM_NET_EVENT3*** entries, UINT32* numEntriesReturned) {
+  return AnswerEnumEvents("FwpmNetEventEnum3", engineHandle, enumHandle, numEntriesRequested, entries,
+                          numEntriesReturned);
 }
 
 DWORD WINAPI FwpmNetEventDestroyEnumHandle0(HANDLE engineHandle, HANDLE enumHandle) {
@@ -59,27 +70,34 @@ DWORD WINAPI FwpmNetEventDestroyEnumHandle0(HANDLE engineHandle, HANDLE enumHand
 }
 
 DWORD WINAPI FwpmNetEventSubscribe0(HANDLE engineHandle, const FWPM_NET_EVENT_SUBSCRIPTION0* subscription,
-                                    FWPM_NET_EVENT_CALLBACK0 callback, void*, HANDLE* eventsHandle) {
-  const auto subscribe = [&](Engine& engine, Session& session) -> DWORD {
-    if (subscription == nullptr || callback == nullptr || eventsHandle == nullptr) {
-      return kNullPointer;
-    }
-    FWPM_NET_EVENT_SUBSCRIPTION0 record = *subscription;
-    record.sessionKey = session.Key();
-    *eventsHandle = engine.NewHandle();
-    session.netEventSubscriptions.emplace(
-        *eventsHandle, MakeBlock([&](Packer& packer) { return PackRecord(packer, record); }));
-    return ERROR_SUCCESS;
-  };
-  return AnswerOutsideTransaction("FwpmNetEventSubscribe0", engineHandle, "", subscribe);
+                                    FWPM_NET_EVENT_CALLBACK0 callback, void* context, HANDLE* eventsHandle) {
+  return AnswerSubscribeEvents<FWPM_NET_EVENT1>("FwpmNetEventSubscribe0", engineHandle, subscription,
+                                                callback, context, eventsHandle);
+}
+
+DWORD WINAPI FwpmNetEventSubscribe1(HANDLE engineHandle, const FWPM_NET_EVENT_SUBSCRIPTION0* subscription,
+                                    FWPM_NET_EVENT_CALLBACK1 callback, void* context, HANDLE* eventsHandle) {
+  return AnswerSubscribeEvents<FWPM_NET_EVENT2>("FwpmNetEventSubscribe1", engineHandle, subscription,
+                                                callback, context, eventsHandle);
+}
+
+DWORD WINAPI FwpmNetEventSubscribe2(HANDLE engineHandle, const FWPM_NET_EVENT_SUBSCRIPTION0* subscription,
+                                    FWPM_NET_EVENT_CALLBACK2 callback, void* context, HANDLE* eventsHandle) {
+  return AnswerSubscribeEvents<FWPM_NET_EVENT3>("FwpmNetEventSubscribe2", engineHandle, subscription,
+                                                callback, context, eventsHandle);
 }
 
 DWORD WINAPI FwpmNetEventUnsubscribe0(HANDLE engineHandle, HANDLE eventsHandle) {
-  return AnswerOutsideTransaction(
-      "FwpmNetEventUnsubscribe0", engineHandle, "", [&](Engine&, Session& session) {
-        const bool existed = session.netEventSubscriptions.erase(eventsHandle) != 0;
-        return existed ? ERROR_SUCCESS : static_cast<DWORD>(FWP_E_NOT_FOUND);
-      });
+  // A client that does this on a live engine waits for itself for ever.
+  const bool isInCallback = eventsHandle != nullptr && eventsHandle == SubscriptionOfThisThread();
+  // Destroyed after the engine is unlocked, because a running callback may be waiting to use it.
+  std::map<HANDLE, NetEventSubscription>::node_type ended;
+  return AnswerOutsideTransaction("FwpmNetEventUnsubscribe0", engineHandle,
+                                  isInCallback ? "in its callback" : "", [&](Engine&, Session& session) {
+                                    ended = session.netEventSubscriptions.extract(eventsHandle);
+                                    return ended.empty() ? static_cast<DWORD>(FWP_E_NOT_FOUND)
+                                                         : ERROR_SUCCESS;
+                                  });
 }
 
 DWORD WINAPI FwpmNetEventSubscriptionsGet0(HANDLE engineHandle, FWPM_NET_EVENT_SUBSCRIPTION0*** entries,
@@ -91,8 +109,8 @@ DWORD WINAPI FwpmNetEventSubscriptionsGet0(HANDLE engineHandle, FWPM_NET_EVENT_S
     }
     std::vector<FWPM_NET_EVENT_SUBSCRIPTION0> records;
     for (const auto& [handle, session] : engine.Sessions()) {
-      for (const auto& [eventsHandle, record] : session.netEventSubscriptions) {
-        records.push_back(*record.root);
+      for (const auto& [eventsHandle, subscription] : session.netEventSubscriptions) {
+        records.push_back(*subscription.record.root);
       }
     }
     *numEntries = static_cast<UINT32>(records.size());

@@ -1,14 +1,7 @@
 #include "emulator/Records.h"
 
-#include <cwchar>
-
 namespace EngineEmulator {
 namespace {
-
-template <class Char>
-Char* PackString(Packer& packer, const Char* text) {
-  return text == nullptr ? nullptr : packer.Copy(text, std::wcslen(text) + 1);
-}
 
 FWPM_DISPLAY_DATA0 PackDisplayData(Packer& packer, FWPM_DISPLAY_DATA0 data) {
   return {PackString(packer, data.name), PackString(packer, data.description)};
@@ -16,16 +9,6 @@ FWPM_DISPLAY_DATA0 PackDisplayData(Packer& packer, FWPM_DISPLAY_DATA0 data) {
 
 FWP_BYTE_BLOB* PackBlob(Packer& packer, const FWP_BYTE_BLOB* blob) {
   return blob == nullptr ? nullptr : PackRecord(packer, *blob);
-}
-
-/// A SID is longer than its declaration: the sub-authorities follow each other.
-SID* PackSid(Packer& packer, const void* sid) {
-  if (sid == nullptr) {
-    return nullptr;
-  }
-  const auto* bytes = static_cast<const UINT8*>(sid);
-  const std::size_t count = static_cast<const SID*>(sid)->SubAuthorityCount;
-  return reinterpret_cast<SID*>(packer.Copy(bytes, offsetof(SID, SubAuthority) + count * sizeof(DWORD)));
 }
 
 SID_AND_ATTRIBUTES* PackSids(Packer& packer, const SID_AND_ATTRIBUTES* sids, ULONG count) {
@@ -173,6 +156,16 @@ void* Packer::CopyBytes(const void* source, std::size_t size) {
   std::byte* const target = block_ == nullptr ? nullptr : block_ + size_;
   size_ += size;
   return target == nullptr ? nullptr : std::memcpy(target, source, size);
+}
+
+/// A SID is longer than its declaration: the sub-authorities follow each other.
+SID* PackSid(Packer& packer, const void* sid) {
+  if (sid == nullptr) {
+    return nullptr;
+  }
+  const auto* bytes = static_cast<const UINT8*>(sid);
+  const std::size_t count = static_cast<const SID*>(sid)->SubAuthorityCount;
+  return reinterpret_cast<SID*>(packer.Copy(bytes, offsetof(SID, SubAuthority) + count * sizeof(DWORD)));
 }
 
 FWP_BYTE_BLOB Pack(Packer& packer, FWP_BYTE_BLOB blob) {

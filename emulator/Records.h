@@ -8,6 +8,7 @@
 
 #include <cstddef>
 #include <cstring>
+#include <cwchar>
 #include <memory>
 #include <type_traits>
 #include <vector>
@@ -39,6 +40,15 @@ class Packer {
   std::byte* block_;
   std::size_t size_ = 0;
 };
+
+/// Null for null.
+SID* PackSid(Packer& packer, const void* sid);
+
+/// Null for null.
+template <class Char>
+Char* PackString(Packer& packer, const Char* text) {
+  return text == nullptr ? nullptr : packer.Copy(text, std::wcslen(text) + 1);
+}
 
 // Each copies what hangs off a record and gives the record with its pointers set to the copies.
 FWP_BYTE_BLOB Pack(Packer& packer, FWP_BYTE_BLOB blob);

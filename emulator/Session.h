@@ -7,8 +7,8 @@
 #include <algorithm>
 #include <functional>
 #include <optional>
-#include <set>
 
+#include "emulator/NetEventLog.h"
 #include "emulator/ObjectStore.h"
 #include "emulator/Worker.h"
 
@@ -44,6 +44,14 @@ struct Subscription {
 template <class Native>
 using Subscriptions = std::map<HANDLE, Subscription<Native>>;
 
+/// A client's callback for net events; the worker's thread calls it.
+struct NetEventSubscription {
+  Block<FWPM_NET_EVENT_SUBSCRIPTION0> record;
+  bool (*canTell)(UINT32 type);  ///< whether the version of the client's records knows events of a type
+  std::function<void(const NetEvent&)> tell;
+  std::unique_ptr<Worker> worker = std::make_unique<Worker>();
+};
+
 /// The changes since it began. Only its own session sees them before the commit.
 struct Transaction {
   bool readOnly;
@@ -60,11 +68,11 @@ struct Session {
              Enumerations<FWPM_PROVIDER_CONTEXT0>, Enumerations<FWPM_FILTER0>, Enumerations<FWPM_LAYER0>,
              Enumerations<FWPM_SESSION0>>
       enumerations;
-  std::set<HANDLE> netEventEnumerations;
+  std::unordered_map<HANDLE, NetEventEnumeration> netEventEnumerations;
   std::tuple<Subscriptions<FWPM_PROVIDER0>, Subscriptions<FWPM_SUBLAYER0>, Subscriptions<FWPM_CALLOUT0>,
              Subscriptions<FWPM_PROVIDER_CONTEXT0>, Subscriptions<FWPM_FILTER0>>
       subscriptions;
-  std::map<HANDLE, Block<FWPM_NET_EVENT_SUBSCRIPTION0>> netEventSubscriptions;
+  std::map<HANDLE, NetEventSubscription> netEventSubscriptions;
 
   [[nodiscard]] const GUID& Key() const { return record.root->sessionKey; }
   [[nodiscard]] bool IsDynamic() const { return (record.root->flags & FWPM_SESSION_FLAG_DYNAMIC) != 0; }

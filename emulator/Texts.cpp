@@ -82,6 +82,10 @@ std::string Describe(const FWPM_PROVIDER_CONTEXT_ENUM_TEMPLATE0* criteria) {
 
 std::string Describe(const FWPM_LAYER_ENUM_TEMPLATE0*) { return "all"; }
 
+std::string Describe(const FWPM_NET_EVENT_ENUM_TEMPLATE0* criteria) {
+  return criteria == nullptr ? "all" : "conditions " + std::to_string(criteria->numFilterConditions);
+}
+
 std::string Describe(const FWPM_FILTER_ENUM_TEMPLATE0* criteria) {
   if (criteria == nullptr) {
     return "all";

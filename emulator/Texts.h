@@ -30,5 +30,6 @@ std::string Describe(const FWPM_CALLOUT_ENUM_TEMPLATE0* criteria);
 std::string Describe(const FWPM_PROVIDER_CONTEXT_ENUM_TEMPLATE0* criteria);
 std::string Describe(const FWPM_FILTER_ENUM_TEMPLATE0* criteria);
 std::string Describe(const FWPM_LAYER_ENUM_TEMPLATE0* criteria);
+std::string Describe(const FWPM_NET_EVENT_ENUM_TEMPLATE0* criteria);
 
 }  // namespace EngineEmulator

@@ -56,4 +56,9 @@ void Worker::Post(std::function<void()> work) {
   queue_->changed.notify_all();
 }
 
+std::size_t Worker::CountWaiting() const {
+  const std::lock_guard lock(queue_->mutex);
+  return queue_->works.size();
+}
+
 }  // namespace EngineEmulator

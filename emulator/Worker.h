@@ -19,6 +19,8 @@ class Worker {
   Worker& operator=(const Worker&) = delete;
 
   void Post(std::function<void()> work);
+  /// What has been posted and does not run yet.
+  [[nodiscard]] std::size_t CountWaiting() const;
 
  private:
   struct Queue;

@@ -158,19 +158,38 @@ TEST_F(SessionList, HoldsEveryOpenSession) {
   EXPECT_EQ(FwpmSessionDestroyEnumHandle0(session, enumHandle), kSuccess);
 }
 
-TEST_F(Options, AreKept) {
-  const TestSession session;
-  FWP_VALUE0 on{};
-  on.type = FWP_UINT32;
-  on.uint32 = 1;
+UINT32 ReadOption(HANDLE session, FWPM_ENGINE_OPTION option) {
   FWP_VALUE0* value = nullptr;
-  ASSERT_EQ(FwpmEngineSetOption0(session, FWPM_ENGINE_COLLECT_NET_EVENTS, &on), kSuccess);
-  ASSERT_EQ(FwpmEngineGetOption0(session, FWPM_ENGINE_COLLECT_NET_EVENTS, &value), kSuccess);
-  EXPECT_EQ(value->uint32, 1U);
+  EXPECT_EQ(FwpmEngineGetOption0(session, option, &value), kSuccess);
+  EXPECT_EQ(value->type, FWP_UINT32);
+  const UINT32 number = value->uint32;
   Free(value);
-  ASSERT_EQ(FwpmEngineGetOption0(session, FWPM_ENGINE_NAME_CACHE, &value), kSuccess);
-  EXPECT_EQ(value->uint32, 0U);
-  Free(value);
+  return number;
+}
+
+TEST_F(Options, AreKeptForEverybody) {
+  const TestSession session;
+  FWP_VALUE0 number{};
+  number.type = FWP_UINT32;
+  number.uint32 = 19;
+  ASSERT_EQ(FwpmEngineSetOption0(session, FWPM_ENGINE_NET_EVENT_MATCH_ANY_KEYWORDS, &number), kSuccess);
+  EXPECT_EQ(ReadOption(TestSession(kDynamic), FWPM_ENGINE_NET_EVENT_MATCH_ANY_KEYWORDS), 19U);
+}
+
+TEST_F(Options, LetTheEngineCollectDropsAtFirst) {
+  const TestSession session;
+  EXPECT_EQ(ReadOption(session, FWPM_ENGINE_COLLECT_NET_EVENTS), 1U);
+  EXPECT_EQ(ReadOption(session, FWPM_ENGINE_NET_EVENT_MATCH_ANY_KEYWORDS), 0U);
+  EXPECT_EQ(ReadOption(session, FWPM_ENGINE_NAME_CACHE), 0U);
+}
+
+TEST_F(Options, AreNotSetInADynamicSession) {
+  const TestSession session(kDynamic);
+  FWP_VALUE0 off{};
+  off.type = FWP_UINT32;
+  EXPECT_EQ(FwpmEngineSetOption0(session, FWPM_ENGINE_COLLECT_NET_EVENTS, &off), kDynamicSessionInProgress);
+  EXPECT_EQ(EngineEmulator::LastRefusal(), "a dynamic session sets no options");
+  EXPECT_EQ(ReadOption(session, FWPM_ENGINE_COLLECT_NET_EVENTS), 1U);
 }
 
 TEST_F(Options, AreNumbersOfKnownNames) {
@@ -183,21 +202,6 @@ TEST_F(Options, AreNumbersOfKnownNames) {
   int unknown = 6;
   EXPECT_EQ(FwpmEngineGetOption0(session, static_cast<FWPM_ENGINE_OPTION>(unknown), &value),
             kInvalidEnumerator);
-}
-
-TEST_F(NetEvents, NeverHappen) {
-  const TestSession session;
-  HANDLE enumHandle = nullptr;
-  ASSERT_EQ(FwpmNetEventCreateEnumHandle0(session, nullptr, &enumHandle), kSuccess);
-  FWPM_NET_EVENT0** events = nullptr;
-  FWPM_NET_EVENT1** newerEvents = nullptr;
-  UINT32 count = 9;
-  EXPECT_EQ(FwpmNetEventEnum0(session, enumHandle, 10, &events, &count), kSuccess);
-  EXPECT_EQ(count, 0U);
-  EXPECT_EQ(FwpmNetEventEnum1(session, enumHandle, 10, &newerEvents, &count), kSuccess);
-  EXPECT_EQ(newerEvents, nullptr);
-  EXPECT_EQ(FwpmNetEventDestroyEnumHandle0(session, enumHandle), kSuccess);
-  EXPECT_EQ(FwpmNetEventEnum0(session, enumHandle, 10, &events, &count), kNotFound);
 }
 
 TEST_F(NetEvents, CanBeSubscribedTo) {

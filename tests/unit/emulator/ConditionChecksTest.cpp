@@ -4,12 +4,9 @@
 
 namespace {
 
-constexpr DWORD kConditionNotFound = 0x80320002;
 constexpr DWORD kInvalidNetMask = 0x8032001F;
 constexpr DWORD kZeroLengthArray = 0x80320022;
-constexpr DWORD kMatchTypeMismatch = 0x80320026;
 constexpr DWORD kOutOfBounds = 0x80320028;
-constexpr DWORD kDuplicateCondition = 0x8032002A;
 
 constexpr auto kPrefix = static_cast<FWP_MATCH_TYPE>(11);
 constexpr auto kNotPrefix = static_cast<FWP_MATCH_TYPE>(12);

@@ -13,6 +13,7 @@
 
 inline constexpr DWORD kSuccess = 0;
 inline constexpr DWORD kInvalidHandle = 6;
+inline constexpr DWORD kConditionNotFound = 0x80320002;
 inline constexpr DWORD kProviderNotFound = 0x80320005;
 inline constexpr DWORD kSublayerNotFound = 0x80320007;
 inline constexpr DWORD kFilterNotFound = 0x80320003;
@@ -27,6 +28,7 @@ inline constexpr DWORD kTransactionInProgress = 0x8032000E;
 inline constexpr DWORD kTransactionAborted = 0x8032000F;
 inline constexpr DWORD kIncompatibleTransaction = 0x80320011;
 inline constexpr DWORD kTimeout = 0x80320012;
+inline constexpr DWORD kNetEventsDisabled = 0x80320013;
 inline constexpr DWORD kLifetimeMismatch = 0x80320016;
 inline constexpr DWORD kBuiltInObject = 0x80320017;
 inline constexpr DWORD kNullPointer = 0x8032001C;
@@ -34,7 +36,10 @@ inline constexpr DWORD kInvalidEnumerator = 0x8032001D;
 inline constexpr DWORD kInvalidFlags = 0x8032001E;
 inline constexpr DWORD kNullDisplayName = 0x80320023;
 inline constexpr DWORD kInvalidRange = 0x80320020;
+inline constexpr DWORD kInvalidInterval = 0x80320021;
+inline constexpr DWORD kMatchTypeMismatch = 0x80320026;
 inline constexpr DWORD kTypeMismatch = 0x80320027;
+inline constexpr DWORD kDuplicateCondition = 0x8032002A;
 inline constexpr DWORD kInvalidParameter = 0x80320035;
 inline constexpr DWORD kInvalidSecurityDescriptor = 1338;
 

@@ -1,4 +1,5 @@
 // Every function of the engine's interface is in the journal under its own name.
+#include <NetEvents.h>
 #include <gmock/gmock.h>
 
 #include <cwchar>
@@ -75,7 +76,11 @@ constexpr Function kFunctions[]{
     {"FwpmNetEventDestroyEnumHandle0", [] { CallWithZeros(FwpmNetEventDestroyEnumHandle0); }},
     {"FwpmNetEventEnum0", [] { CallWithZeros(FwpmNetEventEnum0); }},
     {"FwpmNetEventEnum1", [] { CallWithZeros(FwpmNetEventEnum1); }},
+    {"FwpmNetEventEnum2", [] { CallWithZeros(FwpmNetEventEnum2); }},
+    {"FwpmNetEventEnum3", [] { CallWithZeros(FwpmNetEventEnum3); }},
     {"FwpmNetEventSubscribe0", [] { CallWithZeros(FwpmNetEventSubscribe0); }},
+    {"FwpmNetEventSubscribe1", [] { CallWithZeros(FwpmNetEventSubscribe1); }},
+    {"FwpmNetEventSubscribe2", [] { CallWithZeros(FwpmNetEventSubscribe2); }},
     {"FwpmNetEventSubscriptionsGet0", [] { CallWithZeros(FwpmNetEventSubscriptionsGet0); }},
     {"FwpmNetEventUnsubscribe0", [] { CallWithZeros(FwpmNetEventUnsubscribe0); }},
     {"FwpmNetEventsGetSecurityInfo0", [] { CallWithZeros(FwpmNetEventsGetSecurityInfo0); }},
