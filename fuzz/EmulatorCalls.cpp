@@ -24,6 +24,14 @@ void CALLBACK IgnoreChange(void*, const Change*) {}
 /// Reads everything that a record of the engine points at.
 void ReadRecord(const FWPM_FILTER0& filter) { Catalog::DescribeFilter(filter); }
 
+template <class Event>
+void ReadEvent(const Event& event) {
+  const FWP_BYTE_BLOB& app = event.header.appId;
+  const std::vector<UINT8> copy(app.data, app.data + app.size);
+}
+void ReadRecord(const FWPM_NET_EVENT0& event) { ReadEvent(event); }
+void ReadRecord(const FWPM_NET_EVENT3& event) { ReadEvent(event); }
+
 template <class Record>
 void ReadRecord(const Record& record) {
   for (const wchar_t* text : {record.displayData.name, record.displayData.description}) {
@@ -53,7 +61,7 @@ class Clients {
         &Clients::CallFilters,   &Clients::CallLayers,    &Clients::EnumerateSessions,
         &Clients::GetById,       &Clients::DeleteById,    &Clients::GetOption,
         &Clients::SetOption,     &Clients::GetAppId,      &Clients::Free,
-        &Clients::AddContext,    &Clients::CallContexts};
+        &Clients::AddContext,    &Clients::CallContexts,  &Clients::CallEvents};
     for (int i = 0; i < kMostCalls && !input_.IsEmpty(); ++i) {
       (this->*input_.TakeOneOf(kCalls))();
     }
@@ -203,6 +211,21 @@ class Clients {
   void CallFilters() { CallObject(Fuzz::kFilters); }
   void CallLayers() { input_.TakeFlag() ? CallEnum(Fuzz::kLayerEnums) : CallByKey(Fuzz::kLayerKeys); }
   void EnumerateSessions() { CallEnum(Fuzz::kSessionEnums); }
+
+  void CallEvents() {
+    switch (input_.TakeIndex(4)) {
+      case 0:
+        return CallEnum(Fuzz::kOldEventEnums);
+      case 1:
+        return CallEnum(Fuzz::kEventEnums);
+      case 2:
+        return CallChanges(Fuzz::kEvents);
+      default:
+        if (const auto* event = records_.Pointer<FWPM_NET_EVENT3>()) {
+          EngineEmulator::RaiseEvent(*event);
+        }
+    }
+  }
 
   template <class Record>
   void CallByKey(const Fuzz::KeyCalls<Record>& calls) {

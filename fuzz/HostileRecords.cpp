@@ -304,6 +304,36 @@ void HostileRecords::Fill(FWPM_SESSION_ENUM_TEMPLATE0& criteria) {
 
 void HostileRecords::Fill(FWPM_LAYER_ENUM_TEMPLATE0& criteria) { criteria.reserved = input_.Take<UINT64>(); }
 
+void HostileRecords::Fill(FWPM_NET_EVENT_ENUM_TEMPLATE0& criteria) {
+  auto& conditions = Conditions();
+  criteria.startTime.dwLowDateTime = input_.Take<UINT8>();
+  criteria.endTime.dwLowDateTime = input_.Take<UINT8>();
+  criteria.numFilterConditions = Count(conditions.size());
+  criteria.filterCondition = input_.TakeFlag() ? conditions.data() : nullptr;
+}
+
+void HostileRecords::Fill(FWPM_NET_EVENT3& event) {
+  FWPM_NET_EVENT_HEADER3& header = event.header;
+  header.timeStamp.dwLowDateTime = input_.Take<UINT8>();
+  header.flags = input_.Take<UINT16>();
+  header.ipVersion = static_cast<FWP_IP_VERSION>(input_.TakeIndex(4));
+  header.ipProtocol = input_.Take<UINT8>();
+  header.localAddrV6 = input_.Take<FWP_BYTE_ARRAY16>();
+  header.remotePort = input_.Take<UINT16>();
+  header.appId = Blob();
+  header.userId = Sid();
+  header.packageSid = Sid();
+  header.enterpriseId = Text();
+  header.effectiveName = Blob();
+  // Smaller data of other types are read from the same memory.
+  FWPM_NET_EVENT_CLASSIFY_DROP2 drop{};
+  drop.filterId = input_.Take<UINT8>();
+  drop.vSwitchId = Blob();
+  event.type = static_cast<decltype(event.type)>(input_.TakeIndex(10));
+  event.classifyDrop = input_.TakeFlag() ? Keep(drop) : nullptr;
+}
+
+void HostileRecords::Fill(FWPM_NET_EVENT_SUBSCRIPTION0& subscription) { FillSubscription(subscription); }
 void HostileRecords::Fill(FWPM_PROVIDER_SUBSCRIPTION0& subscription) { FillSubscription(subscription); }
 void HostileRecords::Fill(FWPM_SUBLAYER_SUBSCRIPTION0& subscription) { FillSubscription(subscription); }
 void HostileRecords::Fill(FWPM_CALLOUT_SUBSCRIPTION0& subscription) { FillSubscription(subscription); }

@@ -4,7 +4,7 @@
  */
 #pragma once
 
-#include <WfpPlatform.h>
+#include <NetEvents.h>
 
 #include <memory>
 #include <type_traits>
@@ -87,6 +87,9 @@ class HostileRecords {
   void Fill(FWPM_CALLOUT_ENUM_TEMPLATE0& criteria);
   void Fill(FWPM_PROVIDER_CONTEXT_ENUM_TEMPLATE0& criteria);
   void Fill(FWPM_FILTER_ENUM_TEMPLATE0& criteria);
+  void Fill(FWPM_NET_EVENT_ENUM_TEMPLATE0& criteria);
+  void Fill(FWPM_NET_EVENT3& event);
+  void Fill(FWPM_NET_EVENT_SUBSCRIPTION0& subscription);
   void Fill(FWPM_PROVIDER_SUBSCRIPTION0& subscription);
   void Fill(FWPM_SUBLAYER_SUBSCRIPTION0& subscription);
   void Fill(FWPM_CALLOUT_SUBSCRIPTION0& subscription);

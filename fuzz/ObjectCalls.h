@@ -4,7 +4,7 @@
  */
 #pragma once
 
-#include <WfpPlatform.h>
+#include <NetEvents.h>
 
 namespace Fuzz {
 
@@ -43,6 +43,14 @@ struct ObjectCalls {
 
 inline constexpr EnumCalls<FWPM_SESSION0, FWPM_SESSION_ENUM_TEMPLATE0> kSessionEnums{
     FwpmSessionCreateEnumHandle0, FwpmSessionEnum0, FwpmSessionDestroyEnumHandle0};
+
+/// The oldest version and the newest one.
+inline constexpr EnumCalls<FWPM_NET_EVENT0, FWPM_NET_EVENT_ENUM_TEMPLATE0> kOldEventEnums{
+    FwpmNetEventCreateEnumHandle0, FwpmNetEventEnum0, FwpmNetEventDestroyEnumHandle0};
+inline constexpr EnumCalls<FWPM_NET_EVENT3, FWPM_NET_EVENT_ENUM_TEMPLATE0> kEventEnums{
+    FwpmNetEventCreateEnumHandle0, FwpmNetEventEnum3, FwpmNetEventDestroyEnumHandle0};
+inline constexpr ChangeCalls<FWPM_NET_EVENT_SUBSCRIPTION0, FWPM_NET_EVENT3> kEvents{
+    FwpmNetEventSubscribe2, FwpmNetEventUnsubscribe0, FwpmNetEventSubscriptionsGet0};
 
 inline constexpr EnumCalls<FWPM_LAYER0, FWPM_LAYER_ENUM_TEMPLATE0> kLayerEnums{
     FwpmLayerCreateEnumHandle0, FwpmLayerEnum0, FwpmLayerDestroyEnumHandle0};

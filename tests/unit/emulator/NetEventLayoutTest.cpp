@@ -33,6 +33,25 @@ NetEventRecord FullDrop() {
   return record;
 }
 
+/// Raises FullDrop with what only the newest version has.
+void RaiseFullDrop() {
+  wchar_t enterprise[] = L"e";
+  UINT8 name[]{'n', 0, 0, 0};
+  UINT8 vSwitch[]{5};
+  NetEventRecord drop = FullDrop();
+  FWPM_NET_EVENT3 raised = drop.Native();
+  raised.header.flags |= 0x3800;
+  raised.header.enterpriseId = enterprise;
+  raised.header.policyFlags = 0x4142434445464748;
+  raised.header.effectiveName = {4, name};
+  raised.classifyDrop->originalProfile = 1;
+  raised.classifyDrop->currentProfile = 2;
+  raised.classifyDrop->vSwitchId = {1, vSwitch};
+  raised.classifyDrop->vSwitchSourcePort = 3;
+  raised.classifyDrop->vSwitchDestinationPort = 4;
+  EXPECT_EQ(EngineEmulator::RaiseEvent(raised), kSuccess);
+}
+
 /// What headers of all versions begin with, for FullDrop.
 void ExpectCommonBytes(const void* event) {
   EXPECT_THAT(Bytes(event, 0, 8), ElementsAre(0x18, 0x17, 0x16, 0x15, 0x14, 0x13, 0x12, 0x11));
@@ -56,16 +75,18 @@ void ExpectFilterAndLayer(const void* data) {
   EXPECT_THAT(Bytes(data, 0, 10), ElementsAre(8, 7, 6, 5, 4, 3, 2, 1, 0x30, 0x09));
 }
 
-void ExpectDrop1(const void* data) {
+void ExpectDrop1(const void* data, int originalProfile, int currentProfile) {
   ExpectFilterAndLayer(data);
-  EXPECT_THAT(Bytes(data, 12, 20),
-              ElementsAre(0x31, 0, 0, 0, 0, 0, 0, 0, 0, 0, 0, 0, 0x01, 0x39, 0, 0, 1, 0, 0, 0));
+  EXPECT_THAT(Bytes(data, 12, 4), ElementsAre(0x31, 0, 0, 0));
+  EXPECT_THAT(Bytes(data, 16, 8), ElementsAre(originalProfile, 0, 0, 0, currentProfile, 0, 0, 0));
+  EXPECT_THAT(Bytes(data, 24, 8), ElementsAre(0x01, 0x39, 0, 0, 1, 0, 0, 0));
 }
 
 void ExpectDrop2(const void* data) {
-  ExpectDrop1(data);
-  EXPECT_THAT(Bytes(data, 32, 4), Each(0));
-  EXPECT_THAT(Bytes(data, 40, 16), Each(0));
+  ExpectDrop1(data, 1, 2);
+  EXPECT_THAT(Bytes(data, 32, 4), ElementsAre(1, 0, 0, 0));
+  EXPECT_THAT(Bytes(PointerAt(data, 40), 0, 1), ElementsAre(5));
+  EXPECT_THAT(Bytes(data, 48, 8), ElementsAre(3, 0, 0, 0, 4, 0, 0, 0));
 }
 
 template <class Native>
@@ -86,7 +107,7 @@ void CheckFirst(Enum<Native> enumerate, Check check) {
 }
 
 TEST_F(NetEventBytes, OfVersion0) {
-  EngineEmulator::RaiseEvent(FullDrop().Native());
+  RaiseFullDrop();
   CheckFirst<FWPM_NET_EVENT0>(FwpmNetEventEnum0, [](const void* event) {
     ExpectCommonBytes(event);
     EXPECT_THAT(Bytes(event, 8, 4), ElementsAre(0xFF, 0x01, 0, 0));
@@ -96,18 +117,18 @@ TEST_F(NetEventBytes, OfVersion0) {
 }
 
 TEST_F(NetEventBytes, OfVersion1) {
-  EngineEmulator::RaiseEvent(FullDrop().Native());
+  RaiseFullDrop();
   CheckFirst<FWPM_NET_EVENT1>(FwpmNetEventEnum1, [](const void* event) {
     ExpectCommonBytes(event);
     EXPECT_THAT(Bytes(event, 8, 4), ElementsAre(0xFF, 0x03, 0, 0));
     EXPECT_THAT(Bytes(event, 88, 56), Each(0));
     EXPECT_THAT(Bytes(event, 144, 4), ElementsAre(3, 0, 0, 0));
-    ExpectDrop1(PointerAt(event, 152));
+    ExpectDrop1(PointerAt(event, 152), 1, 2);
   });
 }
 
 TEST_F(NetEventBytes, OfVersion2) {
-  EngineEmulator::RaiseEvent(FullDrop().Native());
+  RaiseFullDrop();
   CheckFirst<FWPM_NET_EVENT2>(FwpmNetEventEnum2, [](const void* event) {
     ExpectCommonBytes(event);
     EXPECT_THAT(Bytes(event, 8, 4), ElementsAre(0xFF, 0x07, 0, 0));
@@ -118,21 +139,7 @@ TEST_F(NetEventBytes, OfVersion2) {
 }
 
 TEST_F(NetEventBytes, OfVersion3) {
-  wchar_t enterprise[] = L"e";
-  UINT8 name[]{'n', 0, 0, 0};
-  UINT8 vSwitch[]{5};
-  NetEventRecord drop = FullDrop();
-  FWPM_NET_EVENT3 raised = drop.Native();
-  raised.header.flags |= 0x3800;
-  raised.header.enterpriseId = enterprise;
-  raised.header.policyFlags = 0x4142434445464748;
-  raised.header.effectiveName = {4, name};
-  raised.classifyDrop->originalProfile = 1;
-  raised.classifyDrop->currentProfile = 2;
-  raised.classifyDrop->vSwitchId = {1, vSwitch};
-  raised.classifyDrop->vSwitchSourcePort = 3;
-  raised.classifyDrop->vSwitchDestinationPort = 4;
-  EngineEmulator::RaiseEvent(raised);
+  RaiseFullDrop();
   CheckFirst<FWPM_NET_EVENT3>(FwpmNetEventEnum3, [](const void* event) {
     ExpectCommonBytes(event);
     EXPECT_THAT(Bytes(event, 8, 4), ElementsAre(0xFF, 0x3F, 0, 0));
@@ -142,12 +149,7 @@ TEST_F(NetEventBytes, OfVersion3) {
     EXPECT_THAT(Bytes(event, 120, 4), ElementsAre(4, 0, 0, 0));
     EXPECT_THAT(Bytes(PointerAt(event, 128), 0, 4), ElementsAre('n', 0, 0, 0));
     EXPECT_THAT(Bytes(event, 136, 4), ElementsAre(3, 0, 0, 0));
-    const void* data = PointerAt(event, 144);
-    ExpectFilterAndLayer(data);
-    EXPECT_THAT(Bytes(data, 16, 8), ElementsAre(1, 0, 0, 0, 2, 0, 0, 0));
-    EXPECT_THAT(Bytes(data, 32, 4), ElementsAre(1, 0, 0, 0));
-    EXPECT_THAT(Bytes(PointerAt(data, 40), 0, 1), ElementsAre(5));
-    EXPECT_THAT(Bytes(data, 48, 8), ElementsAre(3, 0, 0, 0, 4, 0, 0, 0));
+    ExpectDrop2(PointerAt(event, 144));
   });
 }
 
@@ -157,7 +159,7 @@ TEST_F(NetEventBytes, OfWhatIsLetThrough) {
       NetEventRecord::Allow(0x0102030405060708, 0x0930).Loopback().ReauthorizedFor(0x31).Native());
   CheckFirst<FWPM_NET_EVENT2>(FwpmNetEventEnum2, [](const void* event) {
     EXPECT_THAT(Bytes(event, 104, 4), ElementsAre(6, 0, 0, 0));
-    ExpectDrop1(PointerAt(event, 112));
+    ExpectDrop1(PointerAt(event, 112), 0, 0);
   });
 }
 
