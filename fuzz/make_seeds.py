@@ -212,6 +212,12 @@ def every_filter(session=0):
     return create + read + read + destroy
 
 
+SUBSCRIBE_EVENTS = bytes([23, 2, 0, 0, 1]) + NULL + bytes([0, 0, 0, 0])
+# At 5, with protocol, addresses, ports and application: a drop by filter 7.
+RAISE_DROP = (bytes([23, 3, 1, 5]) + number(0x13F, 2) + b"\0\x06" + bytes(16) + number(443, 2) + b"\x04a\0\0\0\0\x01" +
+              NULL + NULL + NULL + NO_BLOB + b"\x07" + NO_BLOB + b"\x03\x01")
+READ_EVENTS = bytes([23, 1, 0, 0]) + NULL + b"\0" + bytes([23, 1, 0, 1, 1, 1, 0, 0])
+
 CALLS = {
     "objects": [OPEN_STATIC, add_provider(1), add_sublayer(2), add_filter("ALE_AUTH_CONNECT_V4", sublayer=2),
                 every_filter()],
@@ -223,6 +229,7 @@ CALLS = {
     "transactions": [OPEN_DYNAMIC, OPEN_STATIC, begin(), add_sublayer(3), begin(session=1), bytes([3, 0]),
                      begin(), add_filter("IPFORWARD_V4", sublayer=3), bytes([4, 0]), bytes([1, 0]), every_filter()],
     "contexts": [OPEN_STATIC, add_provider(1), add_context(2), bytes([22, 0, 0, 0, 1, 2])],
+    "events": [OPEN_STATIC, SUBSCRIBE_EVENTS, RAISE_DROP, READ_EVENTS],
     "wrong_types": [OPEN_STATIC, add_filter("ALE_AUTH_CONNECT_V6", test("IP_PROTOCOL", 2, number(17, 4)),
                                             test("IP_REMOTE_ADDRESS", 18, b"\x01\x01\x01\x02\x01\x02"))],
 }
