@@ -73,6 +73,7 @@ DWORD AnswerEnumEvents(const char* function, HANDLE engineHandle, HANDLE enumHan
     const std::vector<NetEventPtr> page = found->second.Take<Native>(requested);
     const auto pack = [&](Packer& packer) {
       std::vector<Native*> records;
+      records.reserve(page.size());
       for (const NetEventPtr& event : page) {
         records.push_back(PackVersion<Native>(packer, event->Record()));
       }

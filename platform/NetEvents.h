@@ -58,6 +58,8 @@
 #define FWPM_NET_EVENT_TYPE_CAPABILITY_DROP (7)
 #define FWPM_NET_EVENT_TYPE_CAPABILITY_ALLOW (8)
 
+// NOLINTBEGIN(modernize-use-using, readability-identifier-naming): declared as the Windows SDK does.
+
 /// The capability that the program has or lacks.
 typedef enum FWPM_APPC_NETWORK_CAPABILITY_TYPE_ : int {
   FWPM_APPC_NETWORK_CAPABILITY_INTERNET_CLIENT = 0,
@@ -175,6 +177,8 @@ typedef struct FWPM_NET_EVENT3_ {
 
 typedef void(CALLBACK* FWPM_NET_EVENT_CALLBACK1)(void* context, const FWPM_NET_EVENT2* event);
 typedef void(CALLBACK* FWPM_NET_EVENT_CALLBACK2)(void* context, const FWPM_NET_EVENT3* event);
+
+// NOLINTEND(modernize-use-using, readability-identifier-naming)
 
 extern "C" {
 

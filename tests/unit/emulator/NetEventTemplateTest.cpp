@@ -30,12 +30,12 @@ class Criteria {
   }
 
   FWPM_NET_EVENT_ENUM_TEMPLATE0* Native() {
-    native_.filterCondition = conditions_.data();
-    native_.numFilterConditions = static_cast<UINT32>(conditions_.size());
-    return &native_;
+    native.filterCondition = conditions_.data();
+    native.numFilterConditions = static_cast<UINT32>(conditions_.size());
+    return &native;
   }
 
-  FWPM_NET_EVENT_ENUM_TEMPLATE0 native_{{}, TimeOf(kNever), 0, nullptr};
+  FWPM_NET_EVENT_ENUM_TEMPLATE0 native{{}, TimeOf(kNever), 0, nullptr};
 
  private:
   std::vector<FWPM_FILTER_CONDITION0> conditions_;
@@ -189,19 +189,19 @@ TEST_F(NetEventTemplate, SelectsByType) {
 }
 
 TEST_F(NetEventTemplate, SelectsByTimeWithBothEnds) {
-  for (const UINT64 time : {99, 100, 200, 201}) {
+  for (const UINT64 time : {UINT64{99}, UINT64{100}, UINT64{200}, UINT64{201}}) {
     Raise(NetEventRecord::Drop(time, 48).At(time));
   }
   Criteria criteria;
-  criteria.native_.startTime = TimeOf(100);
-  criteria.native_.endTime = TimeOf(200);
+  criteria.native.startTime = TimeOf(100);
+  criteria.native.endTime = TimeOf(200);
   EXPECT_THAT(Selected(criteria), ElementsAre(100, 200));
 }
 
 TEST_F(NetEventTemplate, OfAnEnumerationSelectsNothingIfItEndsAtZero) {
   Raise(NetEventRecord::Drop(1, 48));
   Criteria criteria;
-  criteria.native_.endTime = {};
+  criteria.native.endTime = {};
   EXPECT_THAT(Selected(criteria), ElementsAre());
 }
 
@@ -212,10 +212,10 @@ TEST_F(NetEventTemplate, OfASubscriptionHasNoEndIfThatIsZero) {
   const TestSession session;
   Criteria drops;
   drops.Test(kNetEventType, FWP_UINT32).uint32 = 3;
-  drops.native_.endTime = {};
+  drops.native.endTime = {};
   Criteria from;
-  from.native_.startTime = TimeOf(100);
-  from.native_.endTime = {};
+  from.native.startTime = TimeOf(100);
+  from.native.endTime = {};
   RecordEverything(session);
   SubscribeEvents(session, type, drops.Native());
   SubscribeEvents(session, late, from.Native());
@@ -254,10 +254,10 @@ void ExpectRefused(Criteria& criteria, DWORD code, const std::string& reason) {
 
 TEST_F(NetEventTemplate, IsRefusedIfItEndsBeforeItsStart) {
   Criteria criteria;
-  criteria.native_.startTime = TimeOf(0x100000000);
-  criteria.native_.endTime = TimeOf(0xFFFFFFFF);
+  criteria.native.startTime = TimeOf(0x100000000);
+  criteria.native.endTime = TimeOf(0xFFFFFFFF);
   ExpectRefused(criteria, kInvalidInterval, "the template ends before its start");
-  criteria.native_.endTime = {};
+  criteria.native.endTime = {};
   EXPECT_EQ(Create(TestSession(), criteria), kInvalidInterval);
 }
 
