@@ -1,7 +1,7 @@
 // How subscribers hear of net events.
 #include <gmock/gmock.h>
 
-#include <latch>
+#include <future>
 
 #include "EventListener.h"
 #include "emulator/ControlExports.h"
@@ -124,8 +124,8 @@ struct HeldCallback {
   static void CALLBACK Hear(void* context, const FWPM_NET_EVENT3* event) {
     auto* const held = static_cast<HeldCallback*>(context);
     if (!std::exchange(held->began, true)) {
-      held->runs.count_down();
-      held->mayGoOn.wait();
+      held->runs.set_value();
+      held->mayGoOn.get_future().wait();
     }
     held->listener.Note(EventText(*event));
   }
@@ -138,8 +138,8 @@ struct HeldCallback {
   }
 
   bool began = false;
-  std::latch runs{1};
-  std::latch mayGoOn{1};
+  std::promise<void> runs;
+  std::promise<void> mayGoOn;
   EventListener listener;
 };
 
@@ -148,8 +148,8 @@ TEST_F(NetEvent, LeavesItsCallbackBeforeUnsubscribingEnds) {
   const TestSession session;
   const HANDLE handle = held.Subscribe(session);
   RaiseDrop(7);
-  held.runs.wait();
-  std::thread releaser([&] { held.mayGoOn.count_down(); });
+  held.runs.get_future().wait();
+  std::thread releaser([&] { held.mayGoOn.set_value(); });
   EXPECT_EQ(FwpmNetEventUnsubscribe0(session, handle), kSuccess);
   EXPECT_THAT(held.listener.Events(), ElementsAre("drop 7"));
   releaser.join();
@@ -161,8 +161,8 @@ TEST_F(NetEvent, LeavesItsCallbackBeforeTheSessionEnds) {
   ASSERT_EQ(FwpmEngineOpen0(nullptr, RPC_C_AUTHN_WINNT, nullptr, nullptr, &session), kSuccess);
   held.Subscribe(session);
   RaiseDrop(7);
-  held.runs.wait();
-  std::thread releaser([&] { held.mayGoOn.count_down(); });
+  held.runs.get_future().wait();
+  std::thread releaser([&] { held.mayGoOn.set_value(); });
   EXPECT_EQ(FwpmEngineClose0(session), kSuccess);
   EXPECT_THAT(held.listener.Events(), ElementsAre("drop 7"));
   EXPECT_EQ(EngineEmulator::CountOutstanding().subscriptions, 0U);
@@ -174,10 +174,10 @@ TEST_F(NetEvent, LeavesTheEngineFreeDuringItsCallback) {
   const TestSession session;
   held.Subscribe(session);
   RaiseDrop(7);
-  held.runs.wait();
+  held.runs.get_future().wait();
   EXPECT_EQ(Add(session, ProviderRecord()), kSuccess);
   RaiseDrop(8);
-  held.mayGoOn.count_down();
+  held.mayGoOn.set_value();
   EXPECT_THAT(held.listener.Await(2), ElementsAre("drop 7", "drop 8"));
 }
 
@@ -185,13 +185,13 @@ TEST_F(NetEvent, LeavesTheEngineFreeDuringItsCallback) {
 struct EventSelfEnder {
   static void CALLBACK End(void* context, const FWPM_NET_EVENT3*) {
     auto* const self = static_cast<EventSelfEnder*>(context);
-    self->subscribed.wait();
+    self->subscribed.get_future().wait();
     self->listener.Note(std::to_string(FwpmNetEventUnsubscribe0(self->session, self->handle)));
   }
 
   HANDLE session = nullptr;
   HANDLE handle = nullptr;
-  std::latch subscribed{1};
+  std::promise<void> subscribed;
   EventListener listener;
 };
 
@@ -203,7 +203,7 @@ TEST_F(NetEvent, CanEndItsSubscriptionInItsCallbackAndTheJournalTells) {
   ASSERT_EQ(FwpmNetEventSubscribe2(session, &wanted, EventSelfEnder::End, &self, &self.handle), kSuccess);
   const HANDLE going = SubscribeEvents(session, other);
   self.session = session;
-  self.subscribed.count_down();
+  self.subscribed.set_value();
   RaiseDrop(7);
   EXPECT_THAT(self.listener.Await(1), ElementsAre("0"));
   EXPECT_EQ(EngineEmulator::Journal().back().function, "FwpmNetEventUnsubscribe0");
@@ -224,13 +224,13 @@ TEST_F(NetEvent, IsMissedBySubscribersForWhomTooManyWait) {
   const TestSession session;
   held.Subscribe(session);
   RaiseDrop(1);
-  held.runs.wait();
+  held.runs.get_future().wait();
   for (UINT64 filterId = 2; filterId <= 5; ++filterId) {
     RaiseDrop(filterId);
   }
   EXPECT_EQ(EngineEmulator::CountMissedEvents(), 2U);
   EXPECT_EQ(EngineEmulatorCountMissedEvents(), 2U);
-  held.mayGoOn.count_down();
+  held.mayGoOn.set_value();
   EXPECT_THAT(held.listener.Await(3), ElementsAre("drop 1", "drop 2", "drop 3"));
   SubscribeEvents(session, quick);
   RaiseDrop(6);
