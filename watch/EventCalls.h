@@ -80,4 +80,10 @@ class WatchError : public std::runtime_error {
   DWORD code_;
 };
 
+/// The engine does not answer any more.
+class LostSubscription : public WatchError {
+ public:
+  explicit LostSubscription(const WatchError& cause) : WatchError(cause) {}
+};
+
 }  // namespace Watch

@@ -161,7 +161,7 @@ void Watcher::Run(const std::function<bool()>& isOver) {
   }
   vigil.End();
   if (lost) {
-    throw WatchError(*lost);
+    throw LostSubscription(*lost);
   }
 }
 

@@ -56,8 +56,9 @@ class Watcher {
   Watcher(const EventCalls& engine, FilterKeeper::Read read, std::optional<GUID> ours, Audience& audience);
 
   /// Tells of drops as they come. Returns within a tenth of a second from when `isOver` says so.
-  /// @throws WatchError with the engine's code when it lets nobody watch, and when it does not answer any
-  /// more; then all that was seen has been told. Policy::SnapshotError when its filters cannot be read.
+  /// @throws WatchError with the engine's code when it lets nobody watch; LostSubscription when it does not
+  /// answer any more, after all that was seen has been told; Policy::SnapshotError when its filters cannot be
+  /// read.
   void Run(const std::function<bool()>& isOver);
 
   /// Tells of the drops that the engine remembers, the newest last; of repeats, once.

@@ -12,6 +12,7 @@
 #include "emulator/ControlExports.h"
 #include "policy/EngineCalls.h"
 #include "replay/EngineCalls.h"
+#include "watch/EventCalls.h"
 
 /// The functions that tell of applications.
 struct ApplicationCalls {
@@ -29,5 +30,6 @@ struct EmulatorControl {
 /// They throw Failure when the library lacks a function.
 Policy::EngineCalls FindPolicyCalls();
 Replay::EngineCalls FindObjectCalls();
+Watch::EventCalls FindEventCalls();
 ApplicationCalls FindApplicationCalls();
 EmulatorControl FindEmulatorControl();

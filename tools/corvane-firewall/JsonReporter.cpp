@@ -7,6 +7,7 @@
 #include "AskedCircumstances.h"
 #include "PolicyJson.h"
 #include "ValueJson.h"
+#include "WatchJson.h"
 #include "catalog/Names.h"
 
 namespace {
@@ -144,6 +145,11 @@ void JsonReporter::ShowAgreement(const Replay::Agreement& agreement) {
                  {"windows", Catalog::WindowsVersionName(agreement.windows)}});
 }
 
+std::unique_ptr<Watch::Audience> JsonReporter::StartWatching() {
+  hasLines_ = true;
+  return std::make_unique<WatchJson>(Step());
+}
+
 void JsonReporter::ShowFile(const std::string& path) { Step()["file"] = path; }
 
 void JsonReporter::EndStep() { Step()["ok"] = true; }
@@ -162,6 +168,7 @@ void JsonReporter::Fail(const Failure& failure) {
 }
 
 void JsonReporter::Finish() {
+  const int indent = hasLines_ ? -1 : 2;
   // Names of adapters come from the system and may not be valid UTF-8.
-  std::cout << document_.dump(2, ' ', false, Json::error_handler_t::replace) << std::endl;
+  std::cout << document_.dump(indent, ' ', false, Json::error_handler_t::replace) << std::endl;
 }

@@ -3,7 +3,7 @@
 #include "Json.h"
 #include "Reporter.h"
 
-/// One JSON document for machines, written to stdout by Finish.
+/// One JSON document for machines, written to stdout by Finish. Only what is watched is written at once.
 class JsonReporter : public Reporter {
  public:
   /// @param engine empty if the command line does not name one.
@@ -21,6 +21,7 @@ class JsonReporter : public Reporter {
   void ShowFindings(const std::vector<Policy::Finding>& findings, const Policy::Owners& owners,
                     Policy::Detail detail) override;
   void ShowAgreement(const Replay::Agreement& agreement) override;
+  std::unique_ptr<Watch::Audience> StartWatching() override;
   void ShowFile(const std::string& path) override;
   void EndStep() override;
   void Fail(const Failure& failure) override;
@@ -31,4 +32,6 @@ class JsonReporter : public Reporter {
 
   std::optional<Engine> engine_;
   Json document_;
+  bool hasLines_ =
+      false;  ///< other objects, a line each, come before the document, which is then the last line
 };

@@ -7,6 +7,8 @@
 
 namespace {
 
+constexpr std::uint32_t kYear = 365 * 24 * 60 * 60;
+
 /// A decimal number; empty for any other text.
 template <class Number>
 std::optional<Number> ParseNumber(std::string_view text) {
@@ -63,6 +65,14 @@ std::optional<std::uint8_t> ParseProtocol(const std::string& text, Policy::IpVer
   return ParseByte(text);
 }
 
+std::optional<std::chrono::seconds> ParseSeconds(const std::string& text) {
+  const auto seconds = ParseNumber<std::uint32_t>(text);
+  if (!seconds || *seconds == 0 || *seconds > kYear) {
+    return std::nullopt;
+  }
+  return std::chrono::seconds(*seconds);
+}
+
 bool IsDumpName(std::string_view text) {
   constexpr std::string_view kEnd = ".xml";
   return text.size() > kEnd.size() &&
@@ -93,6 +103,10 @@ std::string RejectAllButByte(const std::string& value) {
 
 std::string RejectAllButProtocol(const std::string& value) {
   return ParseProtocol(value, Policy::IpVersion::V4) ? "" : value + " is none of tcp, udp, icmp and 0 to 255";
+}
+
+std::string RejectAllButSeconds(const std::string& value) {
+  return ParseSeconds(value) ? "" : value + " is no number of seconds from 1 to 31536000";
 }
 
 std::string RejectAllButDump(const std::string& value) {

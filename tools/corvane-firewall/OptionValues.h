@@ -1,5 +1,6 @@
 #pragma once
 
+#include <chrono>
 #include <cstdint>
 #include <optional>
 #include <string>
@@ -23,6 +24,8 @@ std::optional<Endpoint> ParseEndpoint(const std::string& text);
 std::optional<std::uint8_t> ParseByte(const std::string& text);
 /// "tcp", "udp", "icmp" or a number; empty for any other text.
 std::optional<std::uint8_t> ParseProtocol(const std::string& text, Policy::IpVersion ipVersion);
+/// A whole number of seconds, from 1 to a year; empty for any other text.
+std::optional<std::chrono::seconds> ParseSeconds(const std::string& text);
 /// Whether a text is the name of a dump, a file that ends in ".xml".
 bool IsDumpName(std::string_view text);
 
@@ -33,4 +36,5 @@ std::string RejectAllButLuid(const std::string& value);
 std::string RejectAllButEndpoint(const std::string& value);
 std::string RejectAllButByte(const std::string& value);
 std::string RejectAllButProtocol(const std::string& value);
+std::string RejectAllButSeconds(const std::string& value);
 std::string RejectAllButDump(const std::string& value);

@@ -1,5 +1,6 @@
 #pragma once
 
+#include <memory>
 #include <string>
 #include <vector>
 
@@ -12,6 +13,7 @@
 #include "policy/Owners.h"
 #include "promises/Proof.h"
 #include "replay/Replay.h"
+#include "watch/Watcher.h"
 
 /// The answers of the library's queries.
 struct Status {
@@ -50,6 +52,8 @@ class Reporter {
   virtual void ShowFindings(const std::vector<Policy::Finding>& findings, const Policy::Owners& owners,
                             Policy::Detail detail) = 0;
   virtual void ShowAgreement(const Replay::Agreement& agreement) = 0;
+  /// Where to tell what is watched. Valid until the step ends.
+  virtual std::unique_ptr<Watch::Audience> StartWatching() = 0;
   /// A file that has been written.
   virtual void ShowFile(const std::string& path) = 0;
   virtual void EndStep() = 0;

@@ -39,6 +39,8 @@ struct StepOptions {
   std::vector<std::string> all;
   std::vector<std::string> trace;
   std::vector<std::string> file;
+  std::vector<std::string> duration;
+  std::vector<std::string> last;
 };
 
 /// How often an option may be given.
@@ -80,6 +82,7 @@ struct StepContext {
 enum class Effect {
   ReadsEngine,  ///< and nothing else, so that a dump is as good
   ReadsRun,     ///< and what this run has switched on
+  ReadsEvents,  ///< and what happens in the engine, which no dump tells
   ReadsHost,    ///< what the library counts as switched on, or the adapters of this machine
   Installs,
   Removes,

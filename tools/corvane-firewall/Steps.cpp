@@ -10,6 +10,7 @@
 #include "FeatureSwitches.h"
 #include "PolicySteps.h"
 #include "Text.h"
+#include "WatchStep.h"
 #include "Who.h"
 
 namespace {
@@ -219,6 +220,12 @@ constexpr StepOption kPageOptions[]{
 };
 constexpr auto kReportOptions = WithWhoAndWhere(kPageOptions);
 
+constexpr StepOption kWatchOptions[]{
+    {"--for", "SECONDS", "How long; until Ctrl+C unless given", &StepOptions::duration, Times::AtMostOnce,
+     RejectAllButSeconds},
+    {"--last", nullptr, "What the engine remembers, instead of what happens from now on", &StepOptions::last},
+};
+
 constexpr StepOption kExportOptions[]{
     {"file", "FILE.xml", "Where to write the dump", &StepOptions::file, Times::Once, RejectAllButDump},
 };
@@ -268,6 +275,8 @@ constexpr Step kSteps[]{
      ProveStep},
     {"lint", "Find filters, of anybody's, that do not say what they seem to say", kLintOptions,
      Effect::ReadsEngine, LintStep},
+    {"watch", "Tell of each connection that the engine drops, whose filter did it, and why", kWatchOptions,
+     Effect::ReadsEvents, WatchStep},
     {"report", "Write map, promises, findings and filters as a page to look at", kReportOptions,
      Effect::ReadsEngine, ReportStep},
     {"export", "Write what the engine holds as netsh wfp show state does", kExportOptions,

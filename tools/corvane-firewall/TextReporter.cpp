@@ -7,6 +7,7 @@
 #include "Identities.h"
 #include "OpenQuestions.h"
 #include "ValueJson.h"
+#include "WatchText.h"
 #include "catalog/Names.h"
 #include "policy/Summary.h"
 
@@ -152,6 +153,8 @@ void TextReporter::ShowAgreement(const Replay::Agreement& agreement) {
               << refusal.example << "\n";
   }
 }
+
+std::unique_ptr<Watch::Audience> TextReporter::StartWatching() { return std::make_unique<WatchText>(); }
 
 void TextReporter::ShowFile(const std::string& path) { std::cout << "  written: " << path << "\n"; }
 

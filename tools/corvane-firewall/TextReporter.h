@@ -20,6 +20,7 @@ class TextReporter : public Reporter {
   void ShowFindings(const std::vector<Policy::Finding>& findings, const Policy::Owners& owners,
                     Policy::Detail detail) override;
   void ShowAgreement(const Replay::Agreement& agreement) override;
+  std::unique_ptr<Watch::Audience> StartWatching() override;
   void ShowFile(const std::string& path) override;
   void EndStep() override;
   void Fail(const Failure& failure) override;

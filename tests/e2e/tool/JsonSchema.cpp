@@ -23,23 +23,20 @@ const nlohmann::json& FileNamed(const std::string& name) {
   return file->second;
 }
 
-/// The schema of a whole document.
-struct DocumentSchema {
-  DocumentSchema() {
+/// A schema with those that it refers to.
+struct WholeSchema {
+  explicit WholeSchema(const std::string& file) {
     valijson::SchemaParser().populateSchema(
-        Adapter(FileNamed("document.schema.json")), schema,
-        [](const std::string& name) { return &FileNamed(name); }, [](const nlohmann::json*) {});
+        Adapter(FileNamed(file)), schema, [](const std::string& name) { return &FileNamed(name); },
+        [](const nlohmann::json*) {});
   }
 
   valijson::Schema schema;
 };
 
-}  // namespace
-
-std::string FaultsOf(const nlohmann::json& document) {
-  static const DocumentSchema kDocument;
+std::string FaultsOf(const nlohmann::json& document, const WholeSchema& schema) {
   valijson::ValidationResults results;
-  valijson::Validator().validate(kDocument.schema, Adapter(document), &results);
+  valijson::Validator().validate(schema.schema, Adapter(document), &results);
   std::string faults;
   for (valijson::ValidationResults::Error error; results.popError(error);) {
     for (const std::string& place : error.context) {
@@ -48,4 +45,16 @@ std::string FaultsOf(const nlohmann::json& document) {
     faults += ": " + error.description + '\n';
   }
   return faults;
+}
+
+}  // namespace
+
+std::string FaultsOf(const nlohmann::json& document) {
+  static const WholeSchema kDocument("document.schema.json");
+  return FaultsOf(document, kDocument);
+}
+
+std::string FaultsOfWatched(const nlohmann::json& line) {
+  static const WholeSchema kLine("watch.schema.json");
+  return FaultsOf(line, kLine);
 }

@@ -5,3 +5,5 @@
 
 /// The errors that the schema in docs/json finds in a document of the tool, one in each line; empty if none.
 std::string FaultsOf(const nlohmann::json& document);
+/// The same of a line that the step watch has written.
+std::string FaultsOfWatched(const nlohmann::json& line);

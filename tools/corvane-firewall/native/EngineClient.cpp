@@ -4,6 +4,8 @@ Policy::EngineCalls FindPolicyCalls() { return Policy::LinkedEngine(); }
 
 Replay::EngineCalls FindObjectCalls() { return Replay::LinkedEngine(); }
 
+Watch::EventCalls FindEventCalls() { return Watch::LinkedEngine(); }
+
 ApplicationCalls FindApplicationCalls() { return {&::FwpmGetAppIdFromFileName0, &::FwpmFreeMemory0}; }
 
 EmulatorControl FindEmulatorControl() {

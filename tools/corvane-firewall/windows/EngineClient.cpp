@@ -9,6 +9,13 @@ void Find(Function& found, const char* function) {
   found = FindFunction<Function>(GetModuleHandleW(L"fwpuclnt.dll"), function);
 }
 
+/// Leaves it null if there is none.
+template <class Function>
+void FindIfThere(Function& found, const char* function) {
+  const FARPROC address = GetProcAddress(GetModuleHandleW(L"fwpuclnt.dll"), function);
+  found = reinterpret_cast<Function>(reinterpret_cast<void*>(address));
+}
+
 }  // namespace
 
 Policy::EngineCalls FindPolicyCalls() {
@@ -32,6 +39,11 @@ Policy::EngineCalls FindPolicyCalls() {
 
 Replay::EngineCalls FindObjectCalls() {
   return Replay::FindEngineCalls([](auto& function, const char* name) { Find(function, name); });
+}
+
+Watch::EventCalls FindEventCalls() {
+  return Watch::FindEventCalls([](auto& function, const char* name) { Find(function, name); },
+                               [](auto& function, const char* name) { FindIfThere(function, name); });
 }
 
 ApplicationCalls FindApplicationCalls() {
