@@ -1,7 +1,8 @@
 #!/bin/bash
 # Fails if the layout of a source differs from that of clang-format or Prettier, a folder includes a file that it must
-# not see, or clang-tidy has a warning for the product's sources. With --all, clang-tidy also checks the tests, reads each
-# source by itself and runs clang's static analyzer, which takes many times as long.
+# not see, a workflow of .github/ has a mistake, or clang-tidy has a warning for the product's sources. With --all,
+# clang-tidy also checks the tests, reads each source by itself and runs clang's static analyzer, which takes many times
+# as long.
 set -eu
 cd "$(dirname "$0")/.."
 linted='src|catalog|emulator|policy|promises|dump|replay|watch|tools'
@@ -73,6 +74,9 @@ if find policy -name '*.h' -o -name '*.cpp' | grep -vE "^policy/($above)\."; the
   echo "These files of policy/ have no floor yet: name them in scripts/lint.sh." >&2
   exit 1
 fi
+
+echo "Workflows"
+(cd tests/workflows && npm ci --loglevel=error --no-audit --no-fund && npm run --silent check)
 
 echo "clang-tidy"
 # In a build tree of its own, where only the header with the tool's page is built.
