@@ -15,7 +15,7 @@
 
 #include <fwpmu.h>
 
-#ifndef _MSC_VER
+#if !defined(_WIN32) || defined(__MINGW64_VERSION_MAJOR)
 
 DEFINE_GUID(FWPM_LAYER_INBOUND_IPPACKET_V4, 0xc86fd1bf, 0x21cd, 0x497e, 0xa0, 0xbb, 0x17, 0x42, 0x5c, 0x88,
             0x5c, 0x58);

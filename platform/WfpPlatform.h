@@ -54,7 +54,7 @@
 #define FWPM_FILTER_FLAG_INDEXED (0x00000040)
 #endif
 
-#if defined(__MINGW32__)
+#if defined(__MINGW64_VERSION_MAJOR)
 /// The Windows SDK has an enumeration of this name; MinGW-w64 has only the constants.
 using IPPROTO = int;
 

@@ -1,5 +1,7 @@
 #include "support/FakePlatform.h"
 
+// The Windows SDK would declare the functions of iphlpapi.h, two of which are defined here, as imported.
+#define IPHLPAPI_DLL_LINKAGE
 // clang-format off: these need the headers above.
 #include <iphlpapi.h>
 #include <setupapi.h>
@@ -396,6 +398,9 @@ IMPORT_POINTER(RegQueryValueExW)
 IMPORT_POINTER(RegCloseKey)
 IMPORT_POINTER(FormatMessageA)
 IMPORT_POINTER(LocalFree)
+// For callers, these two are imported with the Windows SDK and ordinary functions with MinGW-w64.
+decltype(&GetAdaptersAddresses) __imp_GetAdaptersAddresses = &GetAdaptersAddresses;
+decltype(&ConvertInterfaceLuidToIndex) __imp_ConvertInterfaceLuidToIndex = &ConvertInterfaceLuidToIndex;
 #endif
 
 }  // extern "C"

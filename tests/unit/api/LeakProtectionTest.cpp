@@ -13,7 +13,7 @@ struct RuleSetName {
   const char* name;
 };
 
-constexpr RuleSetName kRuleSetNames[]{
+const RuleSetName kRuleSetNames[]{
     {kDnsLeakKey, "dns"}, {kFirewallCopyKey, "copy"}, {kInterfaceLeakKey, "interface"}};
 
 }  // namespace

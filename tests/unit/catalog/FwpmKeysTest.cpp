@@ -11,7 +11,7 @@
 #include "catalog/Sublayers.h"
 
 // The header is not for the Windows SDK, which has the keys itself.
-#ifndef _MSC_VER
+#if !defined(_WIN32) || defined(__MINGW64_VERSION_MAJOR)
 namespace {
 
 /// The keys that the header defines, by name.
