@@ -38,6 +38,8 @@ if(MSVC)
   add_compile_options(/guard:cf /Brepro)
   # A module names its .pdb file without the folder where it was built.
   add_link_options(/DEBUG /INCREMENTAL:NO /OPT:REF /OPT:ICF /guard:cf /Brepro /PDBALTPATH:%_PDB%)
+  # As large a stack as MinGW-w64 gives, with which the tests of deeply nested input pass.
+  add_link_options(/STACK:0x200000)
 endif()
 
 if(MINGW)
