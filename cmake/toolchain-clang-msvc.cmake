@@ -14,13 +14,15 @@ set(CMAKE_RC_COMPILER ${llvm}/bin/llvm-rc)
 set(CMAKE_MT ${llvm}/bin/llvm-mt)
 set(CMAKE_TRY_COMPILE_TARGET_TYPE STATIC_LIBRARY)
 
-# The headers of MinGW-w64 need __GNUC__, and a way to import variables that this dialect knows.
+# The headers of MinGW-w64 need __GNUC__, and a way to import variables that this dialect knows. For libc++ 19,
+# std::jthread is experimental.
 set(dialect "/X -nobuiltininc -fms-compatibility-version=19.38 -fgnuc-version=12 -D_UCRT")
 set(headers "-imsvc${llvm}/lib/clang/19/include -imsvc/usr/share/mingw-w64/include")
 set(CMAKE_C_FLAGS_INIT "${dialect} ${headers}")
 string(
   CONCAT CMAKE_CXX_FLAGS_INIT
-         "/EHsc ${dialect} -D_LIBCPP_NO_VCRUNTIME \"-D__MINGW_IMPORT=extern __declspec(dllimport)\" "
+         "/EHsc ${dialect} -D_LIBCPP_NO_VCRUNTIME -D_LIBCPP_ENABLE_EXPERIMENTAL "
+         "\"-D__MINGW_IMPORT=extern __declspec(dllimport)\" "
          "/FI${CMAKE_CURRENT_LIST_DIR}/clang-msvc-gaps.h -imsvc${llvm}/include/c++/v1 ${headers}")
 set(CMAKE_RC_FLAGS_INIT "/I /usr/share/mingw-w64/include")
 
