@@ -1,7 +1,6 @@
 #include "policy/Assumptions.h"
 
 #include <algorithm>
-#include <array>
 
 namespace Policy {
 namespace {
@@ -123,6 +122,13 @@ std::size_t World::ReadingOf(Assumption assumption) const {
 World World::With(Assumption assumption, std::size_t reading) const {
   const std::size_t step = kSteps[static_cast<std::size_t>(assumption)];
   return OfIndex(index_ - ReadingOf(assumption) * step + reading * step);
+}
+
+World SettledReadings::In(World world) const {
+  for (std::size_t i = 0; i < kAssumptionCount; ++i) {
+    world = readings_[i] ? world.With(static_cast<Assumption>(i), *readings_[i]) : world;
+  }
+  return world;
 }
 
 std::vector<Assumption> Distinguishing(const WorldSet& worlds) {

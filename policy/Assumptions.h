@@ -8,8 +8,10 @@
  */
 #pragma once
 
+#include <array>
 #include <bitset>
 #include <cstddef>
+#include <optional>
 #include <span>
 #include <string>
 #include <string_view>
@@ -89,6 +91,25 @@ class World {
 
  private:
   std::size_t index_ = 0;
+};
+
+/// Readings that are known to hold of an engine, because experiments have shown it. Nothing is known of
+/// assumptions that are not settled.
+class SettledReadings {
+ public:
+  void Settle(Assumption assumption, std::size_t reading) {
+    readings_[static_cast<std::size_t>(assumption)] = reading;
+  }
+
+  [[nodiscard]] std::optional<std::size_t> ReadingOf(Assumption assumption) const {
+    return readings_[static_cast<std::size_t>(assumption)];
+  }
+  [[nodiscard]] bool AreNone() const { return readings_ == decltype(readings_)(); }
+  /// A world with the settled readings in place of its own.
+  [[nodiscard]] World In(World world) const;
+
+ private:
+  std::array<std::optional<std::size_t>, kAssumptionCount> readings_{};
 };
 
 /// A set of worlds, by index.

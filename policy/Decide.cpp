@@ -195,13 +195,15 @@ const Filter* FilterBehind(Action action, const Section& section, const BitWord*
 }
 
 std::vector<Ending> EndingsOf(const Verdict& verdict, const Section& section, const BitWord* state) {
+  const SettledReadings& settled = section.Settled();
   std::vector<Ending> endings;
   for (Verdict::Outcome& outcome : verdict.Outcomes()) {
     World world;
     for (const Choice& choice : outcome.choices) {
       world = world.With(choice.assumption, choice.reading);
     }
-    const Filter* deciding = outcome.action ? FilterBehind(*outcome.action, section, state, world) : nullptr;
+    const Filter* deciding =
+        outcome.action ? FilterBehind(*outcome.action, section, state, settled.In(world)) : nullptr;
     endings.push_back({std::move(outcome), deciding});
   }
   return endings;
@@ -249,8 +251,9 @@ Verdict Decider::Decide(const Connection& connection) const {
   return section.Decide(State(section, connection).Words());
 }
 
-Explanation Decider::Explain(const Connection& connection, World world) const {
+Explanation Decider::Explain(const Connection& connection, World asked) const {
   const Section& section = sections_->Of(connection);
+  const World world = section.Settled().In(asked);
   State state(section, connection);
   Explanation explanation{connection, world, section.Decide(state.Words()), {}, {}, sections_->circumstances};
   for (std::size_t i = 0; i < section.Layers().size(); ++i) {

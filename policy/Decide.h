@@ -87,8 +87,10 @@ class Decider {
 
   [[nodiscard]] Verdict Decide(const Connection& connection) const;
 
-  /// @param world the trace says what happens in it; the verdicts are for all worlds.
-  [[nodiscard]] Explanation Explain(const Connection& connection, World world = World()) const;
+  /// @param asked the trace says what happens in this world, with the snapshot's settled readings; the
+  /// verdicts
+  ///        are for all worlds.
+  [[nodiscard]] Explanation Explain(const Connection& connection, World asked = World()) const;
 
  private:
   struct Sections;

@@ -56,13 +56,13 @@ struct Seen {
 /// Looks at what a layer makes of the filters that match together.
 class LayerLint {
  public:
-  LayerLint(const Arbitration& layer, Section::Matching matching, Seen& seen)
-      : layer_(layer), matching_(matching), seen_(seen) {}
+  LayerLint(const Arbitration& layer, Section::Matching matching, const SettledReadings& settled, Seen& seen)
+      : layer_(layer), matching_(matching), settled_(settled), seen_(seen) {}
 
   void Look() {
     for (const World& order : Arbitration::FilterOrders()) {
       for (const Arbitration::Slot& slot : layer_.Slots()) {
-        LookAtSlot(slot, order);
+        LookAtSlot(slot, settled_.In(order));
       }
     }
     LookAtSublayers();
@@ -92,19 +92,20 @@ class LayerLint {
     }
   }
 
-  /// In the world of the first readings: soft permits that a block takes back.
+  /// In the world to expect: soft permits that a block takes back.
   void LookAtSublayers() {
+    const World world = settled_.In(World());
     std::vector<std::size_t> soft;
     for (const Arbitration::Slot& slot : layer_.Slots()) {
-      const auto deciding = layer_.Deciding(slot, matching_.sure, World());
+      const auto deciding = layer_.Deciding(slot, matching_.sure, world);
       if (!deciding) {
         continue;
       }
-      if (layer_.StrengthOf(*deciding, World()) == Strength::Pass) {
+      if (layer_.StrengthOf(*deciding, world) == Strength::Pass) {
         soft.push_back(*deciding);
         continue;
       }
-      if (layer_.StrengthOf(*deciding, World()) == Strength::Block) {
+      if (layer_.StrengthOf(*deciding, world) == Strength::Block) {
         for (const std::size_t permit : soft) {
           seen_.overridden.emplace(FilterAt(permit), FilterAt(*deciding));
         }
@@ -117,6 +118,7 @@ class LayerLint {
 
   const Arbitration& layer_;
   Section::Matching matching_;
+  const SettledReadings& settled_;
   Seen& seen_;
 };
 
@@ -135,7 +137,7 @@ void Look(const Section& section, Seen& seen) {
         both.assign(matching.sure, matching.sure + layer.WordCount());
         both.insert(both.end(), matching.perhaps, matching.perhaps + layer.WordCount());
         if (known[i].Intern(both.data()).isNew) {
-          LayerLint(layer, matching, seen).Look();
+          LayerLint(layer, matching, section.Settled(), seen).Look();
         }
       }
     }
@@ -174,9 +176,9 @@ const Filter* SpoilerOf(const Section& section, std::size_t layerIndex, std::siz
     const std::vector<BitWord> state = StateWith(section, plane, layerIndex, filter);
     for (const World& order : Arbitration::FilterOrders()) {
       const auto deciding =
-          state.empty()
-              ? std::nullopt
-              : layer.Deciding(slot, section.MatchingIn(plane, layerIndex, state.data()).sure, order);
+          state.empty() ? std::nullopt
+                        : layer.Deciding(slot, section.MatchingIn(plane, layerIndex, state.data()).sure,
+                                         section.Settled().In(order));
       if (deciding && *deciding != filter) {
         return layer.Filters()[*deciding];
       }

@@ -31,7 +31,7 @@ bool DependsOnUnset(const Test& test) { return test.negated || test.TestsFlags()
 
 Section::Section(const Snapshot& snapshot, SectionKey key, std::span<const Mark> marks,
                  const Circumstances& circumstances)
-    : key_(key) {
+    : key_(key), settled_(snapshot.settled) {
   AddLayers(snapshot);
   GroupsByField groups;
   AddMarks(marks, groups);
@@ -116,7 +116,8 @@ void Section::AddMarks(std::span<const Mark> marks, GroupsByField& groups) {
   }
 }
 
-/// A plane for each combination of readings, of those assumptions only on which some filter depends.
+/// A plane for each combination of readings, of those assumptions only that are not settled and on which some
+/// filter depends.
 void Section::ChoosePlanes(const GroupsByField& groups) {
   std::size_t negations = 1;
   std::size_t unset = 1;
@@ -139,6 +140,14 @@ void Section::ChoosePlanes(const GroupsByField& groups) {
           layout_.hasDoubt || std::ranges::find(group.tests, &kUnreadableTest) != group.tests.end();
     }
   }
+  const auto knowing = [this](Assumption assumption, std::size_t& readings) {
+    const auto settled = settled_.ReadingOf(assumption);
+    readings = settled ? 1 : readings;
+    return settled.value_or(0);
+  };
+  const std::size_t knownNegations = knowing(Assumption::SeveralNegations, negations);
+  const std::size_t knownUnset = knowing(Assumption::UnsetFields, unset);
+  const std::size_t knownLoopback = knowing(Assumption::LoopbackBits, loopback);
   layout_.planes.resize(negations * unset * loopback);
   worldsOfPlane_.resize(layout_.planes.size());
   for (std::size_t index = 0; index < World::kCount; ++index) {
@@ -147,7 +156,8 @@ void Section::ChoosePlanes(const GroupsByField& groups) {
     const std::size_t ofUnset = world.ReadingOf(Assumption::UnsetFields) % unset;
     const std::size_t ofLoopback = world.ReadingOf(Assumption::LoopbackBits) % loopback;
     const std::size_t plane = (ofNegations * unset + ofUnset) * loopback + ofLoopback;
-    layout_.planes[plane] = {ofNegations == 1, ofUnset == 1, ofLoopback == 1};
+    layout_.planes[plane] = {ofNegations + knownNegations == 1, ofUnset + knownUnset == 1,
+                             ofLoopback + knownLoopback == 1};
     worldsOfPlane_[plane][index] = true;
     planeOfWorld_.push_back(plane);
   }
@@ -298,7 +308,7 @@ Verdict Section::DecideLayer(std::size_t layer, const BitWord* state) const {
       done |= worlds;
     }
   }
-  return verdict;
+  return verdict.Knowing(settled_);
 }
 
 }  // namespace Policy

@@ -44,6 +44,8 @@ class Section {
   Section& operator=(const Section&) = delete;
 
   [[nodiscard]] SectionKey Key() const { return key_; }
+  /// What is known of the engine: verdicts are those with these readings.
+  [[nodiscard]] const SettledReadings& Settled() const { return settled_; }
   [[nodiscard]] const StateLayout& Layout() const { return layout_; }
   [[nodiscard]] const std::vector<Arbitration>& Layers() const { return layers_; }
   /// In the order of enum Field; only fields that something tests.
@@ -104,6 +106,7 @@ class Section {
   [[nodiscard]] std::optional<Action> DecideSurely(const BitWord* state) const;
 
   SectionKey key_;
+  SettledReadings settled_;
   StateLayout layout_;
   std::vector<Arbitration> layers_;
   std::vector<std::size_t> layerAt_;  ///< first word of each layer's filters

@@ -13,6 +13,7 @@
 
 #include "catalog/Fields.h"
 #include "catalog/Layers.h"
+#include "policy/Assumptions.h"
 #include "policy/EngineCalls.h"
 #include "policy/Test.h"
 #include "policy/Value.h"
@@ -72,6 +73,7 @@ struct Snapshot {
   std::vector<Sublayer> sublayers;
   std::vector<Filter> filters;
   std::vector<Provider> providers;  ///< in the engine's order
+  SettledReadings settled{};        ///< what is known of the engine itself
 };
 
 /// Sorts what was found, and adds sublayers that filters name, but that were not found, as not listed.

@@ -42,6 +42,19 @@ void Verdict::Set(const WorldSet& worlds, std::optional<Action> action) {
   blocks_ = action == Action::Block ? blocks_ | worlds : blocks_ & ~worlds;
 }
 
+Verdict Verdict::Knowing(const SettledReadings& settled) const {
+  if (settled.AreNone()) {
+    return *this;
+  }
+  Verdict known;
+  for (std::size_t i = 0; i < World::kCount; ++i) {
+    const std::size_t with = settled.In(World::OfIndex(i)).Index();
+    known.permits_[i] = permits_[with];
+    known.blocks_[i] = blocks_[with];
+  }
+  return known;
+}
+
 std::optional<Action> Verdict::In(World world) const {
   if (permits_[world.Index()]) {
     return Action::Permit;

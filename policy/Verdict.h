@@ -33,6 +33,10 @@ class Verdict {
   /// @param action none where it is unsure.
   void Set(const WorldSet& worlds, std::optional<Action> action);
 
+  /// The verdict of an engine of which readings are known: each world has what the one with the settled
+  /// readings has, so these assumptions make no difference any more.
+  [[nodiscard]] Verdict Knowing(const SettledReadings& settled) const;
+
   /// The action in one world; none where it is unsure.
   [[nodiscard]] std::optional<Action> In(World world) const;
   [[nodiscard]] Kind GetKind() const;

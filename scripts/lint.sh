@@ -58,9 +58,9 @@ forbid tools -- '(filtering|engine|sublayers|api|tests)/|emulator/([^C]|Control\
 # The floors of policy/, from the lowest; docs/architecture.md draws them. No file includes one of a higher floor.
 floors=(
   'ShowProgress|Ascii|ByteReader|Sha|Sid|Truths|Token|SecurityDescriptor|AceCondition|AccessCheck'
-  'Number|Address|Connection|Test|Value|EngineCalls|Snapshot|Decode|ModelledField|Circumstances|DerivedTests|FilterTests|Certainty|NamedInSnapshot|Owners|PrincipalText|ConditionText'
+  'Assumptions|Number|Address|Connection|Test|Value|EngineCalls|Snapshot|Decode|ModelledField|Circumstances|DerivedTests|FilterTests|Certainty|NamedInSnapshot|Owners|PrincipalText|ConditionText'
   'BitWords|State|ValueClass|ValueText|FieldTable|NumberTable|FlagsTable|ApplicationTable|MakeFieldTable'
-  'Assumptions|Verdict|Arbitration|Mark|Section'
+  'Verdict|Arbitration|Mark|Section'
   'MapNode|Pruner|Diagram'
   'Map|MapText|Decide|Explain|Summary|Finding|Lint|LintBehaviour|LintText'
 )
