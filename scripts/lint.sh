@@ -5,7 +5,7 @@
 # as long.
 set -eu
 cd "$(dirname "$0")/.."
-linted='src|catalog|emulator|policy|promises|dump|replay|watch|tools'
+linted='src|catalog|emulator|policy|promises|dump|replay|watch|calibrate|tools'
 checks=-clang-analyzer-*
 together=ON
 if [ "${1:-}" = --all ]; then
@@ -45,14 +45,15 @@ forbid src/filtering -- '(sublayers|helpers|api)/|engine/(Engine|Firewall|Provid
 forbid src/engine -- '(sublayers|helpers|api)/'
 forbid src/sublayers -- 'helpers/|api/[^R]' # the rule sets' identities are in api/RuleSetIdentity.h
 forbid src/helpers -- '(engine|sublayers|api)/'
-forbid src include -- '(catalog|emulator|policy|promises|dump|replay|watch|tools|tests)/'
-forbid catalog emulator sdk_subset policy promises dump replay watch -- '(filtering|engine|sublayers|helpers|api|corvane|src)/'
-forbid catalog emulator sdk_subset -- '(policy|promises|dump|replay|watch)/'
-forbid policy -- '(promises|emulator|dump|replay|watch|tools|tests)/'
-forbid promises -- '(emulator|dump|replay|watch|tools|tests)/'
-forbid dump -- '(emulator|policy|promises|replay|watch|tools|tests)/'
-forbid watch -- '(emulator|promises|dump|replay|tools|tests)/'
-forbid replay -- '(policy|promises|watch|tools|tests)/|emulator/([^C]|ControlExports)' # of the emulator only its control
+forbid src include -- '(catalog|emulator|policy|promises|dump|replay|watch|calibrate|tools|tests)/'
+forbid catalog emulator sdk_subset policy promises dump replay watch calibrate -- '(filtering|engine|sublayers|helpers|api|corvane|src)/'
+forbid catalog emulator sdk_subset -- '(policy|promises|dump|replay|watch|calibrate)/'
+forbid policy -- '(promises|emulator|dump|replay|watch|calibrate|tools|tests)/'
+forbid promises -- '(emulator|dump|replay|watch|calibrate|tools|tests)/'
+forbid dump -- '(emulator|policy|promises|replay|watch|calibrate|tools|tests)/'
+forbid watch -- '(emulator|promises|dump|replay|calibrate|tools|tests)/'
+forbid calibrate -- '(promises|emulator|dump|replay|watch|tools|tests)/'
+forbid replay -- '(policy|promises|watch|calibrate|tools|tests)/|emulator/([^C]|ControlExports)' # of the emulator only its control
 forbid tools -- '(filtering|engine|sublayers|api|tests)/|emulator/([^C]|Control\.h)' # of the emulator only its exports
 
 # The floors of policy/, from the lowest; docs/architecture.md draws them. No file includes one of a higher floor.
