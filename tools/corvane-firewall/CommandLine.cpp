@@ -113,6 +113,13 @@ std::vector<std::string> Parse(CLI::App& app, std::vector<std::string> arguments
   return app.remaining();
 }
 
+/// Whether an option stands alone and may be missing, and what follows is no value of it but the next step.
+bool IsLeftOut(const StepOption& option, const std::vector<std::string>& arguments) {
+  const bool standsAlone = !std::string_view(option.name).starts_with('-');
+  return standsAlone && option.times == Times::AtMostOnce &&
+         (arguments.empty() || !option.reject(arguments.front()).empty());
+}
+
 void AddOption(CLI::App& app, const StepOption& option, StepOptions& options) {
   std::vector<std::string>& values = options.*option.values;
   if (option.placeholder == nullptr) {
@@ -147,7 +154,9 @@ std::vector<std::string> ParseStep(const Step& step, std::vector<std::string> ar
   AddGlobalOptions(app, plan);
   StepOptions options;
   for (const StepOption& option : step.options) {
-    AddOption(app, option, options);
+    if (!IsLeftOut(option, arguments)) {
+      AddOption(app, option, options);
+    }
   }
   std::vector<std::string> rest = Parse(app, std::move(arguments), plan);
   plan.steps.push_back({&step, std::move(options)});
@@ -182,6 +191,10 @@ void CheckReadsDump(const Plan& plan) {
     if (!IsReading(planned.step->effect)) {
       throw UsageError("The step " + step + " changes the engine, and a dump cannot be changed",
                        "--engine emulated --start " + plan.dump + " begins with what the dump holds");
+    }
+    if (planned.step->effect == Effect::Tries) {
+      throw UsageError("The step " + step + " connects through an engine, and a dump has none",
+                       "--engine system is this machine's, and --engine emulated simulates it");
     }
     if (!ReadsEngine(*planned.step)) {
       throw UsageError("The step " + step + " tells of this machine or this run, and a dump is neither",

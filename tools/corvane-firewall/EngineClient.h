@@ -9,6 +9,7 @@
 
 #include <WfpPlatform.h>
 
+#include "calibrate/EngineCalls.h"
 #include "emulator/ControlExports.h"
 #include "policy/EngineCalls.h"
 #include "replay/EngineCalls.h"
@@ -31,5 +32,6 @@ struct EmulatorControl {
 Policy::EngineCalls FindPolicyCalls();
 Replay::EngineCalls FindObjectCalls();
 Watch::EventCalls FindEventCalls();
+Calibrate::EngineCalls FindExperimentCalls();
 ApplicationCalls FindApplicationCalls();
 EmulatorControl FindEmulatorControl();

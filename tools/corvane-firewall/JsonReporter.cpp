@@ -5,6 +5,7 @@
 #include <iterator>
 
 #include "AskedCircumstances.h"
+#include "CalibrationJson.h"
 #include "PolicyJson.h"
 #include "ValueJson.h"
 #include "WatchJson.h"
@@ -148,6 +149,10 @@ void JsonReporter::ShowAgreement(const Replay::Agreement& agreement) {
 std::unique_ptr<Watch::Audience> JsonReporter::StartWatching() {
   hasLines_ = true;
   return std::make_unique<WatchJson>(Step());
+}
+
+void JsonReporter::ShowCalibration(const ToldCalibration& calibration) {
+  Step()["calibration"] = ToJson(calibration);
 }
 
 void JsonReporter::ShowFile(const std::string& path) { Step()["file"] = path; }

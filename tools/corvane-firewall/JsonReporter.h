@@ -22,6 +22,7 @@ class JsonReporter : public Reporter {
                     Policy::Detail detail) override;
   void ShowAgreement(const Replay::Agreement& agreement) override;
   std::unique_ptr<Watch::Audience> StartWatching() override;
+  void ShowCalibration(const ToldCalibration& calibration) override;
   void ShowFile(const std::string& path) override;
   void EndStep() override;
   void Fail(const Failure& failure) override;

@@ -9,6 +9,12 @@ namespace {
 
 constexpr std::uint32_t kYear = 365 * 24 * 60 * 60;
 
+/// Whether a text ends so, in whatever letter case, and is longer.
+bool HasEnding(std::string_view text, std::string_view end) {
+  return text.size() > end.size() &&
+         std::ranges::equal(text.substr(text.size() - end.size()), end, {}, Dump::ToLower);
+}
+
 /// A decimal number; empty for any other text.
 template <class Number>
 std::optional<Number> ParseNumber(std::string_view text) {
@@ -73,11 +79,7 @@ std::optional<std::chrono::seconds> ParseSeconds(const std::string& text) {
   return std::chrono::seconds(*seconds);
 }
 
-bool IsDumpName(std::string_view text) {
-  constexpr std::string_view kEnd = ".xml";
-  return text.size() > kEnd.size() &&
-         std::ranges::equal(text.substr(text.size() - kEnd.size()), kEnd, {}, Dump::ToLower);
-}
+bool IsDumpName(std::string_view text) { return HasEnding(text, ".xml"); }
 
 std::string RejectEmpty(const std::string& value) { return value.empty() ? "the value is empty" : ""; }
 
@@ -111,4 +113,8 @@ std::string RejectAllButSeconds(const std::string& value) {
 
 std::string RejectAllButDump(const std::string& value) {
   return IsDumpName(value) ? "" : value + " does not end in .xml, as the name of a dump does";
+}
+
+std::string RejectAllButJson(const std::string& value) {
+  return HasEnding(value, ".json") ? "" : value + " does not end in .json, as the name of a calibration does";
 }

@@ -38,3 +38,4 @@ std::string RejectAllButByte(const std::string& value);
 std::string RejectAllButProtocol(const std::string& value);
 std::string RejectAllButSeconds(const std::string& value);
 std::string RejectAllButDump(const std::string& value);
+std::string RejectAllButJson(const std::string& value);

@@ -7,6 +7,7 @@
 #include "Adapters.h"
 #include "Contents.h"
 #include "Failure.h"
+#include "ToldCalibration.h"
 #include "policy/Lint.h"
 #include "policy/LintText.h"
 #include "policy/Map.h"
@@ -54,6 +55,7 @@ class Reporter {
   virtual void ShowAgreement(const Replay::Agreement& agreement) = 0;
   /// Where to tell what is watched. Valid until the step ends.
   virtual std::unique_ptr<Watch::Audience> StartWatching() = 0;
+  virtual void ShowCalibration(const ToldCalibration& calibration) = 0;
   /// A file that has been written.
   virtual void ShowFile(const std::string& path) = 0;
   virtual void EndStep() = 0;

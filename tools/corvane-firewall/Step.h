@@ -83,6 +83,7 @@ enum class Effect {
   ReadsEngine,  ///< and nothing else, so that a dump is as good
   ReadsRun,     ///< and what this run has switched on
   ReadsEvents,  ///< and what happens in the engine, which no dump tells
+  Tries,        ///< filters of its own and connections of its own, for moments
   ReadsHost,    ///< what the library counts as switched on, or the adapters of this machine
   Installs,
   Removes,

@@ -6,6 +6,7 @@
 
 #include "Adapters.h"
 #include "AskedCircumstances.h"
+#include "CalibrateStep.h"
 #include "DumpSteps.h"
 #include "FeatureSwitches.h"
 #include "PolicySteps.h"
@@ -230,6 +231,11 @@ constexpr StepOption kExportOptions[]{
     {"file", "FILE.xml", "Where to write the dump", &StepOptions::file, Times::Once, RejectAllButDump},
 };
 
+constexpr StepOption kCalibrateOptions[]{
+    {"file", "FILE.json", "Where to write it; directly after the step's name", &StepOptions::file,
+     Times::AtMostOnce, RejectAllButJson},
+};
+
 constexpr Step kSteps[]{
     {"disable-internet", "Install the kill switch, or replace it", kDisableInternetOptions, Effect::Installs,
      DisableInternetStep, KillSwitchOn},
@@ -286,6 +292,11 @@ constexpr Step kSteps[]{
      {},
      Effect::ReadsEngine,
      ReplayStep},
+    {"calibrate",
+     "Find out by experiment how the engine reads what is not documented: up to three minutes, with "
+     "connections "
+     "of this program to itself. Simulated with --engine emulated",
+     kCalibrateOptions, Effect::Tries, CalibrateStep},
 };
 
 /// Every step that installs or removes rule sets has a switchFeature, which ActiveFeatures needs.

@@ -156,6 +156,15 @@ void TextReporter::ShowAgreement(const Replay::Agreement& agreement) {
 
 std::unique_ptr<Watch::Audience> TextReporter::StartWatching() { return std::make_unique<WatchText>(); }
 
+void TextReporter::ShowCalibration(const ToldCalibration& calibration) {
+  std::cout
+      << (calibration.isSimulated
+              ? "  SIMULATED: connections were made in thought, with the readings to expect. It shows that "
+                "the experiments work, and nothing about an engine.\n"
+              : "  on Windows " + calibration.windows + ", " + calibration.time + "\n");
+  Print(Calibrate::Describe(calibration.found));
+}
+
 void TextReporter::ShowFile(const std::string& path) { std::cout << "  written: " << path << "\n"; }
 
 void TextReporter::EndStep() { std::cout << "  done" << std::endl; }

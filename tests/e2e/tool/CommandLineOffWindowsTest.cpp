@@ -8,7 +8,8 @@ namespace {
 using testing::HasSubstr;
 
 constexpr const char* kStepsHere =
-    "the steps that run on this system are list, explain, map, prove, lint, watch, report, export, replay";
+    "the steps that run on this system are list, explain, map, prove, lint, watch, report, export, replay, "
+    "calibrate";
 constexpr const char* kGiveADump =
     "read a dump with --engine FILE.xml, or let the emulated engine begin with it: --engine emulated --start "
     "FILE.xml. On Windows, netsh wfp show state file=FILE.xml writes one";

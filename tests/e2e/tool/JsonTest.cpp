@@ -169,13 +169,15 @@ TEST(JsonSchema, HasAPlaceForWhatEveryStepWrites) {
                                           L"export",
                                           (folder.Path() / L"machine.xml").native(),
                                           L"replay",
+                                          L"calibrate",
+                                          (folder.Path() / L"found.json").native(),
                                           L"enable-internet",
                                           L"disable-dhcp",
                                           L"disable-leak-protection",
                                           L"enable-local-network",
                                           L"disable-skein"},
                                          0);
-  EXPECT_EQ(document["steps"].size(), 20u);
+  EXPECT_EQ(document["steps"].size(), 21u);
 }
 
 TEST(JsonSchema, TakesNoDocumentWithoutItsParts) {

@@ -46,6 +46,17 @@ Watch::EventCalls FindEventCalls() {
                                [](auto& function, const char* name) { FindIfThere(function, name); });
 }
 
+Calibrate::EngineCalls FindExperimentCalls() {
+  Calibrate::EngineCalls calls{};
+  calls.reading = FindPolicyCalls();
+  Find(calls.FwpmTransactionCommit0, "FwpmTransactionCommit0");
+  Find(calls.FwpmProviderAdd0, "FwpmProviderAdd0");
+  Find(calls.FwpmSubLayerAdd0, "FwpmSubLayerAdd0");
+  Find(calls.FwpmFilterAdd0, "FwpmFilterAdd0");
+  Find(calls.FwpmFilterDeleteById0, "FwpmFilterDeleteById0");
+  return calls;
+}
+
 ApplicationCalls FindApplicationCalls() {
   ApplicationCalls calls{};
   Find(calls.FwpmGetAppIdFromFileName0, "FwpmGetAppIdFromFileName0");

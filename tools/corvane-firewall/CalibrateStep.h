@@ -1,0 +1,5 @@
+#pragma once
+
+#include "Step.h"
+
+void CalibrateStep(const StepContext& context, const StepOptions& options);
