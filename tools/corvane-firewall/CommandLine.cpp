@@ -44,6 +44,10 @@ void AddGlobalOptions(CLI::App& app, Plan& plan) {
                  "filters has written, or the step export")
       ->check([](const std::string& file) { return RejectEmpty(file); })
       ->type_name("FILE.xml");
+  app.add_option("--assume", plan.assume,
+                 "How the engine reads what is not documented, as the step calibrate has written it")
+      ->check([](const std::string& file) { return RejectAllButJson(file); })
+      ->type_name("FILE.json");
   app.add_option("--dns-app", plan.dnsApp, "Application whose name look-ups may bypass the tunnel")
       ->type_name("PATH");
   app.add_option_function<std::vector<std::string>>(

@@ -9,8 +9,9 @@
 /// What a command line asks for; UTF-8.
 struct Plan {
   Engine engine = Engine::System;
-  std::string dump;   ///< the file, if the engine is one
-  std::string start;  ///< the dump that the emulated engine begins with; empty for none
+  std::string dump;    ///< the file, if the engine is one
+  std::string start;   ///< the dump that the emulated engine begins with; empty for none
+  std::string assume;  ///< a calibration to take as settled; empty for none
   std::string dnsApp;
   std::vector<std::string> blockedApps;
   bool json = false;

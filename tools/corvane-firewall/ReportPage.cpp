@@ -58,13 +58,15 @@ Json Interfaces(const Policy::Labels& labels) {
   return json;
 }
 
-/// The assumptions about the engine. The first reading of each is the one that the page expects.
-Json Assumptions() {
+/// The assumptions about the engine. The first reading of each is the one that the page expects; one that is
+/// settled is the only one.
+Json Assumptions(const Policy::SettledReadings& settled) {
   Json json = Json::array();
   for (std::size_t i = 0; i < Policy::kAssumptionCount; ++i) {
     const Policy::AssumptionText& text = Policy::TextOf(static_cast<Policy::Assumption>(i));
     Json readings = Json::array();
-    for (const auto& [name, meaning] : text.readings) {
+    const auto known = settled.ReadingOf(static_cast<Policy::Assumption>(i));
+    for (const auto& [name, meaning] : known ? text.readings.subspan(*known, 1) : text.readings) {
       readings.push_back({{"name", name}, {"meaning", meaning}});
     }
     json.push_back({{"name", text.name}, {"question", text.question}, {"readings", std::move(readings)}});
@@ -129,7 +131,7 @@ Json DataOf(const PageContent& content) {
             {"ordinary", OrdinaryConnections()},
             {"applications", Applications(content.snapshot, texts)},
             {"interfaces", Interfaces(content.labels)},
-            {"assumptions", Assumptions()},
+            {"assumptions", Assumptions(content.snapshot.settled)},
             {"circumstances", CircumstancesOf(content.asked)},
             {"snapshot", PageSnapshot(content.snapshot, content.asked.circumstances, texts)},
             {"map", PageMap(map, texts)},

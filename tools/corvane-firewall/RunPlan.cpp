@@ -9,6 +9,7 @@
 #include <utility>
 #include <vector>
 
+#include "AssumedReadings.h"
 #include "DumpedPolicy.h"
 #include "EngineObjects.h"
 #include "ForeignBlocks.h"
@@ -49,6 +50,10 @@ void WaitForEnter() {
 /// @param notes are logged by the first step.
 void RunSteps(const Plan& plan, const FirewallCommands* library, const DumpedPolicy* dump,
               std::vector<std::string> notes, Reporter& reporter) {
+  const Assumed assumed = ReadAssumed(plan.assume);
+  if (!assumed.note.empty()) {
+    notes.push_back(assumed.note);
+  }
   const bool isOrderInferred = dump != nullptr && dump->isOrderInferred;
   if (isOrderInferred) {
     notes.emplace_back("The dump lacks the sublayers; their order is inferred from that of the filters.");
@@ -61,7 +66,7 @@ void RunSteps(const Plan& plan, const FirewallCommands* library, const DumpedPol
       reporter.Log(note);
     }
     planned.step->run({library, plan.engine == Engine::Dump ? dump : nullptr, isOrderInferred, reporter,
-                       plan.engine, plan.dnsApp, std::span(plan.steps).first(i)},
+                       plan.engine, plan.dnsApp, std::span(plan.steps).first(i), assumed.settled},
                       planned.options);
     reporter.EndStep();
   }
@@ -101,6 +106,9 @@ int RunPlan(const Plan& plan) {
     return 0;
   } catch (const Dump::DumpError& error) {
     Fail(*reporter, Failure(error.what(), "netsh wfp show state file=FILE.xml writes a dump."));
+    return 2;
+  } catch (const BadAssumptions& error) {
+    Fail(*reporter, error);
     return 2;
   } catch (const Failure& failure) {
     Fail(*reporter, failure);

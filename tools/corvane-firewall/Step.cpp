@@ -3,7 +3,11 @@
 #include "EngineObjects.h"
 #include "PolicyReader.h"
 
-Policy::Snapshot StepContext::ReadEngine() const { return dump == nullptr ? ReadPolicy() : dump->snapshot; }
+Policy::Snapshot StepContext::ReadEngine() const {
+  Policy::Snapshot snapshot = dump == nullptr ? ReadPolicy() : dump->snapshot;
+  snapshot.settled = settled;
+  return snapshot;
+}
 
 std::shared_ptr<const Dump::EngineState> StepContext::ReadObjects() const {
   if (dump != nullptr) {

@@ -67,6 +67,7 @@ struct StepContext {
   Engine engine;
   const std::string& dnsApp;  ///< empty for none; UTF-8
   std::span<const PlannedStep> before;
+  const Policy::SettledReadings& settled;  ///< what is known of the engine
 
   /// What the engine, or the dump, holds.
   /// @throws Failure see ReadPolicy.

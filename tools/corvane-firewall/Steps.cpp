@@ -232,8 +232,8 @@ constexpr StepOption kExportOptions[]{
 };
 
 constexpr StepOption kCalibrateOptions[]{
-    {"file", "FILE.json", "Where to write it; directly after the step's name", &StepOptions::file,
-     Times::AtMostOnce, RejectAllButJson},
+    {"file", "FILE.json", "Where to write it, for --assume; directly after the step's name",
+     &StepOptions::file, Times::AtMostOnce, RejectAllButJson},
 };
 
 constexpr Step kSteps[]{
