@@ -1,7 +1,9 @@
 // What everybody has put into the engine under test.
-#include <gtest/gtest.h>
+#include <gmock/gmock.h>
 
 #include <nlohmann/json.hpp>
+#include <string>
+#include <vector>
 
 #include "live/LiveRun.h"
 
@@ -20,6 +22,29 @@ TEST(WholeEngine, IsHeldByAFreshEmulatorInTheSameOrder) {
   EXPECT_EQ(replay.at("equalWeights"), replay.at("automaticWeights"));
   EXPECT_EQ(replay.at("sameOrder"), replay.at("orderedPairs"));
   EXPECT_EQ(replay.at("equalSublayers"), replay.at("sublayers"));
+}
+
+TEST(WholeEngine, SettlesEachAssumptionButThatOnDrivers) {
+  const ToolRun run = LiveRun::Get().OnTheEngine({L"--json", L"calibrate"});
+  ASSERT_EQ(run.exitCode, 0u) << run.output << run.errors;
+  const Json calibration = Json::parse(run.output).at("steps").back().at("calibration");
+  EXPECT_EQ(calibration.at("simulated"), LiveRun::Get().isEmulated);
+  std::vector<std::string> settled;
+  for (const Json& assumption : calibration.at("assumptions")) {
+    if (assumption.at("reading").is_string()) {
+      settled.push_back(assumption.at("name"));
+      RecordProperty(settled.back(), assumption.at("reading").get<std::string>());
+    }
+  }
+  EXPECT_THAT(settled, testing::ElementsAre("filter-ties", "several-negations", "unset-fields",
+                                            "static-block-below-hard-permit", "loopback-bits",
+                                            "flow-established-blocks"))
+      << calibration.dump(2);
+}
+
+TEST(WholeEngine, TellsWhatItRemembersOfDrops) {
+  const ToolRun run = LiveRun::Get().OnTheEngine({L"watch", L"--last"});
+  EXPECT_EQ(run.exitCode, 0u) << run.output << run.errors;
 }
 
 }  // namespace
