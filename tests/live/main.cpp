@@ -85,11 +85,12 @@ int main(int argc, char** argv) {
   options.add_option("--limit", seconds, "Seconds after which the program ends")->check(CLI::Range(1, 3600));
   CLI11_PARSE(options, argc, argv);
 
-  const Handle job = JoinAJobThatEndsWithThisProcess();
   const TimeLimit limit{std::chrono::seconds(seconds)};
   const TemporaryFolder folder;
   LiveRun& live = LiveRun::Get();
   live.isEmulated = engine == "emulated";
+  // Emulated engines end with their processes. Under Wine the job would take processes of Wine's own with it.
+  const Handle job = live.isEmulated ? Handle() : JoinAJobThatEndsWithThisProcess();
   live.folder = folder.Path();
   live.start = folder.Path() / "start.xml";
   if (live.isEmulated) {
