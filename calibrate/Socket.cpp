@@ -43,14 +43,15 @@ void Check(int result, const char* function) {
   }
 }
 
+SOCKET Open(const Path& path) {
+  const int family = path.ipVersion == Policy::IpVersion::V4 ? AF_INET : AF_INET6;
+  return path.protocol == Policy::kTcp ? socket(family, SOCK_STREAM, IPPROTO_TCP)
+                                       : socket(family, SOCK_DGRAM, IPPROTO_UDP);
+}
+
 }  // namespace
 
-Socket::Socket(const Path& path)
-    : Socket(
-          path.protocol == Policy::kTcp
-              ? socket(path.ipVersion == Policy::IpVersion::V4 ? AF_INET : AF_INET6, SOCK_STREAM, IPPROTO_TCP)
-              : socket(path.ipVersion == Policy::IpVersion::V4 ? AF_INET : AF_INET6, SOCK_DGRAM,
-                       IPPROTO_UDP)) {
+Socket::Socket(const Path& path) : Socket(Open(path)) {
   if (path.protocol == Policy::kTcp) {
     const linger none{1, 0};
     setsockopt(socket_, SOL_SOCKET, SO_LINGER, reinterpret_cast<const char*>(&none), int{sizeof(none)});
