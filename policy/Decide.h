@@ -88,8 +88,7 @@ class Decider {
   [[nodiscard]] Verdict Decide(const Connection& connection) const;
 
   /// @param asked the trace says what happens in this world, with the snapshot's settled readings; the
-  /// verdicts
-  ///        are for all worlds.
+  ///        verdicts are for all worlds.
   [[nodiscard]] Explanation Explain(const Connection& connection, World asked = World()) const;
 
  private:

@@ -6,12 +6,9 @@
 
 #include <NetEvents.h>
 
-#include <condition_variable>
-#include <mutex>
 #include <string>
-#include <thread>
-#include <vector>
 
+#include "CallbackLog.h"
 #include "EngineClient.h"
 
 /// "drop 7": the type of an event, and the id of its filter.
@@ -36,42 +33,12 @@ std::string EventText(const Native& event) {
 }
 
 /// Collects the events that a callback gets.
-class EventListener {
+class EventListener : public CallbackLog {
  public:
   template <class Native>
   static void CALLBACK Hear(void* context, const Native* event) {
     static_cast<EventListener*>(context)->Note(EventText(*event));
   }
-
-  void Note(const std::string& event) {
-    const std::lock_guard lock(mutex_);
-    events_.push_back(event);
-    thread_ = std::this_thread::get_id();
-    heard_.notify_all();
-  }
-
-  /// Waits until there are `count` events.
-  std::vector<std::string> Await(std::size_t count) {
-    std::unique_lock lock(mutex_);
-    heard_.wait(lock, [&] { return events_.size() >= count; });
-    return events_;
-  }
-
-  std::vector<std::string> Events() {
-    const std::lock_guard lock(mutex_);
-    return events_;
-  }
-
-  std::thread::id Thread() {
-    const std::lock_guard lock(mutex_);
-    return thread_;
-  }
-
- private:
-  std::mutex mutex_;
-  std::condition_variable heard_;
-  std::vector<std::string> events_;
-  std::thread::id thread_;
 };
 
 /// A subscription of version 2, which knows all events; null if it is refused.

@@ -115,7 +115,7 @@ TEST_F(NetEvent, IsNotToldAfterUnsubscribing) {
   EXPECT_EQ(FwpmNetEventUnsubscribe0(session, handle), kSuccess);
   RaiseDrop(7);
   going.Await(1);
-  EXPECT_THAT(ended.Events(), ElementsAre());
+  EXPECT_THAT(ended.Texts(), ElementsAre());
   EXPECT_EQ(FwpmNetEventUnsubscribe0(session, handle), kNotFound);
 }
 
@@ -151,7 +151,7 @@ TEST_F(NetEvent, LeavesItsCallbackBeforeUnsubscribingEnds) {
   held.runs.get_future().wait();
   std::thread releaser([&] { held.mayGoOn.set_value(); });
   EXPECT_EQ(FwpmNetEventUnsubscribe0(session, handle), kSuccess);
-  EXPECT_THAT(held.listener.Events(), ElementsAre("drop 7"));
+  EXPECT_THAT(held.listener.Texts(), ElementsAre("drop 7"));
   releaser.join();
 }
 
@@ -164,7 +164,7 @@ TEST_F(NetEvent, LeavesItsCallbackBeforeTheSessionEnds) {
   held.runs.get_future().wait();
   std::thread releaser([&] { held.mayGoOn.set_value(); });
   EXPECT_EQ(FwpmEngineClose0(session), kSuccess);
-  EXPECT_THAT(held.listener.Events(), ElementsAre("drop 7"));
+  EXPECT_THAT(held.listener.Texts(), ElementsAre("drop 7"));
   EXPECT_EQ(EngineEmulator::CountOutstanding().subscriptions, 0U);
   releaser.join();
 }
@@ -210,7 +210,7 @@ TEST_F(NetEvent, CanEndItsSubscriptionInItsCallbackAndTheJournalTells) {
   EXPECT_EQ(EngineEmulator::Journal().back().arguments, "in its callback");
   RaiseDrop(8);
   other.Await(2);
-  EXPECT_THAT(self.listener.Events(), ElementsAre("0"));
+  EXPECT_THAT(self.listener.Texts(), ElementsAre("0"));
   EXPECT_EQ(FwpmNetEventUnsubscribe0(session, going), kSuccess);
   EXPECT_EQ(EngineEmulator::Journal().back().arguments, "");
 }

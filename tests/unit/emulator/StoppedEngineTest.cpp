@@ -40,7 +40,7 @@ TEST_F(StoppedEngine, TellsItsSubscribersNothing) {
   EngineEmulatorStopEngine();
   EXPECT_EQ(EngineEmulator::CountOutstanding().subscriptions, 0U);
   EXPECT_EQ(EngineEmulator::RaiseEvent(NetEventRecord::Drop(2, 48).Native()), kSuccess);
-  EXPECT_THAT(listener.Events(), ElementsAre("drop 1"));
+  EXPECT_THAT(listener.Texts(), ElementsAre("drop 1"));
 }
 
 TEST_F(StoppedEngine, LeavesItsClientsTheirMemory) {

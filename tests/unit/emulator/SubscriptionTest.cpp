@@ -1,10 +1,9 @@
 #include <gmock/gmock.h>
 
-#include <condition_variable>
-#include <mutex>
 #include <string>
 #include <thread>
 
+#include "CallbackLog.h"
 #include "EngineClient.h"
 
 namespace {
@@ -14,42 +13,12 @@ constexpr UINT32 kOnDelete = 2;
 constexpr UINT32 kOnBoth = 3;
 
 /// Collects the changes that a callback gets.
-class Listener {
+class Listener : public CallbackLog {
  public:
   template <class Change>
   static void CALLBACK Hear(void* context, const Change* change) {
     static_cast<Listener*>(context)->Note(change->changeType == FWPM_CHANGE_ADD ? "add" : "delete");
   }
-
-  void Note(const std::string& change) {
-    const std::lock_guard lock(mutex_);
-    changes_.push_back(change);
-    thread_ = std::this_thread::get_id();
-    heard_.notify_all();
-  }
-
-  /// Waits until there are `count` changes.
-  std::vector<std::string> Await(std::size_t count) {
-    std::unique_lock lock(mutex_);
-    heard_.wait(lock, [&] { return changes_.size() >= count; });
-    return changes_;
-  }
-
-  std::size_t Count() {
-    const std::lock_guard lock(mutex_);
-    return changes_.size();
-  }
-
-  std::thread::id Thread() {
-    const std::lock_guard lock(mutex_);
-    return thread_;
-  }
-
- private:
-  std::mutex mutex_;
-  std::condition_variable heard_;
-  std::vector<std::string> changes_;
-  std::thread::id thread_;
 };
 
 class Subscription : public EngineTest {
@@ -100,11 +69,11 @@ TEST_F(Subscription, TellsAfterTheCommitAndNotOfWhatWasAborted) {
   FwpmTransactionAbort0(writer);
   FwpmTransactionBegin0(writer, 0);
   Add(writer, ProviderRecord(kOtherProviderKey));
-  EXPECT_EQ(listener.Count(), 0U);
+  EXPECT_EQ(listener.Texts().size(), 0U);
   FwpmTransactionCommit0(writer);
   EXPECT_EQ(listener.Await(1).size(), 1U);
   FwpmProviderUnsubscribeChanges0(session, handle);
-  EXPECT_EQ(listener.Count(), 1U);
+  EXPECT_EQ(listener.Texts().size(), 1U);
 }
 
 TEST_F(Subscription, TellsOfDynamicObjectsThatEnd) {
@@ -157,7 +126,7 @@ TEST_F(Subscription, ToSublayersFollowsItsTemplate) {
   Add(session, sublayer);
   EXPECT_EQ(listener.Await(1).size(), 1U);
   EXPECT_EQ(FwpmSubLayerUnsubscribeChanges0(session, handle), kSuccess);
-  EXPECT_EQ(listener.Count(), 1U);
+  EXPECT_EQ(listener.Texts().size(), 1U);
 }
 
 TEST_F(Subscription, EndsWithItsSession) {
