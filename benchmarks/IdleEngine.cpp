@@ -4,11 +4,14 @@
 
 #include <algorithm>
 #include <array>
+#include <utility>
 
 namespace {
 
 std::uint64_t calls = 0;
 UINT64 lastFilterId = 0;
+bool isFirstFilter = false;
+std::function<void()> atFirstFilter = [] {};
 std::array<GUID, 16> sublayers{};
 std::size_t sublayerCount = 0;
 std::array<UINT8, 64> appId{};
@@ -36,6 +39,8 @@ DWORD SucceedIf(bool condition, HRESULT otherwise) {
 
 std::uint64_t IdleEngine::CountCalls() { return calls; }
 
+void IdleEngine::AtFirstFilter(std::function<void()> call) { atFirstFilter = std::move(call); }
+
 DWORD FwpmEngineOpen0(const wchar_t*, UINT32, SEC_WINNT_AUTH_IDENTITY_W*, const FWPM_SESSION0*,
                       HANDLE* engine) {
   *engine = AnyHandle();
@@ -54,6 +59,7 @@ DWORD FwpmProviderGetByKey0(HANDLE, const GUID*, FWPM_PROVIDER0**) {
 
 DWORD FwpmSubLayerAdd0(HANDLE, const FWPM_SUBLAYER0* subLayer, PSECURITY_DESCRIPTOR) {
   sublayers.at(sublayerCount++) = subLayer->subLayerKey;
+  isFirstFilter = true;
   return Succeed();
 }
 
@@ -70,6 +76,10 @@ DWORD FwpmSubLayerDeleteByKey0(HANDLE, const GUID* key) {
 }
 
 DWORD FwpmFilterAdd0(HANDLE, const FWPM_FILTER0*, PSECURITY_DESCRIPTOR, UINT64* id) {
+  if (isFirstFilter) {
+    isFirstFilter = false;
+    atFirstFilter();
+  }
   *id = ++lastFilterId;
   return Succeed();
 }
