@@ -25,10 +25,10 @@ bool Firewall::HasSublayer(GUID guid) const {
 void Firewall::RemoveSublayer(GUID guid) {
   const auto matches = [&](const Sublayer& entry) { return entry.GetGuid() == guid; };
   for (const Sublayer& entry : registry_) {
-    if (matches(entry)) {
-      // A copy, as Destroy forgets the filter ids: when it throws, the entry still has them, and the next
-      // removal deletes what is left.
-      Sublayer(entry).Destroy(engine_.get());
+    if (matches(entry) && entry.IsApplied(engine_.get())) {
+      // Not by Destroy, which forgets the filter ids: after a failure the next removal deletes what is left.
+      entry.DeleteFilters(engine_.get());
+      entry.DeleteFromEngine(engine_.get());
     }
   }
   std::erase_if(registry_, matches);

@@ -1,5 +1,6 @@
 #include "engine/Sublayer.h"
 
+#include <cstddef>
 #include <iterator>
 #include <utility>
 
@@ -13,6 +14,10 @@ Sublayer::Sublayer(GUID guid, std::wstring name, std::wstring description)
 GUID Sublayer::GetGuid() const { return guid_; }
 
 Sublayer& Sublayer::AddFilter(Filter filter) {
+  constexpr std::size_t kUsual = 16;
+  if (filters_.empty()) {
+    filters_.reserve(kUsual);
+  }
   filters_.push_back(std::move(filter));
   return *this;
 }
@@ -47,18 +52,32 @@ void Sublayer::Apply(HANDLE engine, const Provider& provider) {
   }
   AddToEngine(engine);
 
-  GUID providerKey = provider.GetGuid();
-  std::vector<FWPM_FILTER0> records;
-  records.reserve(filters_.size());
-  for (Filter& filter : filters_) {
-    FWPM_FILTER0& record = records.emplace_back(filter.ToNativeFilter());
-    record.subLayerKey = guid_;
-    record.displayData = {name_.data(), description_.data()};
-    record.providerKey = &providerKey;
+  // All conditions are written before the first filter is added, so that none is added if one has no native
+  // form.
+  Filter::RecordCount count;
+  for (const Filter& filter : filters_) {
+    count += filter.CountRecords();
   }
+  std::vector<FWPM_FILTER_CONDITION0> conditions(count.conditions);
+  std::vector<FWP_RANGE0> ranges(count.ranges);
+  Filter::RecordCount written;
+  for (const Filter& filter : filters_) {
+    (void)Filtering::MapLayerType(filter.layer_);  // it may have none
+    filter.WriteConditions(conditions.data() + written.conditions, ranges.data() + written.ranges);
+    written += filter.CountRecords();
+  }
+
   // Room for the ids first: when memory is short, no filter gets into the engine without its id being kept.
-  filterIds_.reserve(filterIds_.size() + records.size());
-  for (const FWPM_FILTER0& record : records) {
+  filterIds_.reserve(filterIds_.size() + filters_.size());
+  GUID providerKey = provider.GetGuid();
+  auto record = FWPM_FILTER0();  // every byte zero
+  record.subLayerKey = guid_;
+  record.displayData = {name_.data(), description_.data()};
+  record.providerKey = &providerKey;
+  FWPM_FILTER_CONDITION0* own = conditions.data();
+  for (const Filter& filter : filters_) {
+    filter.WriteRecord(record, own);
+    own += record.numFilterConditions;
     UINT64 id = 0;
     const DWORD result = FwpmFilterAdd0(engine, &record, nullptr, &id);
     if (result != ERROR_SUCCESS) {
@@ -81,14 +100,20 @@ void Sublayer::AddToEngine(HANDLE engine) {
 }
 
 void Sublayer::Destroy(HANDLE engine) {
-  if (!IsApplied(engine)) {
-    return;
+  if (IsApplied(engine)) {
+    DeleteFilters(engine);
+    filterIds_.clear();
+    DeleteFromEngine(engine);
   }
+}
+
+void Sublayer::DeleteFilters(HANDLE engine) const {
   for (const std::uint64_t id : filterIds_) {
     FwpmFilterDeleteById0(engine, id);
   }
-  filterIds_.clear();
+}
 
+void Sublayer::DeleteFromEngine(HANDLE engine) const {
   const DWORD result = FwpmSubLayerDeleteByKey0(engine, &guid_);
   // Contract: the text names the provider, and the code tolerated is the provider's not-found, not the
   // sublayer's. See docs/host-guide.md#texts and #codes.

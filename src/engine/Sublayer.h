@@ -56,7 +56,13 @@ class WFPFIREWALL_API Sublayer {
   [[nodiscard]] std::vector<Filter>& Filters();
 
  private:
+  friend class Firewall;
+
   void AddToEngine(HANDLE engine);
+  /// Those that this object added. Failures are ignored, and the ids are kept.
+  void DeleteFilters(HANDLE engine) const;
+  /// @throws FirewallException as Destroy.
+  void DeleteFromEngine(HANDLE engine) const;
 
   GUID guid_;
   std::wstring name_;

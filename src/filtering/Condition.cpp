@@ -126,18 +126,18 @@ ConditionType MapConditionType(FWP_MATCH_TYPE type) {
   throw FirewallException("Not supported Condition type.");
 }
 
-Condition::Condition(ConditionType type, BaseValue* value) : type_(type), value_(value), isRange_(false) {}
+Condition::Condition(ConditionType type, BaseValue* value) : type_(type), isRange_(false), value_(value) {}
 
 Condition::Condition(ConditionType type, BaseValue* low, BaseValue* high)
-    : type_(type), value_(low), value2_(high), isRange_(true) {}
+    : type_(type), isRange_(true), value_(low), value2_(high) {}
 
 bool Condition::IsRangeCondition() const { return isRange_; }
 
 ConditionType Condition::GetConditionType() const { return type_; }
 
-std::shared_ptr<BaseValue> Condition::GetConditionValue() const { return value_; }
+std::shared_ptr<BaseValue> Condition::GetConditionValue() const { return value_.Share(); }
 
-std::shared_ptr<BaseValue> Condition::GetConditionValue2() const { return value2_; }
+std::shared_ptr<BaseValue> Condition::GetConditionValue2() const { return value2_.Share(); }
 
 FWP_MATCH_TYPE Condition::GetNativeConditionType() const { return MapConditionType(type_); }
 

@@ -8,6 +8,10 @@
 #include "Export.h"
 #include "filtering/BaseValue.h"
 
+namespace WfpFirewall {
+class Filter;
+}
+
 namespace WfpFirewall::Filtering {
 
 /// How a field is compared with a condition's value.
@@ -55,10 +59,12 @@ class WFPFIREWALL_API Condition {
   static Condition FromNative(FWPM_FILTER_CONDITION0& native);
 
  private:
+  friend class WfpFirewall::Filter;
+
   ConditionType type_;
-  std::shared_ptr<Values::BaseValue> value_;
-  std::shared_ptr<Values::BaseValue> value2_;
   bool isRange_;
+  Values::ValueOwner value_;
+  Values::ValueOwner value2_;
 };
 
 // Each takes ownership of its values.

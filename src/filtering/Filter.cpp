@@ -83,7 +83,14 @@ Action Filter::GetAction() const { return action_; }
 
 Filtering::Layer Filter::GetLayer() const { return layer_; }
 
-std::vector<Condition> Filter::GetConditions() const { return conditions_; }
+std::vector<Condition> Filter::GetConditions() const {
+  std::vector<Condition> conditions;
+  conditions.reserve(conditions_.Size());
+  for (std::size_t i = 0; i < conditions_.Size(); ++i) {
+    conditions.push_back(conditions_[i]);
+  }
+  return conditions;
+}
 
 void Filter::SetLayer(Filtering::Layer layer) {
   if (layer.GetLayerType() == LayerType::None) {
@@ -96,43 +103,51 @@ void Filter::SetWeight(std::int16_t weight) { weight_ = weight; }
 
 void Filter::OverrideOtherSublayers() { overrideOtherSublayers_ = true; }
 
-void Filter::AddCondition(Condition condition) { conditions_.push_back(std::move(condition)); }
+void Filter::AddCondition(Condition condition) { conditions_.Add(std::move(condition)); }
 
-FWPM_FILTER0 Filter::ToNativeFilter() {
-  nativeRanges_.clear();
+Filter::RecordCount Filter::CountRecords() const { return {conditions_.Size(), conditions_.RangeCount()}; }
 
-  auto native = FWPM_FILTER0();  // every byte zero
-  native.layerKey = MapLayerType(layer_);
-  native.weight = ToNativeWeight(weight_);
-  native.action.type = action_ == Action::Block ? FWP_ACTION_BLOCK : FWP_ACTION_PERMIT;
-  native.flags = overrideOtherSublayers_ ? FWPM_FILTER_FLAG_CLEAR_ACTION_RIGHT : 0;
-
-  std::shared_ptr<FWPM_FILTER_CONDITION0[]> nativeConditions;
-  std::vector<std::shared_ptr<FWP_RANGE0>> nativeRanges;
-  if (!conditions_.empty()) {
-    nativeConditions = std::make_shared<FWPM_FILTER_CONDITION0[]>(conditions_.size());
-  }
-  for (std::size_t i = 0; i < conditions_.size(); ++i) {
+void Filter::WriteConditions(FWPM_FILTER_CONDITION0* conditions, FWP_RANGE0* ranges) const {
+  for (std::size_t i = 0; i < conditions_.Size(); ++i) {
     const Condition& condition = conditions_[i];
-    FWPM_FILTER_CONDITION0& target = nativeConditions[static_cast<std::ptrdiff_t>(i)];
+    FWPM_FILTER_CONDITION0& target = conditions[i];
     target.matchType = condition.GetNativeConditionType();
-    const NativeField field = MapToNativeField(condition.GetConditionValue().get());
+    const NativeField field = MapToNativeField(condition.value_.Get());
     target.fieldKey = field.key;
-    if (condition.GetConditionType() != ConditionType::Range) {
+    if (condition.type_ != ConditionType::Range) {
       target.conditionValue = ToNativeValue(field);
       continue;
     }
-    const NativeField high = MapToNativeField(condition.GetConditionValue2().get());
-    nativeRanges.push_back(
-        std::make_shared<FWP_RANGE0>(FWP_RANGE0{ToNativeRangeEnd(field), ToNativeRangeEnd(high)}));
+    const NativeField high = MapToNativeField(condition.value2_.Get());
+    *ranges = {ToNativeRangeEnd(field), ToNativeRangeEnd(high)};
     target.conditionValue.type = FWP_RANGE_TYPE;
-    target.conditionValue.rangeValue = nativeRanges.back().get();
+    target.conditionValue.rangeValue = ranges++;
   }
+}
 
+void Filter::WriteRecord(FWPM_FILTER0& record, FWPM_FILTER_CONDITION0* conditions) const {
+  record.layerKey = MapLayerType(layer_);
+  record.weight = ToNativeWeight(weight_);
+  record.action.type = action_ == Action::Block ? FWP_ACTION_BLOCK : FWP_ACTION_PERMIT;
+  record.flags = overrideOtherSublayers_ ? FWPM_FILTER_FLAG_CLEAR_ACTION_RIGHT : 0;
+  record.numFilterConditions = static_cast<UINT32>(conditions_.Size());
+  record.filterCondition = record.numFilterConditions == 0 ? nullptr : conditions;
+}
+
+FWPM_FILTER0 Filter::ToNativeFilter() {
+  nativeRanges_.reset();
+  const RecordCount count = CountRecords();
+  std::shared_ptr<FWPM_FILTER_CONDITION0[]> nativeConditions;
+  if (count.conditions != 0) {
+    nativeConditions = std::make_shared<FWPM_FILTER_CONDITION0[]>(count.conditions);
+  }
+  if (count.ranges != 0) {
+    nativeRanges_ = std::make_shared<FWP_RANGE0[]>(count.ranges);
+  }
+  auto native = FWPM_FILTER0();  // every byte zero
+  WriteRecord(native, nativeConditions.get());
+  WriteConditions(nativeConditions.get(), nativeRanges_.get());
   nativeConditions_ = std::move(nativeConditions);
-  nativeRanges_ = std::move(nativeRanges);
-  native.numFilterConditions = static_cast<UINT32>(conditions_.size());
-  native.filterCondition = nativeConditions_.get();
   return native;
 }
 

@@ -2,12 +2,14 @@
 
 #include <WfpPlatform.h>
 
+#include <cstddef>
 #include <cstdint>
 #include <memory>
 #include <vector>
 
 #include "Export.h"
 #include "filtering/Condition.h"
+#include "filtering/ConditionList.h"
 #include "filtering/Layer.h"
 
 namespace WfpFirewall {
@@ -44,13 +46,35 @@ class WFPFIREWALL_API Filter {
   static Filter BuildFromNative(FWPM_FILTER0* native);
 
  private:
+  friend class Sublayer;
+
+  /// How many records the native form takes beside the filter's own.
+  struct RecordCount {
+    std::size_t conditions = 0;
+    std::size_t ranges = 0;
+
+    RecordCount& operator+=(const RecordCount& other) {
+      conditions += other.conditions;
+      ranges += other.ranges;
+      return *this;
+    }
+  };
+  [[nodiscard]] RecordCount CountRecords() const;
+  /// @param conditions, ranges room for the records, of any content.
+  /// @throws FirewallException as ToNativeFilter.
+  void WriteConditions(FWPM_FILTER_CONDITION0* conditions, FWP_RANGE0* ranges) const;
+  /// Writes what a record tells of this filter alone; the rest stays.
+  /// @param conditions their records.
+  /// @throws FirewallException for a layer that has no native form.
+  void WriteRecord(FWPM_FILTER0& record, FWPM_FILTER_CONDITION0* conditions) const;
+
   bool overrideOtherSublayers_ = false;
   Filtering::LayerType layer_ = Filtering::LayerType::None;
-  std::vector<Filtering::Condition> conditions_;
   std::int16_t weight_ = 0;
   Action action_;
+  Filtering::ConditionList conditions_;
   std::shared_ptr<FWPM_FILTER_CONDITION0[]> nativeConditions_;
-  std::vector<std::shared_ptr<FWP_RANGE0>> nativeRanges_;
+  std::shared_ptr<FWP_RANGE0[]> nativeRanges_;
 };
 
 }  // namespace WfpFirewall

@@ -22,7 +22,9 @@ bool Is(const BaseValue* value) {
 /// bases.
 template <class ValueClass>
 void* Data(const BaseValue* value) {
-  return dynamic_cast<const ValueClass&>(*value).GetValue();
+  const bool isItself = &typeid(*value) == &typeid(ValueClass);
+  return isItself ? static_cast<const ValueClass*>(value)->GetValue()
+                  : dynamic_cast<const ValueClass*>(value)->GetValue();
 }
 
 struct FieldRule {
@@ -66,10 +68,14 @@ const FieldRule* FindRule(const BaseValue* value) {
   if (value == nullptr) {
     return nullptr;
   }
-  // Nearly every value's class is in the table itself. To look for it takes a tenth of the time of the casts.
+  // Nearly every value's class is in the table itself, with the very type information of this module.
   const std::type_info& valueClass = typeid(*value);
-  const auto* rule = std::ranges::find_if(
-      kFieldRules, [&](const FieldRule& candidate) { return *candidate.valueClass == valueClass; });
+  const auto* rule = std::ranges::find(kFieldRules, &valueClass, &FieldRule::valueClass);
+  if (rule == std::end(kFieldRules)) {
+    // A client may have type information of its own for the same class.
+    rule = std::ranges::find_if(
+        kFieldRules, [&](const FieldRule& candidate) { return *candidate.valueClass == valueClass; });
+  }
   if (rule == std::end(kFieldRules)) {
     rule = std::ranges::find_if(kFieldRules,
                                 [&](const FieldRule& candidate) { return candidate.matches(value); });

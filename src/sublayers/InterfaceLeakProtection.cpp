@@ -11,7 +11,6 @@
 namespace WfpFirewall::Sublayers {
 namespace {
 
-using Filtering::Condition;
 using Filtering::ConditionEqual;
 using Filtering::ConditionNotEqual;
 using Filtering::LayerType;
@@ -77,7 +76,6 @@ constexpr Row<NetworkV6> kRowsV6[]{
 struct Arguments {
   UINT64 luid;
   const IpV4Address* server = nullptr;
-  const Filter* permitListed = nullptr;  ///< carries the conditions; null when there are no addresses
 };
 
 template <class Network>
@@ -101,10 +99,7 @@ void AddConditions(const FilterBuilder& filter, Test test, const Network& remote
     case Server:
       filter.WithCondition(ConditionEqual(new RemoteIpAddressV4(*arguments.server)));
       break;
-    case PermittedAddresses:
-      for (const Condition& condition : arguments.permitListed->GetConditions()) {
-        filter.WithCondition(condition);
-      }
+    case PermittedAddresses:  // see MakePermitListed
       break;
   }
 }
@@ -120,6 +115,16 @@ Filter MakeFilter(LayerType layer, const Row<Network>& row, const Arguments& arg
     filter.OverrideOtherSublayers();
   }
   return filter.Get();
+}
+
+/// The filter of a row that tests for permitted addresses. The filters of all interfaces share these.
+Filter MakePermitListed(const Row<NetworkV4>& row, Filter listed) {
+  listed.SetLayer(kLayerV4);
+  listed.SetWeight(row.weight);
+  if (row.isFinal) {
+    listed.OverrideOtherSublayers();
+  }
+  return listed;
 }
 
 }  // namespace
@@ -144,13 +149,12 @@ InterfaceLeakProtection::InterfaceLeakProtection(GUID key, std::wstring name, st
 
 void InterfaceLeakProtection::AddFiltersV4(UINT64 luid, const IpV4Address& serverAddress,
                                            const std::optional<Filter>& permitListed) {
-  const Arguments arguments{luid, &serverAddress, permitListed ? &*permitListed : nullptr};
   for (const Row<NetworkV4>& row : kRowsV4) {
-    // Without addresses it would permit everything.
-    if (row.conditions[0] == PermittedAddresses && !permitListed) {
-      continue;
+    if (row.conditions[0] != PermittedAddresses) {
+      AddFilter(MakeFilter(kLayerV4, row, {luid, &serverAddress}));
+    } else if (permitListed) {  // without addresses it would permit everything
+      AddFilter(MakePermitListed(row, *permitListed));
     }
-    AddFilter(MakeFilter(kLayerV4, row, arguments));
   }
 }
 

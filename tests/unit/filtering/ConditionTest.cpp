@@ -142,5 +142,44 @@ TEST(Condition, CopiesShareTheValuesUntilTheLastGoes) {
   EXPECT_EQ(destroyed, 2);
 }
 
+TEST(Condition, ValueAskedForOutlivesIt) {
+  int destroyed = 0;
+  std::optional<Condition> condition = ConditionEqual(new TrackedPort(53, destroyed));
+  std::shared_ptr<Values::BaseValue> value = condition->GetConditionValue();
+  condition.reset();
+  EXPECT_EQ(destroyed, 0);
+  value.reset();
+  EXPECT_EQ(destroyed, 1);
+}
+
+TEST(Condition, ValueThatTakesItsOwnCopyBackIsStillDeleted) {
+  int destroyed = 0;
+  auto* const value = new TrackedPort(53, destroyed);
+  std::optional<Condition> condition = ConditionEqual(value);
+  const UINT16* const address = value->GetValue();
+  {
+    const LocalPort copy = *value;
+    LocalPort& port = *value;
+    port = LocalPort(67);
+    port = copy;
+  }
+  EXPECT_EQ(value->GetValue(), address);
+  EXPECT_EQ(*address, 53);
+  condition.reset();
+  EXPECT_EQ(destroyed, 1);
+}
+
+TEST(Condition, ValueThatIsAssignedToItselfIsStillDeleted) {
+  int destroyed = 0;
+  auto* const value = new TrackedPort(53, destroyed);
+  std::optional<Condition> condition = ConditionEqual(value);
+  LocalPort& port = *value;
+  const LocalPort& same = port;
+  port = same;
+  EXPECT_EQ(*value->GetValue(), 53);
+  condition.reset();
+  EXPECT_EQ(destroyed, 1);
+}
+
 }  // namespace
 }  // namespace WfpFirewall::Filtering

@@ -3,6 +3,7 @@
 #include <gmock/gmock.h>
 
 #include <optional>
+#include <vector>
 
 #include "filtering/Values.h"
 #include "support/EngineKeys.h"
@@ -23,6 +24,7 @@ using Filtering::Values::LocalPort;
 using Filtering::Values::Port;
 using Filtering::Values::Protocol;
 using Filtering::Values::RemotePort;
+using testing::ElementsAre;
 
 Filter InConnectV4(Action action) {
   Filter filter(action);
@@ -185,6 +187,26 @@ TEST(FilterLifetime, ConditionAddedToACopyDoesNotReachTheOriginal) {
   copy.AddCondition(ConditionEqual(new LocalPort(53)));
   EXPECT_TRUE(original.GetConditions().empty());
   EXPECT_EQ(copy.GetConditions().size(), 1u);
+}
+
+std::vector<int> Ports(const Filter& filter) {
+  std::vector<int> ports;
+  for (const Condition& condition : filter.GetConditions()) {
+    ports.push_back(*dynamic_cast<const LocalPort&>(*condition.GetConditionValue()).GetValue());
+  }
+  return ports;
+}
+
+TEST(FilterLifetime, CopiesAddTheirConditionsApart) {
+  Filter original = InConnectV4(Action::Permit);
+  for (UINT16 port = 1; port <= 4; ++port) {
+    original.AddCondition(ConditionEqual(new LocalPort(port)));
+  }
+  Filter copy = original;
+  copy.AddCondition(ConditionEqual(new LocalPort(5)));
+  original.AddCondition(ConditionEqual(new LocalPort(6)));
+  EXPECT_THAT(Ports(copy), ElementsAre(1, 2, 3, 4, 5));
+  EXPECT_THAT(Ports(original), ElementsAre(1, 2, 3, 4, 6));
 }
 
 TEST(FilterLifetime, NativeArrayIsSharedByCopies) {

@@ -2,11 +2,18 @@
 
 #include <gmock/gmock.h>
 
+#include <atomic>
+#include <cstdint>
+#include <deque>
+#include <future>
 #include <memory>
 #include <string>
+#include <thread>
 #include <type_traits>
 #include <utility>
+#include <vector>
 
+#include "filtering/Condition.h"
 #include "support/LeftOf.h"
 #include "unit/engine/FailsWith.h"
 
@@ -50,6 +57,79 @@ TEST(Values, HeldObjectOutlivesTheOriginal) {
   original.reset();
   EXPECT_EQ(copy.GetValue(), address);
   EXPECT_EQ(*copy.GetValue(), 42u);
+}
+
+TEST(Values, HeldObjectKeepsItsAddressWhenACopyWasMade) {
+  const LocalInterfaceLuid original(42);
+  const std::uint64_t* const address = original.GetValue();
+  const LocalInterfaceLuid copy(original);  // NOLINT(performance-unnecessary-copy-initialization)
+  EXPECT_EQ(copy.GetValue(), address);
+  EXPECT_EQ(original.GetValue(), address);
+}
+
+TEST(Values, HeldObjectKeepsItsAddressWhenAConditionTakesTheValue) {
+  auto* const value = new LocalInterfaceLuid(42);
+  const std::uint64_t* const address = value->GetValue();
+  const Condition condition = ConditionEqual(value);
+  EXPECT_EQ(value->GetValue(), address);
+  EXPECT_EQ(*address, 42u);
+}
+
+TEST(Values, CopyOfAConditionsValueSharesItAndOutlivesTheCondition) {
+  auto* const value = new LocalInterfaceLuid(42);
+  auto condition = std::make_unique<Condition>(ConditionEqual(value));
+  const std::uint64_t* const address = value->GetValue();
+  const LocalInterfaceLuid copy = *value;
+  const LocalInterfaceLuid copyOfCopy = copy;  // NOLINT(performance-unnecessary-copy-initialization)
+  condition.reset();
+  EXPECT_EQ(copy.GetValue(), address);
+  EXPECT_EQ(copyOfCopy.GetValue(), address);
+  EXPECT_EQ(*address, 42u);
+}
+
+TEST(Values, MovingTakesTheHeldObject) {
+  LocalPort original(53);
+  const UINT16* const address = original.GetValue();
+  LocalPort moved = std::move(original);
+  EXPECT_EQ(moved.GetValue(), address);
+  EXPECT_EQ(original.GetValue(), nullptr);  // NOLINT(bugprone-use-after-move): tested here.
+  LocalPort other(67);
+  other = std::move(moved);
+  EXPECT_EQ(other.GetValue(), address);
+  EXPECT_EQ(moved.GetValue(), nullptr);  // NOLINT(bugprone-use-after-move): tested here.
+}
+
+TEST(Values, AssigningSharesTheHeldObject) {
+  const LocalPort original(53);
+  LocalPort other(67);
+  const LocalPort copyOfOther = other;
+  other = original;
+  EXPECT_EQ(other.GetValue(), original.GetValue());
+  EXPECT_EQ(*other.GetValue(), 53);
+  EXPECT_EQ(*copyOfOther.GetValue(), 67);
+}
+
+TEST(Values, ThreadsMayReadOneValueAtOnce) {
+  std::deque<LocalInterfaceLuid> values;
+  for (std::uint64_t luid = 0; luid < 10000; ++luid) {
+    values.emplace_back(luid);
+  }
+  std::atomic<int> arrived = 0;
+  const auto readAll = [&] {
+    ++arrived;
+    while (arrived < 2) {
+      std::this_thread::yield();
+    }
+    std::vector<const std::uint64_t*> addresses;
+    for (const LocalInterfaceLuid& value : std::as_const(values)) {
+      const LocalInterfaceLuid copy = value;  // NOLINT(performance-unnecessary-copy-initialization)
+      addresses.push_back(copy.GetValue());
+    }
+    return addresses;
+  };
+  std::future<std::vector<const std::uint64_t*>> other = std::async(std::launch::async, readAll);
+  const std::vector<const std::uint64_t*> own = readAll();
+  EXPECT_EQ(other.get(), own);
 }
 
 TEST(Values, HierarchyLetsACallerAskForTheWiderKind) {
