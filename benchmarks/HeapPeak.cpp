@@ -19,6 +19,8 @@ void HeapPeak::Restart() { atRestart = peak = inUse; }
 
 std::size_t HeapPeak::Get() { return peak - atRestart; }
 
+std::size_t HeapPeak::InUse() { return inUse - atRestart; }
+
 void* operator new(std::size_t size) {
   void* memory = std::malloc(size);
   if (memory == nullptr) {

@@ -9,5 +9,7 @@ namespace HeapPeak {
 void Restart();
 /// The most bytes in use at one time since Restart, less those in use at Restart.
 std::size_t Get();
+/// The bytes in use now, less those in use at Restart.
+std::size_t InUse();
 
 }  // namespace HeapPeak
