@@ -4,11 +4,12 @@
  */
 #pragma once
 
-#include <cstring>
+#include <cstdint>
 #include <map>
-#include <unordered_map>
+#include <memory>
 #include <vector>
 
+#include "emulator/KeyTable.h"
 #include "emulator/Kind.h"
 #include "emulator/Records.h"
 #include "emulator/SecurityDescriptor.h"
@@ -38,15 +39,6 @@ struct Object {
 template <class Native>
 using ObjectPtr = std::shared_ptr<const Object<Native>>;
 
-struct GuidHash {
-  std::size_t operator()(const GUID& key) const {
-    UINT64 halves[2];
-    static_assert(sizeof(halves) == sizeof(key));
-    std::memcpy(halves, &key, sizeof(key));
-    return std::hash<UINT64>()(halves[0] ^ halves[1]);
-  }
-};
-
 /// The objects of one kind. A store can lie over another one: it then holds the changes to that, and is read
 /// as if they had been made. Copying a store copies pointers, not objects.
 template <class Native>
@@ -58,17 +50,16 @@ class KindStore {
 
   /// Null when there is none.
   [[nodiscard]] ObjectPtr<Native> Find(const GUID& key) const {
-    const auto found = byKey_.find(key);
-    if (found != byKey_.end()) {
-      return found->second;
+    if (const auto number = numbers_.Find(key)) {
+      return *number == kErased ? nullptr : Find(*number);
     }
     return base_ != nullptr ? base_->Find(key) : nullptr;
   }
 
   /// Null when there is none.
   [[nodiscard]] ObjectPtr<Native> Find(UINT64 number) const {
-    const auto found = byNumber_.find(number);
-    if (found != byNumber_.end()) {
+    const auto found = FirstFrom(number);
+    if (found != objects_.end() && found->first == number) {
       return found->second;
     }
     return base_ != nullptr ? base_->Find(number) : nullptr;
@@ -78,31 +69,36 @@ class KindStore {
 
   /// Takes the place of an object with the same number, if there is one.
   void Insert(const ObjectPtr<Native>& object) {
-    count_ += Find(object->number) == nullptr ? 1 : 0;
-    byKey_[object->Key()] = object;
-    byNumber_[object->number] = object;
+    const bool isNew = Find(object->number) == nullptr;
+    numbers_.Set(object->Key(), object->number);
+    objects_.insert_or_assign(FirstFrom(object->number), object->number, object);
+    count_ += isNew ? 1 : 0;
   }
 
   void Erase(const Object<Native>& object) {
     const GUID key = object.Key();
     const UINT64 number = object.number;
-    --count_;
     if (base_ == nullptr) {
-      byKey_.erase(key);
-      byNumber_.erase(number);
+      numbers_.Erase(key);
+      objects_.erase(number);
     } else {
-      byKey_[key] = nullptr;
-      byNumber_[number] = nullptr;
+      numbers_.Set(key, kErased);
+      objects_[number] = nullptr;
     }
+    --count_;
   }
 
   /// Makes the changes that another store holds which lies over this one.
   void Apply(const KindStore& changes) {
-    for (const auto& [number, object] : changes.byNumber_) {
+    // A key or a number that one object has lost may be another's now.
+    for (const auto& [number, object] : changes.objects_) {
+      if (const auto mine = Find(number); mine != nullptr) {
+        Erase(*mine);
+      }
+    }
+    for (const auto& [number, object] : changes.objects_) {
       if (object != nullptr) {
         Insert(object);
-      } else if (const auto mine = Find(number); mine != nullptr) {
-        Erase(*mine);
       }
     }
   }
@@ -111,13 +107,13 @@ class KindStore {
   [[nodiscard]] std::vector<ObjectPtr<Native>> All() const {
     std::map<UINT64, ObjectPtr<Native>> merged;
     if (base_ != nullptr) {
-      merged = base_->byNumber_;
-      for (const auto& [number, object] : byNumber_) {
+      merged = base_->objects_;
+      for (const auto& [number, object] : objects_) {
         merged[number] = object;
       }
     }
     std::vector<ObjectPtr<Native>> objects;
-    for (const auto& [number, object] : base_ == nullptr ? byNumber_ : merged) {
+    for (const auto& [number, object] : base_ == nullptr ? objects_ : merged) {
       if (object != nullptr) {
         objects.push_back(object);
       }
@@ -126,11 +122,20 @@ class KindStore {
   }
 
  private:
+  /// The first object of this store, without the base, with at least this number. At once for a new object,
+  /// which has the highest.
+  [[nodiscard]] auto FirstFrom(UINT64 number) const {
+    const bool isNew = objects_.empty() || objects_.rbegin()->first < number;
+    return isNew ? objects_.end() : objects_.lower_bound(number);
+  }
+
+  /// In place of the number: the object is in the base, but erased.
+  static constexpr UINT64 kErased = UINT64_MAX - 1;
+
   const KindStore* base_ = nullptr;
   std::size_t count_ = 0;
-  // Null stands for an object of the base that is erased.
-  std::unordered_map<GUID, ObjectPtr<Native>, GuidHash> byKey_;
-  std::map<UINT64, ObjectPtr<Native>> byNumber_;
+  std::map<UINT64, ObjectPtr<Native>> objects_;  ///< By number. Null: an object of the base that is erased.
+  KeyTable numbers_;
 };
 
 }  // namespace EngineEmulator

@@ -5,7 +5,9 @@
 #pragma once
 
 #include <tuple>
+#include <unordered_map>
 
+#include "emulator/GuidHash.h"
 #include "emulator/KindStore.h"
 #include "emulator/SublayerWeights.h"
 

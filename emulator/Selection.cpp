@@ -9,6 +9,7 @@
 #include "catalog/Names.h"
 #include "emulator/Checks.h"
 #include "emulator/ConditionSets.h"
+#include "emulator/GuidHash.h"
 
 namespace EngineEmulator {
 namespace {

@@ -23,6 +23,23 @@ class AsGiven : public EngineTest {
     return got;
   }
 
+  static void AddFilter(HANDLE session, UINT64 id, const GUID& key) {
+    FWPM_FILTER0 filter = FilterRecord(key);
+    filter.filterId = id;
+    EXPECT_EQ(FwpmFilterAdd0(session, &filter, nullptr, nullptr), kSuccess);
+  }
+
+  /// The id of the filter with this key; 0 if there is none.
+  static UINT64 IdOf(HANDLE session, const GUID& key) {
+    FWPM_FILTER0* found = nullptr;
+    if (FwpmFilterGetByKey0(session, &key, &found) != kSuccess) {
+      return 0;
+    }
+    const UINT64 id = found->filterId;
+    Free(found);
+    return id;
+  }
+
   static UINT32 AddCallout(HANDLE session, UINT32 id, const GUID& key) {
     FWPM_CALLOUT0 callout = CalloutRecord(kConnectV4);
     callout.calloutKey = key;
@@ -90,6 +107,34 @@ TEST_F(AsGiven, AnIdThatIsTakenOrLeavesNoRoomIsNotKept) {
   EXPECT_EQ(AddFilter(session, 70001), 70001U);
   EXPECT_EQ(AddFilter(session, 70001), 0x1'0000'0001U);
   EXPECT_EQ(AddFilter(session, std::numeric_limits<UINT64>::max()), 0x1'0000'0002U);
+}
+
+TEST_F(AsGiven, InATransactionAKeyCanPassToALowerId) {
+  const TestSession session;
+  AddFilter(session, 70002, kFilterKey);
+  ASSERT_EQ(FwpmTransactionBegin0(session, 0), kSuccess);
+  ASSERT_EQ(FwpmFilterDeleteById0(session, 70002), kSuccess);
+  EXPECT_EQ(IdOf(session, kFilterKey), 0U);
+  AddFilter(session, 70001, kFilterKey);
+  EXPECT_EQ(IdOf(session, kFilterKey), 70001U);
+  ASSERT_EQ(FwpmTransactionCommit0(session), kSuccess);
+  EXPECT_EQ(IdOf(session, kFilterKey), 70001U);
+  EXPECT_EQ(FwpmFilterDeleteByKey0(session, &kFilterKey), kSuccess);
+  EXPECT_EQ(IdOf(session, kFilterKey), 0U);
+}
+
+TEST_F(AsGiven, InATransactionAnIdCanPassToAnotherKey) {
+  constexpr GUID kOtherKey{0x0c000002, 0, 0, {}};
+  const TestSession session;
+  AddFilter(session, 70001, kFilterKey);
+  ASSERT_EQ(FwpmTransactionBegin0(session, 0), kSuccess);
+  ASSERT_EQ(FwpmFilterDeleteByKey0(session, &kFilterKey), kSuccess);
+  AddFilter(session, 70001, kOtherKey);
+  EXPECT_EQ(IdOf(session, kFilterKey), 0U);
+  EXPECT_EQ(IdOf(session, kOtherKey), 70001U);
+  ASSERT_EQ(FwpmTransactionCommit0(session), kSuccess);
+  EXPECT_EQ(IdOf(session, kFilterKey), 0U);
+  EXPECT_EQ(IdOf(session, kOtherKey), 70001U);
 }
 
 TEST_F(AsGiven, CalloutsKeepTheirIds) {
