@@ -86,32 +86,30 @@ bool KeepsWeight(const FWPM_FILTER0& filter, const Switches& switches) {
 
 template <class Native>
 ObjectPtr<Native> MakeNumbered(const Native& record, const Origin& origin, UINT64 number,
-                               std::shared_ptr<const SecurityDescriptor> security, const Switches&) {
-  return MakeObject(record, origin, number, std::move(security));
+                               const SecurityDescriptor* security, const Switches&) {
+  return MakeObject(record, origin, number, security);
 }
 
 template <>
 ObjectPtr<FWPM_CALLOUT0> MakeNumbered(const FWPM_CALLOUT0& record, const Origin& origin, UINT64 number,
-                                      std::shared_ptr<const SecurityDescriptor> security, const Switches&) {
+                                      const SecurityDescriptor* security, const Switches&) {
   FWPM_CALLOUT0 numbered = record;
   numbered.calloutId = static_cast<UINT32>(number);
-  return MakeObject(numbered, origin, number, std::move(security));
+  return MakeObject(numbered, origin, number, security);
 }
 
 template <>
 ObjectPtr<FWPM_PROVIDER_CONTEXT0> MakeNumbered(const FWPM_PROVIDER_CONTEXT0& record, const Origin& origin,
-                                               UINT64 number,
-                                               std::shared_ptr<const SecurityDescriptor> security,
+                                               UINT64 number, const SecurityDescriptor* security,
                                                const Switches&) {
   FWPM_PROVIDER_CONTEXT0 numbered = record;
   numbered.providerContextId = number;
-  return MakeObject(numbered, origin, number, std::move(security));
+  return MakeObject(numbered, origin, number, security);
 }
 
 template <>
 ObjectPtr<FWPM_FILTER0> MakeNumbered(const FWPM_FILTER0& record, const Origin& origin, UINT64 number,
-                                     std::shared_ptr<const SecurityDescriptor> security,
-                                     const Switches& switches) {
+                                     const SecurityDescriptor* security, const Switches& switches) {
   UINT64 weight =
       KeepsWeight(record, switches) ? *record.effectiveWeight.uint64 : EffectiveWeight(record, switches);
   FWPM_FILTER0 numbered = record;
@@ -122,7 +120,7 @@ ObjectPtr<FWPM_FILTER0> MakeNumbered(const FWPM_FILTER0& record, const Origin& o
   numbered.filterId = number;
   numbered.effectiveWeight.type = FWP_UINT64;
   numbered.effectiveWeight.uint64 = &weight;
-  return MakeObject(numbered, origin, number, std::move(security));
+  return MakeObject(numbered, origin, number, security);
 }
 
 std::string Text(const GUID& key) { return Catalog::FormatGuid(key); }
@@ -167,13 +165,12 @@ DWORD Engine::Add(Session& session, const Native& record, PSECURITY_DESCRIPTOR s
   if (objects == nullptr) {
     return static_cast<DWORD>(FWP_E_INCOMPATIBLE_TXN);
   }
-  std::shared_ptr<const SecurityDescriptor> descriptor;
+  std::optional<SecurityDescriptor> given;
   if (security != nullptr) {
-    const auto given = SecurityDescriptor::FromNative(security);
+    given = SecurityDescriptor::FromNative(security);
     if (!given.has_value()) {
       return ERROR_INVALID_SECURITY_DESCR;
     }
-    descriptor = std::make_shared<const SecurityDescriptor>(*given);
   }
   Native filled = record;
   FillSublayer(filled);
@@ -198,8 +195,8 @@ DWORD Engine::Add(Session& session, const Native& record, PSECURITY_DESCRIPTOR s
     return Refuse({FWP_E_ALREADY_EXISTS, std::string("there is a ") + Kind<Native>::kName + " " + Text(key)});
   }
   AssignWeight(filled, *objects, switches_);
-  const ObjectPtr<Native> object =
-      MakeNumbered(filled, origin, NewNumber(filled, *objects), std::move(descriptor), switches_);
+  const ObjectPtr<Native> object = MakeNumbered(filled, origin, NewNumber(filled, *objects),
+                                                given.has_value() ? &*given : nullptr, switches_);
   objects->template Add<Native>(object);
   if (number != nullptr) {
     *number = object->number;
@@ -266,8 +263,7 @@ DWORD Engine::SetSecurity(Session& session, const GUID& key, const SecurityDescr
     return static_cast<DWORD>(FWP_E_INCOMPATIBLE_TXN);
   }
   const auto object = objects->template OfKind<Native>().Find(key);
-  objects->template Replace<Native>(MakeObject(object->Record(), object->origin, object->number,
-                                               std::make_shared<const SecurityDescriptor>(security)));
+  objects->template Replace<Native>(MakeObject(object->Record(), object->origin, object->number, &security));
   return ERROR_SUCCESS;
 }
 

@@ -15,6 +15,7 @@
 #include "emulator/EngineMemory.h"
 #include "emulator/FaultPlan.h"
 #include "emulator/Refusal.h"
+#include "emulator/SecurityDescriptor.h"
 #include "emulator/Session.h"
 #include "emulator/Switches.h"
 

@@ -11,8 +11,6 @@
 
 #include "emulator/KeyTable.h"
 #include "emulator/Kind.h"
-#include "emulator/Records.h"
-#include "emulator/SecurityDescriptor.h"
 
 namespace EngineEmulator {
 
@@ -24,16 +22,17 @@ struct Origin {
   HANDLE session;  ///< The session that a dynamic object ends with; null for all others.
 };
 
-/// An object of the engine. It never changes, so that stores, snapshots and transactions can share it.
+/// An object of the engine, in one block of memory with all that hangs off it. It never changes, so that
+/// stores, snapshots and transactions can share it.
 template <class Native>
 struct Object {
-  Block<Native> block;
+  Native record;
   Origin origin;
-  UINT64 number;  ///< Rises in the order of adding, never used again. The id of what has one.
-  std::shared_ptr<const SecurityDescriptor> security;  ///< null for the default
+  UINT64 number;          ///< Rises in the order of adding, never used again. The id of what has one.
+  const UINT8* security;  ///< a self-relative descriptor; null for the default
 
-  [[nodiscard]] const Native& Record() const { return *block.root; }
-  [[nodiscard]] const GUID& Key() const { return Record().*Kind<Native>::kKey; }
+  [[nodiscard]] const Native& Record() const { return record; }
+  [[nodiscard]] const GUID& Key() const { return record.*Kind<Native>::kKey; }
 };
 
 template <class Native>

@@ -5,6 +5,8 @@
 #pragma once
 
 #include "emulator/KindStore.h"
+#include "emulator/Records.h"
+#include "emulator/SecurityDescriptor.h"
 
 namespace EngineEmulator {
 
@@ -12,10 +14,14 @@ namespace EngineEmulator {
 /// @param security null for the default
 template <class Native>
 ObjectPtr<Native> MakeObject(const Native& record, const Origin& origin, UINT64 number,
-                             std::shared_ptr<const SecurityDescriptor> security = nullptr) {
-  auto block = MakeBlock([&](Packer& packer) { return PackRecord(packer, record); });
-  return std::make_shared<const Object<Native>>(
-      Object<Native>{std::move(block), origin, number, std::move(security)});
+                             const SecurityDescriptor* security = nullptr) {
+  constexpr SECURITY_INFORMATION kAllParts = OWNER_SECURITY_INFORMATION | GROUP_SECURITY_INFORMATION |
+                                             DACL_SECURITY_INFORMATION | SACL_SECURITY_INFORMATION;
+  return MakeSharedBlock([&](Packer& packer) {
+    const Object<Native> object{Pack(packer, record), origin, number,
+                                security == nullptr ? nullptr : security->Pack(packer, kAllParts)};
+    return packer.Copy(&object);
+  });
 }
 
 }  // namespace EngineEmulator

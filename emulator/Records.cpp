@@ -150,9 +150,8 @@ Subscription PackSubscription(Packer& packer, Subscription subscription) {
 
 }  // namespace
 
-void* Packer::CopyBytes(const void* source, std::size_t size) {
-  constexpr std::size_t kAlignment = alignof(std::max_align_t);
-  size_ = (size_ + kAlignment - 1) / kAlignment * kAlignment;
+void* Packer::CopyBytes(const void* source, std::size_t size, std::size_t alignment) {
+  size_ = (size_ + alignment - 1) / alignment * alignment;
   std::byte* const target = block_ == nullptr ? nullptr : block_ + size_;
   size_ += size;
   return target == nullptr ? nullptr : std::memcpy(target, source, size);

@@ -28,14 +28,16 @@ class Packer {
     if (source == nullptr || count == 0) {
       return nullptr;
     }
-    return static_cast<T*>(CopyBytes(source, sizeof(T) * count));
+    // Bytes can stand for anything.
+    constexpr std::size_t kAlignment = alignof(T) == 1 ? alignof(std::max_align_t) : alignof(T);
+    return static_cast<T*>(CopyBytes(source, sizeof(T) * count, kAlignment));
   }
 
   /// Bytes used so far.
   [[nodiscard]] std::size_t Size() const { return size_; }
 
  private:
-  void* CopyBytes(const void* source, std::size_t size);
+  void* CopyBytes(const void* source, std::size_t size, std::size_t alignment);
 
   std::byte* block_;
   std::size_t size_ = 0;
@@ -104,6 +106,21 @@ auto MakeBlock(PackRoot pack) {
   Packer packer(bytes.get());
   auto* root = pack(packer);
   return Block<std::remove_pointer_t<decltype(root)>>{std::move(bytes), root};
+}
+
+/// The same in a block that goes with its last owner.
+/// @return the root.
+template <class PackRoot>
+auto MakeSharedBlock(PackRoot pack) {
+  struct Unit {
+    alignas(std::max_align_t) std::byte bytes[alignof(std::max_align_t)];
+  };
+  Packer measure(nullptr);
+  pack(measure);
+  auto units = std::make_shared_for_overwrite<Unit[]>((measure.Size() + sizeof(Unit) - 1) / sizeof(Unit));
+  Packer packer(reinterpret_cast<std::byte*>(units.get()));
+  auto* root = pack(packer);
+  return std::shared_ptr<std::remove_pointer_t<decltype(root)>>(std::move(units), root);
 }
 
 }  // namespace EngineEmulator

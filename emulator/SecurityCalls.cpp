@@ -22,7 +22,8 @@ DWORD Give(const char* function, Engine& engine, const SecurityDescriptor& secur
   if (targets.descriptor == nullptr) {
     return kNullPointer;
   }
-  UINT8* const bytes = engine.memory.HandOut(function, security.Pack(information));
+  UINT8* const bytes = engine.memory.HandOut(
+      function, MakeBlock([&](Packer& packer) { return security.Pack(packer, information); }));
   const SecurityParts parts = PartsOf(bytes);
   Store<PSID>(targets.owner, parts.owner);
   Store<PSID>(targets.group, parts.group);

@@ -47,7 +47,8 @@ inline bool IsContainer(const GUID* key) { return key == nullptr || *key == GUID
 /// What is known of a descriptor: its object's, or the default one.
 template <class Native>
 SecurityDescriptor SecurityOf(const Object<Native>& object) {
-  return object.security == nullptr ? SecurityDescriptor::Default() : *object.security;
+  return object.security == nullptr ? SecurityDescriptor::Default()
+                                    : *SecurityDescriptor::FromNative(object.security);
 }
 
 template <class Native>

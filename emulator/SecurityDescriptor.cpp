@@ -167,7 +167,7 @@ bool SecurityDescriptor::Set(SECURITY_INFORMATION information, const SID* owner,
   return true;
 }
 
-Block<UINT8> SecurityDescriptor::Pack(SECURITY_INFORMATION information) const {
+UINT8* SecurityDescriptor::Pack(Packer& packer, SECURITY_INFORMATION information) const {
   Header header{};
   header.Revision = SECURITY_DESCRIPTOR_REVISION;
   header.Control = SE_SELF_RELATIVE;
@@ -183,7 +183,7 @@ Block<UINT8> SecurityDescriptor::Pack(SECURITY_INFORMATION information) const {
     }
   }
   std::memcpy(bytes.data(), &header, sizeof(header));
-  return MakeBlock([&](Packer& packer) { return packer.Copy(bytes.data(), bytes.size()); });
+  return packer.Copy(bytes.data(), bytes.size());
 }
 
 SecurityParts PartsOf(UINT8* descriptor) {

@@ -34,8 +34,8 @@ class SecurityDescriptor {
   bool Set(SECURITY_INFORMATION information, const SID* owner, const SID* group, const ACL* dacl,
            const ACL* sacl);
 
-  /// A self-relative descriptor of the parts that the information names, in a block of bytes.
-  [[nodiscard]] Block<UINT8> Pack(SECURITY_INFORMATION information) const;
+  /// A self-relative descriptor of the parts that the information names.
+  UINT8* Pack(Packer& packer, SECURITY_INFORMATION information) const;
 
  private:
   /// In the order of SECURITY_INFORMATION's bits: owner, group, DACL, SACL.

@@ -10,6 +10,7 @@
 
 #include "emulator/NetEventLog.h"
 #include "emulator/ObjectStore.h"
+#include "emulator/Records.h"
 #include "emulator/Worker.h"
 
 namespace EngineEmulator {

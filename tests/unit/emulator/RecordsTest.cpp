@@ -3,6 +3,8 @@
 
 #include <gtest/gtest.h>
 
+#include <cstdint>
+
 namespace {
 
 using namespace EngineEmulator;
@@ -48,6 +50,18 @@ TEST_F(Records, KeepHardwareAddresses) {
   const FWP_CONDITION_VALUE0 copy = Copy(value);
   EXPECT_NE(copy.byteArray6, &address);
   EXPECT_EQ(copy.byteArray6->byteArray6[5], 6);
+}
+
+TEST_F(Records, AlignBytesForAnything) {
+  wchar_t name[] = L"a";
+  UINT8 byte = 5;
+  FWPM_FILTER0 filter{};
+  filter.displayData.name = name;
+  filter.providerData = {1, &byte};
+  const auto block = MakeBlock([&](Packer& packer) { return PackRecord(packer, filter); });
+  const UINT8* const copy = block.root->providerData.data;
+  EXPECT_EQ(*copy, 5);
+  EXPECT_EQ(reinterpret_cast<std::uintptr_t>(copy) % 16, 0U);
 }
 
 TEST_F(Records, KeepStrings) {
