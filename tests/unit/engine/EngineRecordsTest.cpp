@@ -1,5 +1,5 @@
-// The arguments of engine calls, with the fields that cannot be read back from the emulated engine. This
-// program has its own engine functions.
+// The arguments of engine calls, with the fields that cannot be read back from the emulated engine, and the
+// memory that filters take. This program has its own engine functions and its own new.
 #include <gmock/gmock.h>
 
 #include <cstdlib>
@@ -8,6 +8,8 @@
 
 #include "engine/Engine.h"
 #include "engine/Firewall.h"
+#include "filtering/FilterBuilder.h"
+#include "filtering/Values.h"
 #include "unit/engine/Samples.h"
 
 namespace {
@@ -39,10 +41,12 @@ FWPM_SUBLAYER0 installedSublayer{};
 
 bool memoryEndsWithAFilter = false;
 bool memoryHasEnded = false;
+int allocations = 0;
 
 }  // namespace
 
 void* operator new(std::size_t size) {
+  ++allocations;
   // NOLINTNEXTLINE(cppcoreguidelines-no-malloc): this is operator new.
   void* memory = memoryHasEnded ? nullptr : std::malloc(size);
   if (memory == nullptr) {
@@ -180,6 +184,27 @@ TEST_F(EngineRecords, ObjectsHaveTheEnginesOwnSecurityAndNoDataOfTheProvider) {
   ExpectNothingAttached(given.providers);
   ExpectNothingAttached(given.sublayers);
   ExpectNothingAttached(given.filters);
+}
+
+TEST_F(EngineRecords, FilterOfThreeConditionsTakesAtMostSixAllocationsFromNothingToTheEngine) {
+  using namespace Filtering;
+  constexpr int kFilters = 100;
+  const Provider provider = Samples::MakeProvider();
+  Sublayer sublayer(GUID{}, L"", L"");
+  given.filters.reserve(kFilters);
+  const int before = allocations;
+  for (int i = 0; i < kFilters; ++i) {
+    sublayer.AddFilter(FilterBuilder()
+                           .CreateFilter(Action::Permit)
+                           .InLayer(LayerType::AleAuthConnectV4)
+                           .WithCondition(ConditionEqual(new Values::Protocol(IPPROTO_UDP)))
+                           .WithCondition(ConditionEqual(new Values::RemotePort(53)))
+                           .WithCondition(ConditionEqual(new Values::LocalInterfaceLuid(42)))
+                           .Get());
+  }
+  sublayer.Apply(&engineHandle, provider);
+  EXPECT_LE(allocations - before, 6 * kFilters);
+  EXPECT_THAT(given.filters, SizeIs(kFilters));
 }
 
 TEST_F(EngineRecords, FilterNeverStaysInTheEngineWithoutItsId) {
