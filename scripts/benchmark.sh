@@ -8,13 +8,14 @@ cd "$root"
 install_packages libbenchmark-dev
 
 if [ "${1:-}" = compare ]; then
-  commit=$(git rev-parse --verify "${2:?names no commit}^{commit}")
+  commit=$(git rev-parse --verify --quiet "${2:-}^{commit}") || {
+    echo "compare needs a commit, such as main; '${2:-}' is none" >&2
+    exit 1
+  }
   before="$root/build/compare/$commit"
   step "Build filter_cost now, and with the sources of $commit"
-  if [ ! -d "$before" ]; then
-    mkdir -p "$before"
-    git archive "$commit" | tar -xf - -C "$before"
-  fi
+  mkdir -p "$before"
+  git archive "$commit" | tar -xf - -C "$before"
   # The same program, on the sources of then.
   rm -rf "$before/benchmarks"
   cp -r benchmarks "$before"
